@@ -1,0 +1,52 @@
+#include "darkstyle.h"
+#include "densityfont.h"
+#include "keys.h"
+#include "mainwindow.h"
+#include "settingsfiles.h"
+#include "singleapplication.h"
+
+#include <QDesktopWidget>
+
+namespace {
+
+void applyDensityFont()
+{
+    const int pixels = fontPixelSizeForDpi(QApplication::desktop()->logicalDpiX());
+    if (pixels == 0)
+        return;
+    QFont font = QApplication::font();
+    font.setPixelSize(pixels);
+    QApplication::setFont(font);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    SingleApplication app(argc, argv, false, 1, 100);
+    applyDensityFont();
+    QApplication::setOrganizationDomain(QStringLiteral("TALVERON-PC"));
+    QApplication::setOrganizationName(QStringLiteral("TALVERON-PC"));
+    QApplication::setApplicationName(QStringLiteral("Varnel"));
+    QApplication::setApplicationVersion(QStringLiteral("1.4.4"));
+    QApplication::setStyle(new DarkStyle);
+
+    auto *window = new MainWindow();
+    QObject::connect(&app, &QApplication::aboutToQuit, window, &MainWindow::ShutdownQuit);
+    QObject::connect(&app, &SingleApplication::instanceStarted, window,
+                     &MainWindow::wakeFromSecondStart);
+
+    auto *general = new SettingsFile(SettingsFileSet().general);
+    const bool startHidden = general->value(QString::fromLatin1(keys::startHidden)).toBool();
+    window->show();
+    window->raise();
+    window->setFocus(Qt::OtherFocusReason);
+    window->activateWindow();
+    if (startHidden)
+        window->hide();
+
+    const int status = QApplication::exec();
+    delete general;
+    delete window;
+    return status;
+}

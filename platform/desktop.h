@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+// The user's desktop: default browser, and files outside the install folder.
+class Desktop {
+public:
+    virtual ~Desktop() = default;
+    virtual void openUrl(const QUrl &url) = 0;
+    // Whether a file at a system path (for example under "C://Program Files") exists.
+    virtual bool systemFileExists(const QString &path) = 0;
+    virtual bool copySystemFile(const QString &from, const QString &to) = 0;
+};

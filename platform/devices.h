@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QtGlobal>
+
+// The laptop's device switches (1 camera, 2 wireless LAN, 3 touchpad; value 0 off, 1 on).
+class DeviceSwitches {
+public:
+    virtual ~DeviceSwitches() = default;
+    virtual void setSwitch(int switchId, int value) = 0;
+};
+
+// External monitors over DDC/CI: read-compare-write of one VCP feature on every physical
+// monitor behind the display that shows the given window.
+class MonitorControl {
+public:
+    virtual ~MonitorControl() = default;
+    virtual void setVcpFeature(quintptr windowId, quint8 code, quint32 value) = 0;
+};
+
+// Swallows the Windows (Super) keys while installed.
+class KeyBlocker {
+public:
+    virtual ~KeyBlocker() = default;
+    virtual bool install() = 0;
+    virtual void uninstall() = 0;
+};
+
+// Mains power: 0 offline, 1 online, 255 unknown.
+class PowerSource {
+public:
+    virtual ~PowerSource() = default;
+    virtual int acLineStatus() = 0;
+};

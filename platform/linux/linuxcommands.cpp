@@ -1,0 +1,123 @@
+#include "linuxcommands.h"
+
+#include "qtprocess.h"
+
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QProcess>
+#include <QTimer>
+
+Q_LOGGING_CATEGORY(lcCommands, "varnel.commands")
+
+LinuxCommandRunner::LinuxCommandRunner(std::shared_ptr<const CommandTable> table)
+    : m_table(std::move(table))
+{
+}
+
+QString LinuxCommandRunner::runAndRead(const QString &commandLine, int)
+{
+    if (auto output = m_table->run(commandLine))
+        return *output;
+    qCDebug(lcCommands) << "no Linux equivalent for" << commandLine;
+    return QString();
+}
+
+void LinuxCommandRunner::start(const QString &commandLine)
+{
+    runAndRead(commandLine, 0);
+}
+
+void LinuxCommandRunner::startShown(const QString &commandLine, ShowMode)
+{
+    runAndRead(commandLine, 0);
+}
+
+void LinuxCommandRunner::startDetached(const QString &program, const QStringList &arguments,
+                                       const QString &workingDirectory)
+{
+    const QFileInfo info(program);
+    if (!info.isFile() || !info.isExecutable()) {
+        qCDebug(lcCommands) << "not an executable:" << program;
+        return;
+    }
+    QProcess::startDetached(info.absoluteFilePath(), arguments, workingDirectory);
+}
+
+AsyncProcess *LinuxCommandRunner::createProcess(QObject *parent)
+{
+    return new LinuxAsyncProcess(m_table, parent);
+}
+
+LinuxAsyncProcess::LinuxAsyncProcess(std::shared_ptr<const CommandTable> table, QObject *parent)
+    : AsyncProcess(parent), m_table(std::move(table)), m_real(new QtAsyncProcess(this))
+{
+    connect(m_real, &AsyncProcess::readyReadStandardOutput, this,
+            &AsyncProcess::readyReadStandardOutput);
+    connect(m_real, &AsyncProcess::finished, this, &AsyncProcess::finished);
+}
+
+void LinuxAsyncProcess::setWorkingDirectory(const QString &dir)
+{
+    m_real->setWorkingDirectory(dir);
+}
+
+void LinuxAsyncProcess::start(const QString &program, const QStringList &arguments)
+{
+    if (isRunning())
+        return;
+    m_real->start(program, arguments);
+}
+
+void LinuxAsyncProcess::startCommand(const QString &commandLine)
+{
+    if (isRunning())
+        return;
+    if (auto output = m_table->run(commandLine)) {
+        answer(*output);
+        return;
+    }
+    m_real->startCommand(commandLine);
+}
+
+// Delivered from the event loop, as a real process would, so callers see the same order.
+void LinuxAsyncProcess::answer(const QString &output)
+{
+    m_answer = output.toUtf8();
+    m_answering = true;
+    QTimer::singleShot(0, this, [this] {
+        if (!m_answering)
+            return;
+        if (!m_answer.isEmpty())
+            emit readyReadStandardOutput();
+        m_answering = false;
+        emit finished(0, QProcess::NormalExit);
+    });
+}
+
+bool LinuxAsyncProcess::isRunning() const
+{
+    return m_answering || m_real->isRunning();
+}
+
+QByteArray LinuxAsyncProcess::readAllStandardOutput()
+{
+    if (!m_answer.isEmpty()) {
+        QByteArray out;
+        out.swap(m_answer);
+        return out;
+    }
+    return m_real->readAllStandardOutput();
+}
+
+void LinuxAsyncProcess::write(const QByteArray &data)
+{
+    if (!m_answering)
+        m_real->write(data);
+}
+
+void LinuxAsyncProcess::close()
+{
+    m_answering = false;
+    m_answer.clear();
+    m_real->close();
+}

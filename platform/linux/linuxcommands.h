@@ -1,0 +1,47 @@
+#pragma once
+
+#include "commandrunner.h"
+#include "commandtable.h"
+
+#include <memory>
+
+// Runs the program's command lines through the Linux command table. Programs given by path
+// (companions, a tuning client) are started for real.
+class LinuxCommandRunner : public CommandRunner {
+public:
+    explicit LinuxCommandRunner(std::shared_ptr<const CommandTable> table);
+
+    QString runAndRead(const QString &commandLine, int timeoutMs) override;
+    void start(const QString &commandLine) override;
+    void startShown(const QString &commandLine, ShowMode mode) override;
+    void startDetached(const QString &program, const QStringList &arguments,
+                       const QString &workingDirectory) override;
+    AsyncProcess *createProcess(QObject *parent) override;
+
+private:
+    std::shared_ptr<const CommandTable> m_table;
+};
+
+// Answers known command lines from the table without a child process; anything else runs as
+// a real process.
+class LinuxAsyncProcess : public AsyncProcess {
+    Q_OBJECT
+public:
+    LinuxAsyncProcess(std::shared_ptr<const CommandTable> table, QObject *parent);
+
+    void setWorkingDirectory(const QString &dir) override;
+    void start(const QString &program, const QStringList &arguments) override;
+    void startCommand(const QString &commandLine) override;
+    bool isRunning() const override;
+    QByteArray readAllStandardOutput() override;
+    void write(const QByteArray &data) override;
+    void close() override;
+
+private:
+    void answer(const QString &output);
+
+    std::shared_ptr<const CommandTable> m_table;
+    AsyncProcess *m_real;
+    QByteArray m_answer;
+    bool m_answering = false;
+};

@@ -1,0 +1,24 @@
+#include "linuxdesktop.h"
+
+#include <QDesktopServices>
+#include <QFile>
+
+void LinuxDesktop::openUrl(const QUrl &url)
+{
+    QDesktopServices::openUrl(url);
+}
+
+bool LinuxDesktop::systemFileExists(const QString &path)
+{
+    // Windows system paths ("C://...") name nothing here.
+    if (path.size() > 1 && path.at(1) == QLatin1Char(':'))
+        return false;
+    return QFile::exists(path);
+}
+
+bool LinuxDesktop::copySystemFile(const QString &from, const QString &to)
+{
+    if (to.size() > 1 && to.at(1) == QLatin1Char(':'))
+        return false;
+    return QFile::copy(from, to);
+}

@@ -1,0 +1,28 @@
+#include "linuxidentity.h"
+
+#include <cerrno>
+#include <pwd.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <vector>
+
+QString LinuxIdentity::userName()
+{
+    long size = sysconf(_SC_GETPW_R_SIZE_MAX);
+    std::vector<char> buffer(size > 0 ? static_cast<size_t>(size) : 16384);
+    passwd entry{};
+    passwd *result = nullptr;
+    if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &result) != 0 || !result)
+        return QString();
+    return QString::fromLocal8Bit(result->pw_name);
+}
+
+bool LinuxIdentity::primaryIsGone(qint64 primaryPid)
+{
+    if (primaryPid <= 0)
+        return true;
+    if (::kill(static_cast<pid_t>(primaryPid), 0) == 0)
+        return false;
+    return errno == ESRCH;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+
+class CommandRunner;
+class Registry;
+class UserIdentity;
+class PanelBrightness;
+class DeviceSwitches;
+class MonitorControl;
+class KeyBlocker;
+class PowerSource;
+class AudioEndpoint;
+class GpuSensors;
+class SystemSampler;
+class SleepNotifier;
+class Desktop;
+class Dialogs;
+class Scheduler;
+
+// One implementation of every operating-system concern. The native bundle is chosen in one
+// place (nativePlatform()); tests build the window over a fake bundle.
+struct Platform {
+    std::shared_ptr<CommandRunner> commands;
+    std::shared_ptr<Registry> registry;
+    std::shared_ptr<UserIdentity> identity;
+    std::shared_ptr<PanelBrightness> brightness;
+    std::shared_ptr<DeviceSwitches> switches;
+    std::shared_ptr<MonitorControl> monitors;
+    std::shared_ptr<KeyBlocker> keyBlocker;
+    std::shared_ptr<PowerSource> powerSource;
+    std::shared_ptr<AudioEndpoint> audio;
+    std::shared_ptr<GpuSensors> gpu;
+    std::shared_ptr<SystemSampler> sampler;
+    std::shared_ptr<SleepNotifier> sleep;
+    std::shared_ptr<Desktop> desktop;
+    std::shared_ptr<Dialogs> dialogs;
+    std::shared_ptr<Scheduler> scheduler;
+};
+
+Platform nativePlatform();

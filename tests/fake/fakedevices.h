@@ -1,0 +1,150 @@
+#pragma once
+
+#include "audio.h"
+#include "brightness.h"
+#include "desktop.h"
+#include "devices.h"
+#include "dialogs.h"
+#include "identity.h"
+#include "operationlog.h"
+#include "registry.h"
+#include "sleepnotifier.h"
+
+#include <QList>
+#include <QMap>
+#include <QPair>
+
+class FakeRegistry : public Registry {
+public:
+    explicit FakeRegistry(SharedLog log) : m_log(std::move(log)) {}
+    QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;
+    void setValue(const QString &key, const QString &name, const QVariant &value) override;
+    void remove(const QString &key, const QString &name) override;
+    bool contains(const QString &key, const QString &name) override;
+
+    // key + "|" + name -> value
+    QMap<QString, QVariant> values;
+
+private:
+    SharedLog m_log;
+};
+
+class FakeIdentity : public UserIdentity {
+public:
+    QString userName() override { return name; }
+    bool primaryIsGone(qint64) override { return primaryGone; }
+    QString name = QStringLiteral("tester");
+    bool primaryGone = false;
+};
+
+class FakePanel : public PanelBrightness {
+public:
+    explicit FakePanel(SharedLog log) : m_log(std::move(log)) {}
+    int read() override;
+    void write(quint32 level) override;
+    bool providerInstalled() override { return provider; }
+
+    int level = 50; // what the panel reports; -1 for an unreachable panel
+    bool provider = true;
+
+private:
+    SharedLog m_log;
+};
+
+class FakeSwitches : public DeviceSwitches {
+public:
+    explicit FakeSwitches(SharedLog log) : m_log(std::move(log)) {}
+    void setSwitch(int switchId, int value) override;
+
+private:
+    SharedLog m_log;
+};
+
+class FakeMonitors : public MonitorControl {
+public:
+    explicit FakeMonitors(SharedLog log) : m_log(std::move(log)) {}
+    void setVcpFeature(quintptr windowId, quint8 code, quint32 value) override;
+
+private:
+    SharedLog m_log;
+};
+
+class FakeKeyBlocker : public KeyBlocker {
+public:
+    explicit FakeKeyBlocker(SharedLog log) : m_log(std::move(log)) {}
+    bool install() override;
+    void uninstall() override;
+    bool installed = false;
+
+private:
+    SharedLog m_log;
+};
+
+class FakePowerSource : public PowerSource {
+public:
+    int acLineStatus() override { return status; }
+    int status = 1;
+};
+
+class FakeAudio : public AudioEndpoint {
+public:
+    explicit FakeAudio(SharedLog log) : m_log(std::move(log)) {}
+    quint32 volumeOperation(int command, float level, bool mute) override;
+    QString outputDeviceName() override { return deviceName; }
+
+    bool hasDevice = true;
+    float level = 0.5f;
+    bool muted = false;
+    QString deviceName = QStringLiteral("Speakers");
+
+private:
+    SharedLog m_log;
+};
+
+class FakeSleepNotifier : public SleepNotifier {
+public:
+    // Native events in tests carry a pair of (id, code) behind the message pointer.
+    bool decodeNativeMessage(const QByteArray &eventType, void *message, quint32 *id,
+                             quintptr *code) override;
+    struct Message {
+        quint32 id;
+        quintptr code;
+    };
+};
+
+class FakeDesktop : public Desktop {
+public:
+    explicit FakeDesktop(SharedLog log) : m_log(std::move(log)) {}
+    void openUrl(const QUrl &url) override;
+    bool systemFileExists(const QString &path) override { return existing.contains(path); }
+    bool copySystemFile(const QString &from, const QString &to) override;
+
+    QStringList existing; // system paths that exist
+
+private:
+    SharedLog m_log;
+};
+
+// Answers message boxes from a queue (Yes when empty) and records them.
+class FakeDialogs : public Dialogs {
+public:
+    explicit FakeDialogs(SharedLog log) : m_log(std::move(log)) {}
+    QMessageBox::StandardButton message(QWidget *parent, QMessageBox::Icon icon,
+                                        const QString &title, const QString &text,
+                                        QMessageBox::StandardButtons buttons) override;
+    QString openFileName(QWidget *parent, const QString &caption, const QString &dir,
+                         const QString &filter) override;
+
+    struct Shown {
+        QMessageBox::Icon icon;
+        QString title;
+        QString text;
+        QMessageBox::StandardButtons buttons;
+    };
+    QList<Shown> shown;
+    QList<QMessageBox::StandardButton> answers;
+    QStringList fileAnswers; // empty string = cancelled
+
+private:
+    SharedLog m_log;
+};

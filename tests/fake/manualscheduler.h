@@ -1,0 +1,35 @@
+#pragma once
+
+#include "scheduler.h"
+
+#include <QList>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+
+// Records one-shot delays instead of waiting; the test fires them by hand, in due order.
+class ManualScheduler : public Scheduler {
+public:
+    void singleShot(int ms, QObject *receiver, const char *slot) override;
+
+    struct Pending {
+        qint64 due; // ms since the scheduler's clock start
+        int delay;
+        QString slot;
+        QPointer<QObject> receiver;
+    };
+
+    // "delay slot" for everything scheduled so far, fired or not, in scheduling order.
+    QStringList history;
+    QList<Pending> pending;
+
+    // Advances the clock by ms, firing everything due on the way, earliest first (ties in
+    // scheduling order). Calls scheduled while firing are honoured if they fall in the window.
+    void advance(qint64 ms);
+    // Fires everything, including what the fired calls schedule, up to a limit of calls.
+    int runAll(int limit = 1000);
+    qint64 now() const { return m_now; }
+
+private:
+    qint64 m_now = 0;
+};
