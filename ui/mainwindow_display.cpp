@@ -1,4 +1,4 @@
-// The window's panel and external brightness, device switches: each slot reads its controls and hands over to the subsystem.
+// The window's panel brightness: each slot reads its controls and hands over to the subsystem.
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 
@@ -6,23 +6,7 @@ void MainWindow::createDisplay()
 {
 }
 
-void MainWindow::loadCamera()
-{
-}
-
-void MainWindow::loadLatencyFix()
-{
-}
-
-void MainWindow::loadWindowsKey()
-{
-}
-
 void MainWindow::loadAdaptiveBrightness()
-{
-}
-
-void MainWindow::installKeyHookOnce()
 {
 }
 
@@ -31,10 +15,6 @@ void MainWindow::GetBrightness()
 }
 
 void MainWindow::installmof()
-{
-}
-
-void MainWindow::GetTouchpad()
 {
 }
 
@@ -54,42 +34,3 @@ void MainWindow::on_Button_ScreenPower_clicked()
 {
 }
 
-void MainWindow::on_Slider_SecondBRight_valueChanged(int)
-{
-}
-
-void MainWindow::on_Radio_CameraON_clicked()
-{
-}
-
-void MainWindow::on_Radio_CameraOFF_clicked()
-{
-}
-
-void MainWindow::on_Radio_TouchpadON_clicked()
-{
-}
-
-void MainWindow::on_Radio_TouchpadOFF_clicked()
-{
-}
-
-void MainWindow::on_Radio_WifiON_clicked()
-{
-}
-
-void MainWindow::on_Radio_WifiOFF_clicked()
-{
-}
-
-void MainWindow::on_Button_Camera_clicked()
-{
-}
-
-void MainWindow::on_Button_TouchpadSettings_clicked()
-{
-}
-
-void MainWindow::on_Check_DisableWinKey_clicked()
-{
-}

@@ -6,10 +6,6 @@ void MainWindow::createMonitoring()
 {
 }
 
-void MainWindow::startStatusPublisher()
-{
-}
-
 void MainWindow::loadWidgetSettings()
 {
 }
@@ -55,14 +51,6 @@ void MainWindow::NVAPI_GPU2PSTATE(int)
 }
 
 void MainWindow::startwidgets()
-{
-}
-
-void MainWindow::sharedmemtimer()
-{
-}
-
-void MainWindow::loadIntoSharedMem(const QString &)
 {
 }
 

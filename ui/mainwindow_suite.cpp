@@ -103,6 +103,3 @@ void MainWindow::on_checkBox_headphonefix_clicked()
 {
 }
 
-void MainWindow::on_Button_WifiSettings_clicked()
-{
-}
