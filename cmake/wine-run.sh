@@ -3,7 +3,7 @@
 # Used as CMAKE_CROSSCOMPILING_EMULATOR, so the program's exit status becomes the test result.
 #
 #   VARNEL_WINEPREFIX     the prefix folder (required; set by the test fixture)
-#   VARNEL_WINE_TIMEOUT   seconds before the program is killed (default 120)
+#   VARNEL_WINE_TIMEOUT   seconds before the program is killed (default 300)
 set -u
 
 if [ -z "${VARNEL_WINEPREFIX:-}" ]; then
@@ -27,10 +27,10 @@ export HOME="$VARNEL_WINEPREFIX/unix-home"
 log=$(mktemp "${TMPDIR:-/tmp}/varnel-wine-run.XXXXXX") || exit 2
 trap 'rm -f "$log"' EXIT
 
-timeout -k 5 "${VARNEL_WINE_TIMEOUT:-120}" wine "$@" </dev/null >"$log" 2>&1
+timeout -k 5 "${VARNEL_WINE_TIMEOUT:-300}" wine "$@" </dev/null >"$log" 2>&1
 status=$?
 cat "$log"
 if [ "$status" -eq 124 ] || [ "$status" -eq 137 ]; then
-    echo "wine-run.sh: $1 did not finish within ${VARNEL_WINE_TIMEOUT:-120} s" >&2
+    echo "wine-run.sh: $1 did not finish within ${VARNEL_WINE_TIMEOUT:-300} s" >&2
 fi
 exit "$status"

@@ -16,4 +16,7 @@ public:
     virtual void setValue(const QString &key, const QString &name, const QVariant &value) = 0;
     virtual void remove(const QString &key, const QString &name) = 0;
     virtual bool contains(const QString &key, const QString &name) = 0;
+    // Whether machine-wide Windows settings (HKEY_LOCAL_MACHINE) configure the running system;
+    // where they do not, writes to them are remembered nowhere and change nothing.
+    virtual bool machineSettingsApply() { return true; }
 };

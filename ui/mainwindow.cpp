@@ -7,6 +7,7 @@
 #include "dialogs.h"
 #include "keys.h"
 #include "scheduler.h"
+#include "densitysizing.h"
 #include "screenfit.h"
 
 #include <QAction>
@@ -111,28 +112,7 @@ void MainWindow::SetStyle()
 
 void MainWindow::applyDensitySizing()
 {
-    const int dpi = m_logicalDpi;
-    const QSize minimum = minimumSizeForDpi(dpi);
-    if (!minimum.isValid())
-        return;
-    setMinimumSize(minimum);
-    const QSize button = titleButtonSizeForDpi(dpi);
-    if (button.isValid()) {
-        ui->minimizeButton->setFixedSize(button);
-        ui->closeButton->setFixedSize(button);
-    }
-    const int row = rowHeightForDpi(dpi);
-    const auto rows = findChildren<QWidget *>();
-    for (QWidget *w : rows) {
-        if (w->inherits("QAbstractSlider") || w->inherits("QComboBox") ||
-            w->inherits("QAbstractButton") || w->inherits("QAbstractSpinBox")) {
-            if (w == ui->minimizeButton || w == ui->closeButton || w == ui->Button_Updater ||
-                w == ui->Button_FanControl || w == ui->Button_KeyboardLed)
-                continue;
-            w->setMinimumHeight(row);
-        }
-    }
-    ui->TopBar->setMinimumHeight(qMax(33, button.isValid() ? button.height() + 8 : row + 6));
+    applyDensityToForm(this, *ui, m_logicalDpi);
 }
 
 void MainWindow::LoadSettings()

@@ -292,6 +292,10 @@ private:
     void refreshAudioDevice();   // timerDone step 2, last part
     void installKeyHookOnce();   // timerDone step 3
 
+    // ---- display and devices: built on first use, since every entry point may come first
+    DeviceSwitchPanel &devices();
+    ExternalMonitor &externalMonitor();
+
     Ui::MainWindow *ui;
     Platform m_platform;
     Settings m_settings;

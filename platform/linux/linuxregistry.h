@@ -23,6 +23,7 @@ public:
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;
+    bool machineSettingsApply() override { return false; }
 
 private:
     Registry &route(const QString &key);

@@ -72,8 +72,7 @@ std::string runAndRead(const std::wstring &commandLine, int timeoutMs)
     SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     Handle readEnd;
     Handle writeEnd;
-    // A larger pipe lets a chatty child run ahead between two reads.
-    if (!CreatePipe(readEnd.out(), writeEnd.out(), &inheritable, 1 << 16))
+    if (!CreatePipe(readEnd.out(), writeEnd.out(), &inheritable, 0))
         return {};
     SetHandleInformation(readEnd.get(), HANDLE_FLAG_INHERIT, 0);
     Handle nul(CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,

@@ -18,6 +18,8 @@ QString FakeCommandRunner::runAndRead(const QString &commandLine, int timeoutMs)
 {
     Q_UNUSED(timeoutMs)
     m_log->add(QStringLiteral("run: ") + commandLine);
+    if (onRun)
+        onRun(commandLine);
     return outputs.value(commandLine);
 }
 

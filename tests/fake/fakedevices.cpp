@@ -52,8 +52,9 @@ void FakeSwitches::setSwitch(int switchId, int value)
     m_log->add(QStringLiteral("switch %1 = %2").arg(switchId).arg(value));
 }
 
-void FakeMonitors::setVcpFeature(quintptr, quint8 code, quint32 value)
+void FakeMonitors::setVcpFeature(quintptr windowId, quint8 code, quint32 value)
 {
+    lastWindow = windowId;
     m_log->add(QStringLiteral("vcp %1 = %2").arg(code).arg(value));
 }
 

@@ -21,9 +21,11 @@ public:
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;
+    bool machineSettingsApply() override { return machineSettings; }
 
     // key + "|" + name -> value
     QMap<QString, QVariant> values;
+    bool machineSettings = true; // false: behave as a system that is not Windows
 
 private:
     SharedLog m_log;
@@ -64,6 +66,7 @@ class FakeMonitors : public MonitorControl {
 public:
     explicit FakeMonitors(SharedLog log) : m_log(std::move(log)) {}
     void setVcpFeature(quintptr windowId, quint8 code, quint32 value) override;
+    quintptr lastWindow = 0;
 
 private:
     SharedLog m_log;

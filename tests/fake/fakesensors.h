@@ -3,53 +3,110 @@
 #include "gpu.h"
 #include "sampler.h"
 
-// Scripted GPU: every call answers from the fields below (0 = success).
+#include <QMutex>
+#include <QMutexLocker>
+#include <QStringList>
+#include <QVector>
+
+// Scripted GPUs: every call answers from the fields below (0 = success) and is recorded in
+// calls(), e.g. "initialize", "clocks 1", "unload". The polling thread calls in while a window
+// test runs, so script the fields before the window is built.
 class FakeGpu : public GpuSensors {
 public:
-    int initialize() override { return initResult; }
+    struct Card {
+        int clockResult = 0;
+        unsigned graphicsKHz = 0;
+        unsigned memoryKHz = 0;
+        int pstatesResult = 0;
+        bool loadPresent = true;
+        unsigned loadPercent = 0;
+        int pstate = 0;
+        int thermalResult = 0;
+        int temperature = 0;
+    };
+
+    int initialize() override
+    {
+        record(QStringLiteral("initialize"));
+        return initResult;
+    }
     int enumeratePhysicalGpus(int *count) override
     {
-        *count = gpuCount;
+        record(QStringLiteral("enumerate"));
+        if (enumResult == 0)
+            *count = cards.size();
         return enumResult;
     }
-    int allClockFrequencies(int, unsigned *graphicsKHz, unsigned *memoryKHz) override
+    int allClockFrequencies(int gpu, unsigned *graphicsKHz, unsigned *memoryKHz) override
     {
-        *graphicsKHz = graphicsKHzValue;
-        *memoryKHz = memoryKHzValue;
-        return clockResult;
+        const Card &c = card(gpu, QStringLiteral("clocks"));
+        if (c.clockResult == 0) {
+            *graphicsKHz = c.graphicsKHz;
+            *memoryKHz = c.memoryKHz;
+        }
+        return c.clockResult;
     }
-    int dynamicPstatesInfo(int, bool *present, unsigned *percent) override
+    int dynamicPstatesInfo(int gpu, bool *present, unsigned *percent) override
     {
-        *present = loadPresent;
-        *percent = loadPercent;
-        return pstatesResult;
+        const Card &c = card(gpu, QStringLiteral("dynamic"));
+        if (c.pstatesResult == 0) {
+            *present = c.loadPresent;
+            *percent = c.loadPercent;
+        }
+        return c.pstatesResult;
     }
-    int pstates20(int) override { return 0; }
-    int currentPstate(int, int *pstate) override
+    int pstates20(int gpu) override
     {
-        *pstate = pstateValue;
+        card(gpu, QStringLiteral("pstates20"));
         return 0;
     }
-    int thermalSensor0(int, int *celsius) override
+    int currentPstate(int gpu, int *pstate) override
     {
-        *celsius = temperature;
-        return thermalResult;
+        *pstate = card(gpu, QStringLiteral("pstate")).pstate;
+        return 0;
     }
-    QString errorMessage(int) override { return QStringLiteral("fake error"); }
-    void unload() override {}
+    int thermalSensor0(int gpu, int *celsius) override
+    {
+        const Card &c = card(gpu, QStringLiteral("thermal"));
+        if (c.thermalResult == 0)
+            *celsius = c.temperature;
+        return c.thermalResult;
+    }
+    QString errorMessage(int status) override
+    {
+        return QStringLiteral("fake error %1").arg(status);
+    }
+    void unload() override { record(QStringLiteral("unload")); }
+
+    QStringList calls() const
+    {
+        QMutexLocker lock(&m_lock);
+        return m_calls;
+    }
+    void clearCalls()
+    {
+        QMutexLocker lock(&m_lock);
+        m_calls.clear();
+    }
 
     int initResult = -1; // no GPU unless a test says otherwise
     int enumResult = 0;
-    int gpuCount = 0;
-    int clockResult = 0;
-    unsigned graphicsKHzValue = 0;
-    unsigned memoryKHzValue = 0;
-    int pstatesResult = 0;
-    bool loadPresent = true;
-    unsigned loadPercent = 0;
-    int pstateValue = 0;
-    int thermalResult = 0;
-    int temperature = 0;
+    QVector<Card> cards;
+
+private:
+    void record(const QString &call)
+    {
+        QMutexLocker lock(&m_lock);
+        m_calls << call;
+    }
+    const Card &card(int gpu, const QString &call)
+    {
+        record(call + QLatin1Char(' ') + QString::number(gpu));
+        return cards.at(gpu);
+    }
+
+    mutable QMutex m_lock;
+    QStringList m_calls;
 };
 
 class FakeSampler : public SystemSampler {

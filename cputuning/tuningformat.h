@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+// The texts the tuning controls show and write.
+
+// Milliwatts as watts with a "." before the last three digits, trailing zeros and then a
+// trailing "." stripped: 45000 -> "45", 45500 -> "45.5", 125 -> "0.125". One million and more
+// is the fixed text "1000", stripped like the rest.
+QString milliwattsAsWatts(qint64 milliwatts);
+
+// The turbo power a slider position stands for (positions are 1/8 W): the position's watts, or
+// the unlimited figure above the highest finite position.
+QString turboPowerTextFor(int position, int turboPowerMax, const QString &turboPowerUnlimited);
+
+// The undervolt written for a slider position: "0" for 0 and 1 (1 is written as 0 on purpose),
+// otherwise "-" and the millivolts.
+QString undervoltTextFor(int position);

@@ -1,0 +1,75 @@
+#include "desktopwidget.h"
+
+#include "settingsfiles.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QScreen>
+
+DesktopWidget::DesktopWidget(const char *geometryKey, QWidget *parent)
+    : QWidget(parent), m_geometryKey(geometryKey)
+{
+    // A desktop widget never keeps the program running once the window is closed.
+    setAttribute(Qt::WA_QuitOnClose, false);
+}
+
+float DesktopWidget::screenScaleFactor()
+{
+    return static_cast<float>(QGuiApplication::primaryScreen()->logicalDotsPerInchX() / 120.0);
+}
+
+SettingsFile DesktopWidget::widgetFile()
+{
+    return SettingsFile(QStringLiteral("settings\\settings_widgets.ini"));
+}
+
+void DesktopWidget::restoreSavedGeometry()
+{
+    restoreGeometry(widgetFile().value(QLatin1String(m_geometryKey)).toByteArray());
+}
+
+void DesktopWidget::makeFloating(float scale)
+{
+    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setFixedSize(static_cast<int>(800 * scale), static_cast<int>(600 * scale));
+}
+
+void DesktopWidget::applyTextColor(const QList<QLabel *> &labels, int cor)
+{
+    QString sheet;
+    if (cor == 1)
+        sheet = QStringLiteral("color:black;");
+    else if (cor == 0)
+        sheet = QStringLiteral("color:white;");
+    else
+        return;
+    for (QLabel *label : labels)
+        label->setStyleSheet(sheet);
+}
+
+QLabel *DesktopWidget::whiteLabel(const QString &objectName, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setStyleSheet(QStringLiteral("color:white;"));
+    return label;
+}
+
+void DesktopWidget::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton) {
+        m_dragOffset = event->globalPos() - frameGeometry().topLeft();
+        event->accept();
+    }
+}
+
+void DesktopWidget::mouseMoveEvent(QMouseEvent *event)
+{
+    if (event->buttons() & Qt::LeftButton) {
+        move(event->globalPos() - m_dragOffset);
+        event->accept();
+    }
+    widgetFile().setValue(QLatin1String(m_geometryKey), saveGeometry());
+}

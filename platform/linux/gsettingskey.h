@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+typedef struct _GSettings GSettings;
+
+// One key of a GNOME desktop setting (gsettings), used only where it can work: its schema is
+// installed and a settings backend is reachable (the session bus for dconf, or a backend chosen
+// through GSETTINGS_BACKEND). Elsewhere every call reports "absent" and changes nothing.
+class GSettingsKey {
+public:
+    GSettingsKey(const char *schema, const char *key);
+    ~GSettingsKey();
+    GSettingsKey(const GSettingsKey &) = delete;
+    GSettingsKey &operator=(const GSettingsKey &) = delete;
+
+    bool available() const { return m_settings != nullptr; }
+    // Text keys and enumerations (by their nick).
+    std::optional<QString> text() const;
+    bool setText(const QString &value);
+    std::optional<bool> boolean() const;
+    bool setBoolean(bool value);
+
+private:
+    GSettings *m_settings = nullptr;
+    QByteArray m_key;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "gsettingskey.h"
+#include "registry.h"
+
+#include <memory>
+
+// The per-user sound-event values (the scheme marker and each event's sound) kept in the user
+// store, with the marker carried to the desktop's event-sounds switch where GNOME has one:
+// ".None" turns it off, ".Default" on. While no marker is stored, the switch answers for it, so
+// a first start shows the desktop's own choice instead of silencing it.
+class SoundSchemeStore : public Registry {
+public:
+    static const char prefix[];
+
+    SoundSchemeStore(std::shared_ptr<Registry> store, std::shared_ptr<GSettingsKey> eventSounds);
+    // The GNOME key, or nothing when that desktop setting cannot be used.
+    static std::shared_ptr<GSettingsKey> sessionEventSounds();
+
+    QVariant value(const QString &key, const QString &name,
+                   const QVariant &defaultValue) override;
+    void setValue(const QString &key, const QString &name, const QVariant &value) override;
+    void remove(const QString &key, const QString &name) override;
+    bool contains(const QString &key, const QString &name) override;
+
+private:
+    bool isMarker(const QString &key, const QString &name) const;
+
+    std::shared_ptr<Registry> m_store;
+    std::shared_ptr<GSettingsKey> m_eventSounds;
+};

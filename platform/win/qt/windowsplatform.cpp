@@ -1,0 +1,36 @@
+#include "platform.h"
+
+#include "dialogs.h"
+#include "identity.h"
+#include "placeholders_win.h"
+#include "scheduler.h"
+#include "winglue.h"
+#include "winmonitoring.h"
+#include "winpower.h"
+#include "winsleepnotifier.h"
+
+std::shared_ptr<UserIdentity> windowsIdentity()
+{
+    return std::make_shared<WinIdentity>();
+}
+
+Platform windowsPlatform()
+{
+    Platform p;
+    p.commands = std::make_shared<WinCommandRunner>();
+    p.registry = std::make_shared<WinRegistry>();
+    p.identity = windowsIdentity();
+    p.brightness = std::make_shared<WinPanelBrightness>();
+    p.switches = std::make_shared<AbsentSwitches>();
+    p.monitors = std::make_shared<AbsentMonitors>();
+    p.keyBlocker = std::make_shared<AbsentKeyBlocker>();
+    p.powerSource = std::make_shared<WinPowerSource>();
+    p.audio = std::make_shared<AbsentAudio>();
+    p.gpu = std::make_shared<WinGpuSensors>();
+    p.sampler = std::make_shared<WinSystemSampler>();
+    p.sleep = std::make_shared<WinSleepNotifier>();
+    p.desktop = std::make_shared<WinDesktop>();
+    p.dialogs = std::make_shared<QtDialogs>();
+    p.scheduler = std::make_shared<TimerScheduler>();
+    return p;
+}

@@ -1,0 +1,107 @@
+#include "wintest.h"
+
+#include "keyhook.h"
+
+#include <thread>
+#include <vector>
+
+using namespace varnel::win;
+
+namespace {
+
+std::vector<DWORD> &seen()
+{
+    static std::vector<DWORD> keys;
+    return keys;
+}
+
+// Installed before the blocker, so it is called after it: it sees only what was passed on.
+LRESULT CALLBACK observer(int code, WPARAM message, LPARAM event)
+{
+    if (code == HC_ACTION && message == WM_KEYDOWN)
+        seen().push_back(reinterpret_cast<const KBDLLHOOKSTRUCT *>(event)->vkCode);
+    return CallNextHookEx(nullptr, code, message, event);
+}
+
+void press(WORD key)
+{
+    INPUT input[2] = {};
+    input[0].type = INPUT_KEYBOARD;
+    input[0].ki.wVk = key;
+    input[1] = input[0];
+    input[1].ki.dwFlags = KEYEVENTF_KEYUP;
+    SendInput(2, input, sizeof(INPUT));
+}
+
+// Pumps this thread's messages (the hooks run through them) until the marker key arrives.
+void pumpUntilSeen(DWORD marker)
+{
+    const ULONGLONG deadline = GetTickCount64() + 5000;
+    while (GetTickCount64() < deadline) {
+        MSG msg;
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+        if (!seen().empty() && seen().back() == marker)
+            return;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+    }
+}
+
+} // namespace
+
+WINTEST_CASE(swallowRule)
+{
+    struct Row {
+        int code;
+        WPARAM message;
+        DWORD key;
+        bool swallowed;
+    };
+    const Row rows[] = {
+        {HC_ACTION, WM_KEYDOWN, VK_LWIN, true},     {HC_ACTION, WM_KEYUP, VK_LWIN, true},
+        {HC_ACTION, WM_SYSKEYDOWN, VK_LWIN, true},  {HC_ACTION, WM_SYSKEYUP, VK_LWIN, true},
+        {HC_ACTION, WM_KEYDOWN, VK_RWIN, true},     {HC_ACTION, WM_KEYUP, VK_RWIN, true},
+        {HC_ACTION, WM_SYSKEYDOWN, VK_RWIN, true},  {HC_ACTION, WM_SYSKEYUP, VK_RWIN, true},
+        {HC_ACTION, WM_KEYDOWN, 'R', false},        {HC_ACTION, WM_KEYDOWN, VK_APPS, false},
+        {HC_ACTION, WM_KEYDOWN, VK_LMENU, false},   {HC_ACTION, WM_CHAR, VK_LWIN, false},
+        {HC_ACTION, WM_MOUSEMOVE, VK_RWIN, false},  {HC_NOREMOVE, WM_KEYDOWN, VK_LWIN, false},
+        {-1, WM_KEYDOWN, VK_RWIN, false},
+    };
+    for (const Row &r : rows)
+        CHECK_EQ(swallowKeyEvent(r.code, r.message, r.key), r.swallowed);
+    CHECK_EQ(VK_LWIN, 91);
+    CHECK_EQ(VK_RWIN, 92);
+}
+
+WINTEST_CASE(installedHookSwallowsOnlyTheWindowsKeys)
+{
+    HINSTANCE module = GetModuleHandleW(nullptr);
+    HHOOK watch = SetWindowsHookExW(WH_KEYBOARD_LL, observer, module, 0);
+    CHECK(watch != nullptr);
+    HHOOK blocker = installWindowsKeyHook(module);
+    CHECK(blocker != nullptr);
+
+    seen().clear();
+    std::thread typist([] {
+        for (WORD key : {WORD('A'), WORD(VK_LWIN), WORD('R'), WORD(VK_RWIN), WORD('Z')})
+            press(key);
+    });
+    pumpUntilSeen('Z');
+    typist.join();
+    CHECK_EQ(seen(), std::vector<DWORD>({'A', 'R', 'Z'}));
+
+    // Removed, the Windows keys come through again.
+    CHECK(removeWindowsKeyHook(blocker));
+    seen().clear();
+    std::thread again([] {
+        press(VK_LWIN);
+        press('Z');
+    });
+    pumpUntilSeen('Z');
+    again.join();
+    CHECK_EQ(seen(), std::vector<DWORD>({VK_LWIN, 'Z'}));
+    CHECK(!removeWindowsKeyHook(nullptr));
+    UnhookWindowsHookEx(watch);
+}

@@ -1,0 +1,208 @@
+#include "wintest.h"
+
+#include "nvapi.h"
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+using namespace varnel::win;
+
+namespace {
+
+// A driver stand-in behind the query-interface entry: checks the version words and fills the
+// structures at the offsets the driver uses.
+struct FakeDriver {
+    std::vector<unsigned> asked;
+    std::vector<std::string> calls;
+    uint32_t versions[4] = {};
+    int32_t thermalController = 0, thermalTarget = 0;
+    uint32_t thermalSensorIndex = 99;
+    int failing = 0; // id whose call fails with -5
+    bool loadPresent = true;
+} driver;
+
+void *const kGpu0 = reinterpret_cast<void *>(0x1000);
+void *const kGpu1 = reinterpret_cast<void *>(0x2000);
+
+int status(unsigned id)
+{
+    return driver.failing == static_cast<int>(id) ? -5 : 0;
+}
+
+int fakeInitialize()
+{
+    driver.calls.push_back("initialize");
+    return status(NvApi::kInitializeId);
+}
+int fakeUnload()
+{
+    driver.calls.push_back("unload");
+    return 0;
+}
+int fakeEnum(void **handles, uint32_t *count)
+{
+    handles[0] = kGpu0;
+    handles[1] = kGpu1;
+    *count = 2;
+    return status(NvApi::kEnumPhysicalGpusId);
+}
+int fakeClocks(void *gpu, uint32_t *clocks)
+{
+    driver.versions[0] = clocks[0];
+    // domain n sits at byte 8 + 8n: flags word, then the frequency in kHz
+    clocks[2 + 2 * 0] = 1;
+    clocks[2 + 2 * 0 + 1] = gpu == kGpu0 ? 1530999 : 300000;
+    clocks[2 + 2 * 4] = 1;
+    clocks[2 + 2 * 4 + 1] = gpu == kGpu0 ? 7001000 : 405000;
+    return status(NvApi::kAllClockFrequenciesId);
+}
+int fakeDynamic(void *, uint32_t *info)
+{
+    driver.versions[1] = info[0];
+    info[2] = driver.loadPresent ? 1 : 0;
+    info[3] = 42;
+    return status(NvApi::kDynamicPstatesInfoExId);
+}
+int fakePstates20(void *, uint32_t *info)
+{
+    driver.versions[2] = info[0];
+    // The buffer is as long as its version word says; the driver may write all of it.
+    std::memset(info + 1, 0xAB, 0x1CF8 - 4);
+    return 0;
+}
+int fakeCurrentPstate(void *gpu, int32_t *state)
+{
+    *state = gpu == kGpu0 ? 0 : 8;
+    return 0;
+}
+int fakeThermal(void *, uint32_t sensorIndex, int32_t *settings)
+{
+    driver.versions[3] = static_cast<uint32_t>(settings[0]);
+    driver.thermalSensorIndex = sensorIndex;
+    driver.thermalController = settings[2];
+    driver.thermalTarget = settings[6];
+    settings[2 + 3] = 64; // sensor 0's current temperature
+    return status(NvApi::kThermalSettingsId);
+}
+int fakeErrorMessage(int code, char *text)
+{
+    std::snprintf(text, 64, "fake status %d", code);
+    return 0;
+}
+
+void *fakeQuery(unsigned id)
+{
+    driver.asked.push_back(id);
+    switch (id) {
+    case NvApi::kInitializeId:
+        return reinterpret_cast<void *>(fakeInitialize);
+    case NvApi::kUnloadId:
+        return reinterpret_cast<void *>(fakeUnload);
+    case NvApi::kEnumPhysicalGpusId:
+        return reinterpret_cast<void *>(fakeEnum);
+    case NvApi::kAllClockFrequenciesId:
+        return reinterpret_cast<void *>(fakeClocks);
+    case NvApi::kDynamicPstatesInfoExId:
+        return reinterpret_cast<void *>(fakeDynamic);
+    case NvApi::kPstates20Id:
+        return reinterpret_cast<void *>(fakePstates20);
+    case NvApi::kCurrentPstateId:
+        return reinterpret_cast<void *>(fakeCurrentPstate);
+    case NvApi::kThermalSettingsId:
+        return reinterpret_cast<void *>(fakeThermal);
+    case NvApi::kErrorMessageId:
+        return reinterpret_cast<void *>(fakeErrorMessage);
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+WINTEST_CASE(missingDriverLibraryFailsEveryStep)
+{
+    // Wine ships no nvapi64.dll: this is the machine without an NVIDIA driver.
+    NvApi api;
+    const int status = api.initialize();
+    CHECK_EQ(status, NvApi::kLibraryNotFound);
+    int count = -1;
+    CHECK(api.enumeratePhysicalGpus(&count) != 0);
+    CHECK_EQ(count, -1);
+    unsigned graphics = 7, memory = 7;
+    CHECK(api.allClockFrequencies(0, &graphics, &memory) != 0);
+    CHECK_EQ(memory, 7u);
+    int celsius = 5;
+    CHECK(api.thermalSensor0(0, &celsius) != 0);
+    CHECK_EQ(celsius, 5);
+    CHECK_EQ(api.errorMessage(status), std::string("NVAPI library not found"));
+    api.unload();
+    CHECK_EQ(api.initialize(), NvApi::kLibraryNotFound); // and again on the next cycle
+}
+
+WINTEST_CASE(queriesUseTheIdsVersionWordsAndLayouts)
+{
+    driver = FakeDriver{};
+    NvApi api(fakeQuery);
+    CHECK_EQ(api.initialize(), 0);
+    int count = 0;
+    CHECK_EQ(api.enumeratePhysicalGpus(&count), 0);
+    CHECK_EQ(count, 2);
+
+    unsigned graphics = 0, memory = 0;
+    CHECK_EQ(api.allClockFrequencies(0, &graphics, &memory), 0);
+    CHECK_EQ(graphics, 1530999u);
+    CHECK_EQ(memory, 7001000u);
+    CHECK_EQ(api.allClockFrequencies(1, &graphics, &memory), 0);
+    CHECK_EQ(memory, 405000u);
+
+    bool present = false;
+    unsigned percent = 0;
+    CHECK_EQ(api.dynamicPstatesInfo(0, &present, &percent), 0);
+    CHECK(present);
+    CHECK_EQ(percent, 42u);
+    CHECK_EQ(api.pstates20(0), 0);
+    int pstate = -1;
+    CHECK_EQ(api.currentPstate(1, &pstate), 0);
+    CHECK_EQ(pstate, 8);
+    int celsius = 0;
+    CHECK_EQ(api.thermalSensor0(0, &celsius), 0);
+    CHECK_EQ(celsius, 64);
+    api.unload();
+
+    CHECK_EQ(driver.versions[0], 0x10108u);
+    CHECK_EQ(driver.versions[1], 0x10048u);
+    CHECK_EQ(driver.versions[2], 0x31CF8u);
+    CHECK_EQ(driver.versions[3], 0x20044u);
+    CHECK_EQ(driver.thermalSensorIndex, 0u);
+    CHECK_EQ(driver.thermalController, 1);
+    CHECK_EQ(driver.thermalTarget, 1);
+    CHECK_EQ(driver.calls, (std::vector<std::string>{"initialize", "unload"}));
+}
+
+WINTEST_CASE(failedQueriesLeaveTheirOutputs)
+{
+    driver = FakeDriver{};
+    NvApi api(fakeQuery);
+    CHECK_EQ(api.initialize(), 0);
+    int count = 0;
+    CHECK_EQ(api.enumeratePhysicalGpus(&count), 0);
+
+    driver.failing = static_cast<int>(NvApi::kDynamicPstatesInfoExId);
+    bool present = true;
+    unsigned percent = 17;
+    CHECK_EQ(api.dynamicPstatesInfo(0, &present, &percent), -5);
+    CHECK(present);
+    CHECK_EQ(percent, 17u);
+
+    driver.failing = static_cast<int>(NvApi::kThermalSettingsId);
+    int celsius = 3;
+    CHECK_EQ(api.thermalSensor0(0, &celsius), -5);
+    CHECK_EQ(celsius, 3);
+    CHECK_EQ(api.errorMessage(-5), std::string("fake status -5"));
+
+    driver.failing = 0;
+    driver.loadPresent = false;
+    CHECK_EQ(api.dynamicPstatesInfo(0, &present, &percent), 0);
+    CHECK(!present);
+}

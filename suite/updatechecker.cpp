@@ -1,0 +1,120 @@
+#include "updatechecker.h"
+
+#include "commandrunner.h"
+#include "dialogs.h"
+#include "ui_mainwindow.h"
+#include "versioncompare.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QLoggingCategory>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+
+Q_LOGGING_CATEGORY(lcUpdates, "varnel.updates")
+
+namespace {
+
+const char kUpdateServer[] = "updateserver";
+const char kVersionPath[] = "/varnel/version";
+const char kPending[] = "Varnel";
+const char kTitle[] = "Update Information";
+
+} // namespace
+
+UpdateChecker::UpdateChecker(Ui::MainWindow &ui, const Platform &platform, const Settings &settings,
+                             QWidget *window)
+    : QObject(window), m_ui(ui), m_platform(platform), m_settings(settings), m_window(window)
+{
+}
+
+QUrl UpdateChecker::versionUrl() const
+{
+    const QString server = m_settings.branding().value(QLatin1String(kUpdateServer)).toString();
+    const QUrl url(server + QLatin1String(kVersionPath));
+    // The shipped placeholder lives under the reserved .invalid domain: nothing to ask.
+    if (!url.isValid() || url.host().isEmpty() ||
+        url.host().endsWith(QLatin1String(".invalid"), Qt::CaseInsensitive))
+        return QUrl();
+    return url;
+}
+
+QString UpdateChecker::fetchLatestVersion()
+{
+    const QUrl url = versionUrl();
+    if (url.isEmpty())
+        return QString();
+    QNetworkAccessManager network;
+    QNetworkReply *reply = network.get(QNetworkRequest(url));
+    QEventLoop loop;
+    connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+    // The body counts whatever the status; a failed connection has none.
+    const QString body = QString::fromUtf8(reply->readAll());
+    qCDebug(lcUpdates) << url << "answered" << reply->error() << body;
+    reply->deleteLater();
+    return body;
+}
+
+void UpdateChecker::check()
+{
+    m_ui.Button_Update->setEnabled(false);
+    const QString installed = QCoreApplication::applicationVersion();
+    const QString latest = fetchLatestVersion();
+    m_ui.Label_CurrentVersion->setText(QStringLiteral("Installed Version: ") + installed);
+    m_ui.Label_LatestVersion->setText(QStringLiteral("Latest Version: ") + latest);
+
+    const int order = compareVersions(installed, latest);
+    if (order < 0)
+        offerUpdate();
+    else if (order == 0)
+        reportNoUpdate(QStringLiteral("You are running the latest version, there is no update."),
+                       QStringLiteral("You are running the latest version, there is no update.\n"));
+    else
+        reportNoUpdate(
+            QStringLiteral("Your version is newer then the official latest! Are you a beta "
+                           "tester?"),
+            QStringLiteral("Your version is newer then the official latest! You are probably a "
+                           "beta tester.\n"));
+}
+
+void UpdateChecker::checkByHand()
+{
+    m_manualUpdateCheck = true;
+    check();
+}
+
+void UpdateChecker::offerUpdate()
+{
+    m_ui.Label_AboutVersion->setText(
+        QStringLiteral("There is an update! Click the update button."));
+    m_ui.Button_Update->setEnabled(true);
+    m_settings.updateWork().setValue(QLatin1String(kPending), true);
+    m_window->show();
+    m_window->raise();
+    m_window->setFocus(Qt::OtherFocusReason);
+    m_window->activateWindow();
+    const auto answer = m_platform.dialogs->message(
+        m_window, QMessageBox::Question, QLatin1String(kTitle),
+        QStringLiteral("There is an update for this software! Do you want to update now?\n"),
+        QMessageBox::Yes | QMessageBox::No);
+    if (answer == QMessageBox::Yes)
+        startUpdater();
+}
+
+void UpdateChecker::reportNoUpdate(const QString &label, const QString &message)
+{
+    m_ui.Label_AboutVersion->setText(label);
+    m_ui.Button_Update->setEnabled(false);
+    m_settings.updateWork().setValue(QLatin1String(kPending), false);
+    if (m_manualUpdateCheck)
+        m_platform.dialogs->message(m_window, QMessageBox::Information, QLatin1String(kTitle),
+                                    message, QMessageBox::Ok);
+    m_manualUpdateCheck = false;
+}
+
+void UpdateChecker::startUpdater()
+{
+    m_platform.commands->startShown(QStringLiteral(R"(updates\Update.exe)"), ShowMode::Normal);
+}

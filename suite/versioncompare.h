@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QString>
+
+// Compares an installed version with the latest published one, part by part at every ".".
+// Negative: the latest is higher (an update is offered); 0: equal; positive: the installed copy
+// is newer. A part that is not a number counts as 0, and when every compared part is equal the
+// version with more parts ranks higher, so "1.2" is older than "1.2.0".
+int compareVersions(const QString &installed, const QString &latest);

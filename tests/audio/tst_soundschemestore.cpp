@@ -1,0 +1,97 @@
+#include "gsettingskey.h"
+#include "linuxregistry.h"
+#include "soundschemestore.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+const QString kSchemes = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
+const QString kEvent =
+    QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes\\Apps\\.Default\\MailBeep\\.Current");
+} // namespace
+
+// The Linux stand-in for the user's sound-event registry values and the desktop's switch.
+class TestSoundSchemeStore : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_config.isValid());
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_config.path()));
+        qputenv("GSETTINGS_BACKEND", "keyfile");
+    }
+
+    void init() { QFile::remove(UserStoreRegistry::storePath()); }
+
+    void markerDrivesEventSounds_data()
+    {
+        QTest::addColumn<QString>("marker");
+        QTest::addColumn<bool>("before");
+        QTest::addColumn<bool>("after");
+        QTest::newRow("no sounds") << ".None" << true << false;
+        QTest::newRow("stock") << ".Default" << false << true;
+        QTest::newRow("custom name leaves it") << "Jungle" << false << false;
+        QTest::newRow("custom name leaves it on") << "Jungle" << true << true;
+    }
+
+    void markerDrivesEventSounds()
+    {
+        QFETCH(QString, marker);
+        QFETCH(bool, before);
+        QFETCH(bool, after);
+        auto eventSounds = SoundSchemeStore::sessionEventSounds();
+        if (!eventSounds)
+            QSKIP("GNOME's sound schema is not installed");
+        QVERIFY(eventSounds->setBoolean(before));
+        SoundSchemeStore store(std::make_shared<UserStoreRegistry>(), eventSounds);
+        store.setValue(kSchemes, QStringLiteral("Default"), marker);
+        QCOMPARE(eventSounds->boolean(), std::optional<bool>(after));
+        QCOMPARE(store.value(kSchemes, QStringLiteral("Default"), QVariant()).toString(), marker);
+    }
+
+    void missingMarkerReadsTheDesktopSwitch_data()
+    {
+        QTest::addColumn<bool>("eventSoundsOn");
+        QTest::addColumn<QString>("marker");
+        QTest::newRow("on") << true << ".Default";
+        QTest::newRow("off") << false << ".None";
+    }
+
+    void missingMarkerReadsTheDesktopSwitch()
+    {
+        QFETCH(bool, eventSoundsOn);
+        QFETCH(QString, marker);
+        auto eventSounds = SoundSchemeStore::sessionEventSounds();
+        if (!eventSounds)
+            QSKIP("GNOME's sound schema is not installed");
+        QVERIFY(eventSounds->setBoolean(eventSoundsOn));
+        SoundSchemeStore store(std::make_shared<UserStoreRegistry>(), eventSounds);
+        QCOMPARE(store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None"))
+                     .toString(),
+                 marker);
+    }
+
+    void eventValuesLiveInTheUserStore()
+    {
+        auto userStore = std::make_shared<UserStoreRegistry>();
+        SoundSchemeStore store(userStore, nullptr);
+        QVERIFY(!store.contains(kSchemes, QStringLiteral("Default")));
+        QCOMPARE(store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None"))
+                     .toString(),
+                 QStringLiteral(".None"));
+        store.setValue(kEvent, QStringLiteral("Default"), QString());
+        store.setValue(kSchemes, QStringLiteral("Default"), QStringLiteral(".Default"));
+        QCOMPARE(userStore->value(kEvent, QStringLiteral("Default"), QStringLiteral("x")),
+                 QVariant(QString()));
+        QCOMPARE(userStore->value(kSchemes, QStringLiteral("Default"), QVariant()).toString(),
+                 QStringLiteral(".Default"));
+    }
+
+private:
+    QTemporaryDir m_config;
+};
+
+QTEST_GUILESS_MAIN(TestSoundSchemeStore)
+#include "tst_soundschemestore.moc"

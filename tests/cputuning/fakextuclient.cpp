@@ -1,0 +1,219 @@
+// A stand-in for the tuning utility's command-line client.
+//
+//   fake_xtu_client -t -id N            prints the header and setting N's row, then waits for a
+//                                       line on standard input, as the client does
+//   fake_xtu_client -t -id N -v V       stores V as setting N and prints nothing
+//
+// Scripted through the environment:
+//   FAKE_XTU_STATE=<file>   where written values are kept ("id=value" lines), so a later read
+//                           shows them; settings never written read as an 8-core laptop part
+//   FAKE_XTU_COMMA=1        print decimal commas
+//   FAKE_XTU_CORES=<n>      a processor with n cores: ratio queries beyond it answer "Invalid Id"
+//   FAKE_XTU_SILENT=1       print nothing at all
+//   FAKE_XTU_HANG=<id>      never finish the query or write of that setting ("any": every one)
+//   FAKE_XTU_SPLIT=<id>     print that setting's row in two writes, a moment apart
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <thread>
+
+namespace {
+
+const char kHeader[] = "\r\nID           Name                           Value[Unit] Min        "
+                       "Max        Multipliers Item Count\n\r\n";
+
+struct Setting {
+    const char *name;
+    const char *initial;
+};
+
+const std::map<int, Setting> kSettings = {
+    {34, {"Core Voltage Offset", "0"}},
+    {48, {"Turbo Boost Power Max", "45"}},
+    {66, {"Turbo Boost Power Time Window", "28"}},
+    {29, {"1 Active Core", "51"}},
+    {30, {"2 Active Cores", "51"}},
+    {31, {"3 Active Cores", "49"}},
+    {32, {"4 Active Cores", "49"}},
+    {42, {"5 Active Cores", "47"}},
+    {43, {"6 Active Cores", "47"}},
+    {96, {"7 Active Cores", "46"}},
+    {97, {"8 Active Cores", "46"}},
+};
+const int kCoreIds[] = {29, 30, 31, 32, 42, 43, 96, 97};
+
+std::string env(const char *name)
+{
+    const char *value = std::getenv(name);
+    return value ? value : "";
+}
+
+bool scripted(const char *name, int id)
+{
+    const std::string value = env(name);
+    return value == "any" || (!value.empty() && value == std::to_string(id));
+}
+
+std::map<int, std::string> loadState()
+{
+    std::map<int, std::string> state;
+    std::ifstream in(env("FAKE_XTU_STATE"));
+    std::string line;
+    while (std::getline(in, line)) {
+        const auto equals = line.find('=');
+        if (equals != std::string::npos)
+            state[std::stoi(line.substr(0, equals))] = line.substr(equals + 1);
+    }
+    return state;
+}
+
+void saveState(const std::map<int, std::string> &state)
+{
+    const std::string path = env("FAKE_XTU_STATE");
+    if (path.empty())
+        return;
+    std::ofstream out(path, std::ios::trunc);
+    for (const auto &entry : state)
+        out << entry.first << '=' << entry.second << '\n';
+}
+
+std::string column(const std::string &text, size_t width)
+{
+    return text + std::string(text.size() < width ? width - text.size() : 1, ' ');
+}
+
+// Watts as the client prints them: no trailing zeros, a comma where the system uses one.
+std::string number(double value, bool comma, int minimumDecimals = 0)
+{
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.3f", value);
+    std::string text = buffer;
+    const size_t point = text.find('.');
+    while (text.size() > point + 1 + minimumDecimals && text.back() == '0')
+        text.pop_back();
+    if (text.back() == '.')
+        text.pop_back();
+    if (comma && point != std::string::npos && point < text.size())
+        text[point] = ',';
+    return text;
+}
+
+double toDouble(std::string text)
+{
+    for (char &c : text) {
+        if (c == ',')
+            c = '.';
+    }
+    return std::atof(text.c_str());
+}
+
+std::string row(int id, const std::string &value)
+{
+    const bool comma = env("FAKE_XTU_COMMA") == "1";
+    std::string shown, minimum, maximum;
+    if (id == 34) {
+        const int millivolts = std::abs(std::atoi(value.c_str()));
+        shown = millivolts == 0 ? "0 mV" : "-" + std::to_string(millivolts) + " mV";
+        minimum = "-999 mV";
+        maximum = "999 mV";
+    } else if (id == 48) {
+        shown = number(toDouble(value), comma) + "W";
+        minimum = "8W";
+        maximum = number(4095.875, comma) + "W";
+    } else if (id == 66) {
+        shown = number(toDouble(value), comma, 1) + " Seconds";
+        minimum = number(1, comma, 1) + " Seconds";
+        maximum = number(128, comma, 1) + " Seconds";
+    } else {
+        shown = value + "x";
+        minimum = "8";
+        maximum = "80";
+    }
+    return column(std::to_string(id), 13) + column(kSettings.at(id).name, 31) +
+           column(shown, 12) + column(minimum, 11) + column(maximum, 11) + column("N/A", 12) +
+           column("0", 10) + "\n\r\n";
+}
+
+bool beyondCores(int id)
+{
+    const std::string cores = env("FAKE_XTU_CORES");
+    if (cores.empty())
+        return false;
+    for (int n = std::atoi(cores.c_str()); n < 8; ++n) {
+        if (kCoreIds[n] == id)
+            return true;
+    }
+    return false;
+}
+
+void print(int id, const std::string &text)
+{
+    if (env("FAKE_XTU_SILENT") == "1")
+        return;
+    // A split row is cut in the middle of its name, so that neither write names the row.
+    const std::string name = kSettings.count(id) ? kSettings.at(id).name : "";
+    const size_t at = name.empty() ? std::string::npos : text.find(name);
+    if (scripted("FAKE_XTU_SPLIT", id) && at != std::string::npos) {
+        const size_t cut = at + name.size() / 2;
+        std::fwrite(text.data(), 1, cut, stdout);
+        std::fflush(stdout);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        std::fwrite(text.data() + cut, 1, text.size() - cut, stdout);
+    } else {
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
+    std::fflush(stdout);
+}
+
+[[noreturn]] void hang()
+{
+    for (;;)
+        std::this_thread::sleep_for(std::chrono::hours(1));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    int id = -1;
+    bool writing = false;
+    std::string value;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg == "-id" && i + 1 < argc)
+            id = std::atoi(argv[++i]);
+        else if (arg == "-v" && i + 1 < argc) {
+            writing = true;
+            value = argv[++i];
+        }
+    }
+
+    if (kSettings.count(id) == 0 || beyondCores(id)) {
+        print(id, "Invalid Id\r\n");
+        return 1;
+    }
+
+    std::map<int, std::string> state = loadState();
+    if (writing) {
+        state[id] = value;
+        saveState(state);
+        if (scripted("FAKE_XTU_HANG", id))
+            hang();
+        return 0;
+    }
+
+    const auto stored = state.find(id);
+    print(id, kHeader + row(id, stored != state.end() ? stored->second : kSettings.at(id).initial));
+    if (scripted("FAKE_XTU_HANG", id))
+        hang();
+    // The client waits for a key press before it ends.
+    std::string line;
+    std::getline(std::cin, line);
+    return 0;
+}

@@ -1,0 +1,235 @@
+#include "ddcmonitors.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <atomic>
+
+namespace {
+
+struct Monitor {
+    DdcDisplay display;
+    bool readable = true;
+    quint32 current = 50;
+    quint32 maximum = 100;
+};
+
+// A scripted DDC/CI channel that records every exchange; reads can be held to let requests
+// pile up behind a slow monitor.
+class ScriptedBus : public DdcBus {
+public:
+    QVector<DdcDisplay> displays() override
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        ++probes;
+        QVector<DdcDisplay> out;
+        for (const Monitor &m : monitors)
+            out << m.display;
+        return out;
+    }
+    bool read(const DdcDisplay &display, quint8 code, quint32 *current, quint32 *maximum) override
+    {
+        if (holdReads)
+            released.acquire();
+        std::lock_guard<std::mutex> lock(mutex);
+        log << QStringLiteral("read %1 %2").arg(display.bus).arg(code);
+        for (const Monitor &m : monitors) {
+            if (m.display.bus == display.bus) {
+                *current = m.current;
+                *maximum = m.maximum;
+                return m.readable;
+            }
+        }
+        return false;
+    }
+    bool write(const DdcDisplay &display, quint8 code, quint32 value) override
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        log << QStringLiteral("write %1 %2 %3").arg(display.bus).arg(code).arg(value);
+        return true;
+    }
+    QStringList takeLog()
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        QStringList out;
+        out.swap(log);
+        return out;
+    }
+
+    std::mutex mutex;
+    QVector<Monitor> monitors;
+    QStringList log;
+    int probes = 0;
+    std::atomic<bool> holdReads{false};
+    QSemaphore released;
+};
+
+DdcDisplay display(int bus, const QString &connector, const QString &model = QString(),
+                   const QString &serial = QString())
+{
+    DdcDisplay d;
+    d.bus = bus;
+    d.connector = connector;
+    d.model = model;
+    d.serial = serial;
+    return d;
+}
+
+const ScreenIdentity kExternal{QStringLiteral("DP-1"), QStringLiteral("U2720Q"),
+                               QStringLiteral("ABC123")};
+
+} // namespace
+
+class TestDdcMonitors : public QObject {
+    Q_OBJECT
+
+private slots:
+    void readCompareWrite_data()
+    {
+        QTest::addColumn<bool>("readable");
+        QTest::addColumn<quint32>("current");
+        QTest::addColumn<quint32>("maximum");
+        QTest::addColumn<quint32>("value");
+        QTest::addColumn<QStringList>("log");
+        const QStringList read{"read 4 16"};
+        QTest::newRow("new value") << true << 50u << 100u << 70u
+                                   << (read + QStringList{"write 4 16 70"});
+        QTest::newRow("equal to current") << true << 70u << 100u << 70u << read;
+        QTest::newRow("at maximum") << true << 10u << 80u << 80u
+                                    << (read + QStringList{"write 4 16 80"});
+        QTest::newRow("above maximum") << true << 10u << 80u << 81u << read;
+        QTest::newRow("failed read") << false << 10u << 100u << 70u << read;
+    }
+
+    void readCompareWrite()
+    {
+        QFETCH(bool, readable);
+        QFETCH(quint32, current);
+        QFETCH(quint32, maximum);
+        QFETCH(quint32, value);
+        QFETCH(QStringList, log);
+        auto *bus = new ScriptedBus;
+        bus->monitors = {{display(4, QStringLiteral("DP-1")), readable, current, maximum}};
+        DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
+        control.request(kExternal, 0x10, value);
+        control.waitUntilIdle();
+        QCOMPARE(bus->takeLog(), log);
+    }
+
+    void everyMonitorBehindTheScreenIsSet()
+    {
+        auto *bus = new ScriptedBus;
+        bus->monitors = {{display(3, QStringLiteral("eDP-1"))},
+                         {display(4, QStringLiteral("DP-1"))},
+                         {display(5, QString(), QStringLiteral("U2720Q"), QStringLiteral("ABC123"))},
+                         {display(6, QStringLiteral("HDMI-A-1"))}};
+        DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
+        control.request(kExternal, 0x10, 30);
+        control.waitUntilIdle();
+        QCOMPARE(bus->takeLog(), QStringList({"read 4 16", "write 4 16 30", "read 5 16",
+                                              "write 5 16 30"}));
+    }
+
+    void rapidMovesCollapseIntoTheLast()
+    {
+        auto *bus = new ScriptedBus;
+        bus->monitors = {{display(4, QStringLiteral("DP-1"))}};
+        bus->holdReads = true;
+        DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
+        control.request(kExternal, 0x10, 60);
+        // The first exchange is under way (held in its read) while the slider keeps moving.
+        QTRY_VERIFY(bus->released.available() == 0 && [&] {
+            std::lock_guard<std::mutex> lock(bus->mutex);
+            return bus->probes == 1;
+        }());
+        for (quint32 v = 61; v <= 90; ++v)
+            control.request(kExternal, 0x10, v);
+        bus->holdReads = false;
+        bus->released.release(2);
+        control.waitUntilIdle();
+        QCOMPARE(bus->takeLog(), QStringList({"read 4 16", "write 4 16 60", "read 4 16",
+                                              "write 4 16 90"}));
+    }
+
+    void quietWithoutMonitorsAndProbesSparingly()
+    {
+        auto *bus = new ScriptedBus;
+        DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
+        for (int i = 0; i < 5; ++i) {
+            control.request(kExternal, 0x10, quint32(20 + i));
+            control.waitUntilIdle();
+        }
+        QCOMPARE(bus->takeLog(), QStringList());
+        QCOMPARE(bus->probes, 1);
+    }
+
+    void unknownScreenProbesAgainAfterTheInterval()
+    {
+        auto *bus = new ScriptedBus;
+        DdcMonitorControl control{std::unique_ptr<DdcBus>(bus), std::chrono::milliseconds(0)};
+        control.request(kExternal, 0x10, 20);
+        control.waitUntilIdle();
+        {
+            std::lock_guard<std::mutex> lock(bus->mutex);
+            bus->monitors = {{display(4, QStringLiteral("DP-1"))}}; // plugged in since
+        }
+        control.request(kExternal, 0x10, 21);
+        control.waitUntilIdle();
+        QCOMPARE(bus->takeLog(), QStringList({"read 4 16", "write 4 16 21"}));
+        QCOMPARE(bus->probes, 2);
+    }
+
+    void sameMonitor_data()
+    {
+        QTest::addColumn<QString>("connector");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QString>("serial");
+        QTest::addColumn<QString>("screenName");
+        QTest::addColumn<bool>("same");
+        QTest::newRow("same connector") << "DP-1" << "" << "" << "DP-1" << true;
+        QTest::newRow("X11 drops the HDMI kind") << "HDMI-A-1" << "" << "" << "HDMI-1" << true;
+        QTest::newRow("old X11 driver") << "HDMI-A-2" << "" << "" << "HDMI2" << true;
+        QTest::newRow("DVI kind") << "DVI-D-1" << "" << "" << "DVI-1" << true;
+        QTest::newRow("other port") << "DP-2" << "" << "" << "DP-1" << false;
+        QTest::newRow("DP vs eDP") << "eDP-1" << "" << "" << "DP-1" << false;
+        QTest::newRow("by EDID") << "" << "U2720Q" << "ABC123" << "XWAYLAND0" << true;
+        QTest::newRow("EDID without serial") << "" << "U2720Q" << "" << "XWAYLAND0" << true;
+        QTest::newRow("EDID other serial") << "" << "U2720Q" << "ZZZ" << "XWAYLAND0" << false;
+        QTest::newRow("nothing known") << "" << "" << "" << "" << false;
+    }
+
+    void sameMonitor()
+    {
+        QFETCH(QString, connector);
+        QFETCH(QString, model);
+        QFETCH(QString, serial);
+        QFETCH(QString, screenName);
+        QFETCH(bool, same);
+        const ScreenIdentity screen{screenName, QStringLiteral("U2720Q"),
+                                    QStringLiteral("ABC123")};
+        QCOMPARE(ddc::sameMonitor(display(1, connector, model, serial), screen), same);
+    }
+
+    void connectorFromSysfs()
+    {
+        QTemporaryDir root;
+        QDir dir(root.path());
+        // HDMI names its adapter through a "ddc" link; DisplayPort carries it as a child.
+        dir.mkpath(QStringLiteral("devices/i2c-7"));
+        dir.mkpath(QStringLiteral("drm/card0-HDMI-A-1"));
+        QVERIFY(QFile::link(root.filePath(QStringLiteral("devices/i2c-7")),
+                            root.filePath(QStringLiteral("drm/card0-HDMI-A-1/ddc"))));
+        dir.mkpath(QStringLiteral("drm/card1-DP-3/i2c-12"));
+        dir.mkpath(QStringLiteral("drm/card0-eDP-1"));
+        const QString drm = root.filePath(QStringLiteral("drm"));
+        QCOMPARE(ddc::connectorForBus(7, drm), QStringLiteral("HDMI-A-1"));
+        QCOMPARE(ddc::connectorForBus(12, drm), QStringLiteral("DP-3"));
+        QCOMPARE(ddc::connectorForBus(1, drm), QString());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDdcMonitors)
+#include "tst_ddcmonitors.moc"

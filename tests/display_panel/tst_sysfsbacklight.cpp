@@ -1,0 +1,165 @@
+// The Linux panel backlight against fixture trees shaped like /sys/class/backlight.
+#include "backlight.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class SysfsBacklightTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void choosesFirmwareOverPlatformOverRaw_data();
+    void choosesFirmwareOverPlatformOverRaw();
+    void readsAsPercent_data();
+    void readsAsPercent();
+    void writtenValueReadsBack_data();
+    void writtenValueReadsBack();
+    void sessionWriterIsTriedFirst();
+    void noDeviceReadsMinusOneAndIgnoresWrites();
+    void providerCountsAsInstalled();
+};
+
+namespace {
+struct Fixture {
+    QTemporaryDir dir;
+
+    void device(const QString &name, const QString &type, int max, int raw) const
+    {
+        QDir(dir.path()).mkpath(name);
+        write(name + "/type", type);
+        write(name + "/max_brightness", QString::number(max));
+        write(name + "/brightness", QString::number(raw));
+        write(name + "/actual_brightness", QString::number(raw));
+    }
+    void write(const QString &relative, const QString &text) const
+    {
+        QFile file(dir.filePath(relative));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text.toUtf8() + '\n');
+    }
+    int raw(const QString &name) const
+    {
+        QFile file(dir.filePath(name + "/brightness"));
+        if (!file.open(QIODevice::ReadOnly))
+            return -2;
+        return file.readAll().trimmed().toInt();
+    }
+};
+
+const SysfsBacklight::SessionWriter noSession = [](const QString &, quint32) { return false; };
+} // namespace
+
+void SysfsBacklightTest::choosesFirmwareOverPlatformOverRaw_data()
+{
+    QTest::addColumn<QStringList>("devices"); // name:type
+    QTest::addColumn<QString>("chosen");
+    QTest::newRow("firmware wins") << QStringList{"amdgpu_bl0:raw", "acpi_video0:firmware",
+                                                  "dell_backlight:platform"}
+                                   << "acpi_video0";
+    QTest::newRow("platform over raw") << QStringList{"intel_backlight:raw", "nv:platform"}
+                                       << "nv";
+    QTest::newRow("same type by name") << QStringList{"b:raw", "a:raw"} << "a";
+    QTest::newRow("unknown type last") << QStringList{"odd:other", "z:raw"} << "z";
+}
+
+void SysfsBacklightTest::choosesFirmwareOverPlatformOverRaw()
+{
+    QFETCH(QStringList, devices);
+    QFETCH(QString, chosen);
+    Fixture f;
+    for (const QString &d : devices)
+        f.device(d.section(':', 0, 0), d.section(':', 1), 100, 10);
+    SysfsBacklight panel(f.dir.path(), noSession);
+    QCOMPARE(panel.deviceName(), chosen);
+}
+
+void SysfsBacklightTest::readsAsPercent_data()
+{
+    QTest::addColumn<int>("max");
+    QTest::addColumn<int>("raw");
+    QTest::addColumn<int>("percent");
+    QTest::newRow("7 steps, off") << 7 << 0 << 0;
+    QTest::newRow("7 steps, 3") << 7 << 3 << 43;
+    QTest::newRow("7 steps, full") << 7 << 7 << 100;
+    QTest::newRow("255, half") << 255 << 128 << 50;
+    QTest::newRow("255, full") << 255 << 255 << 100;
+    QTest::newRow("above max") << 255 << 300 << 100;
+    QTest::newRow("96000") << 96000 << 24000 << 25;
+}
+
+void SysfsBacklightTest::readsAsPercent()
+{
+    QFETCH(int, max);
+    QFETCH(int, raw);
+    QFETCH(int, percent);
+    Fixture f;
+    f.device("intel_backlight", "raw", max, raw);
+    QCOMPARE(SysfsBacklight(f.dir.path(), noSession).read(), percent);
+}
+
+void SysfsBacklightTest::writtenValueReadsBack_data()
+{
+    QTest::addColumn<int>("max");
+    QTest::newRow("7") << 7;
+    QTest::newRow("255") << 255;
+    QTest::newRow("120000") << 120000;
+}
+
+void SysfsBacklightTest::writtenValueReadsBack()
+{
+    QFETCH(int, max);
+    Fixture f;
+    f.device("intel_backlight", "raw", max, 0);
+    SysfsBacklight panel(f.dir.path(), noSession);
+    for (int percent = 0; percent <= 100; ++percent) {
+        panel.write(static_cast<quint32>(percent));
+        QCOMPARE(f.raw("intel_backlight"), backlightPercentToRaw(percent, max));
+        QCOMPARE(panel.read(), percent);
+    }
+    // Someone else moved the panel: the reading follows the device again.
+    f.write("intel_backlight/brightness", QString::number(max));
+    QCOMPARE(panel.read(), 100);
+    // Levels above 100 are taken as 100.
+    panel.write(250);
+    QCOMPARE(f.raw("intel_backlight"), max);
+}
+
+void SysfsBacklightTest::sessionWriterIsTriedFirst()
+{
+    Fixture f;
+    f.device("amdgpu_bl1", "raw", 255, 10);
+    QStringList calls;
+    SysfsBacklight panel(f.dir.path(), [&](const QString &device, quint32 raw) {
+        calls << QStringLiteral("%1 %2").arg(device).arg(raw);
+        f.write(device + "/brightness", QString::number(raw)); // as logind would
+        return true;
+    });
+    panel.write(40);
+    QCOMPARE(calls, QStringList{"amdgpu_bl1 102"});
+    QCOMPARE(panel.read(), 40);
+}
+
+void SysfsBacklightTest::noDeviceReadsMinusOneAndIgnoresWrites()
+{
+    Fixture f;
+    bool called = false;
+    SysfsBacklight panel(f.dir.path(), [&](const QString &, quint32) { return called = true; });
+    QCOMPARE(panel.read(), -1);
+    panel.write(50);
+    QVERIFY(!called);
+    QCOMPARE(SysfsBacklight(f.dir.filePath("missing"), noSession).read(), -1);
+    // A device without a usable maximum is no device.
+    f.device("broken", "raw", 0, 5);
+    QCOMPARE(panel.read(), -1);
+}
+
+void SysfsBacklightTest::providerCountsAsInstalled()
+{
+    Fixture f;
+    QVERIFY(SysfsBacklight(f.dir.path(), noSession).providerInstalled());
+}
+
+QTEST_GUILESS_MAIN(SysfsBacklightTest)
+#include "tst_sysfsbacklight.moc"

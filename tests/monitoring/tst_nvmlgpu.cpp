@@ -1,0 +1,228 @@
+#include "nvidia_api.h"
+#include "nvmlgpu.h"
+
+#include <QtTest>
+
+#include <dlfcn.h>
+
+// The script the stand-in library answers from (tests/monitoring/fakenvml.cpp).
+struct FakeNvmlScript {
+    int initResult;
+    unsigned count;
+    unsigned graphicsMHz[2];
+    unsigned memoryMHz[2];
+    int utilizationResult;
+    unsigned utilization[2];
+    int pstate[2];
+    unsigned temperature[2];
+    int temperatureResult;
+    int initCalls;
+    int shutdownCalls;
+    int queries;
+    unsigned lastTemperatureVersion;
+};
+
+class NvmlGpuTest : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void onlyNvidiaDisplayControllersCount();
+    void noNvidiaGpuFailsWithoutLoadingTheLibrary();
+    void missingLibraryFailsQuietly();
+    void sleepingGpuIsNeverTouched();
+    void awakeGpuIsReadAndShutDownEveryCycle();
+    void unreportedUtilisationIsNotPresent();
+    void versionedTemperatureWhenThePlainOneIsGone();
+    void failingQueriesReachTheLoop();
+
+private:
+    static QString tree(const char *name)
+    {
+        return QFINDTESTDATA(QStringLiteral("fixtures/") + QLatin1String(name) +
+                             QStringLiteral("/sys"));
+    }
+    static QString library(const char *name)
+    {
+        return QStringLiteral(VARNEL_TEST_BIN_DIR "/monitoring/lib%1.so").arg(QLatin1String(name));
+    }
+    FakeNvmlScript *script(const char *name)
+    {
+        void *handle = dlopen(QFile::encodeName(library(name)).constData(), RTLD_NOW);
+        if (!handle)
+            return nullptr;
+        m_handles << handle;
+        return static_cast<FakeNvmlScript *>(dlsym(handle, "fakeNvml"));
+    }
+
+    QList<void *> m_handles;
+    FakeNvmlScript *m_script = nullptr;
+};
+
+void NvmlGpuTest::init()
+{
+    m_script = script("fakenvml");
+    QVERIFY2(m_script, "the stand-in library is built with the tests");
+    *m_script = FakeNvmlScript{};
+    m_script->count = 1;
+    m_script->graphicsMHz[0] = 1530;
+    m_script->memoryMHz[0] = 7001;
+    m_script->utilization[0] = 42;
+    m_script->pstate[0] = 2;
+    m_script->temperature[0] = 61;
+}
+
+void NvmlGpuTest::cleanup()
+{
+    for (void *handle : m_handles)
+        dlclose(handle);
+    m_handles.clear();
+}
+
+void NvmlGpuTest::onlyNvidiaDisplayControllersCount()
+{
+    const auto awake = NvmlGpuSensors::scanPci(tree("gpu-awake"));
+    // The GPU's own audio function sleeps as it likes; it is no display controller.
+    QCOMPARE(awake.devices, QStringList{QStringLiteral("0000:01:00.0")});
+    QVERIFY(!awake.anySleeping);
+    QVERIFY(NvmlGpuSensors::scanPci(tree("gpu-asleep")).anySleeping);
+    QVERIFY(NvmlGpuSensors::scanPci(tree("no-nvidia")).devices.isEmpty());
+}
+
+void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
+{
+    NvmlGpuSensors gpu(library("fakenvml"), tree("no-nvidia"));
+    QVERIFY(gpu.initialize() != 0);
+    QCOMPARE(m_script->initCalls, 0);
+    gpu.unload();
+    QCOMPARE(m_script->shutdownCalls, 0);
+}
+
+void NvmlGpuTest::missingLibraryFailsQuietly()
+{
+    NvmlGpuSensors gpu(QStringLiteral("libnvidia-ml-missing.so.1"), tree("gpu-awake"));
+    const int status = gpu.initialize();
+    QVERIFY(status != 0);
+    QVERIFY(!gpu.errorMessage(status).isEmpty());
+    int count = -1;
+    QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
+    gpu.unload();
+
+    // The loop over it reports the failure path, and nothing else.
+    nvidia_api loop(std::make_shared<NvmlGpuSensors>(QStringLiteral("libnvidia-ml-missing.so.1"),
+                                                     tree("gpu-awake")));
+    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+    QSignalSpy clock(&loop, &nvidia_api::GPU1CORECLOCK);
+    loop.pollOnce();
+    QCOMPARE(temperature.size(), 1);
+    QCOMPARE(temperature.at(0).at(0).toInt(), 0);
+    QCOMPARE(clock.size(), 0);
+}
+
+void NvmlGpuTest::sleepingGpuIsNeverTouched()
+{
+    NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-asleep"));
+    QCOMPARE(gpu.initialize(), 0);
+    int count = 0;
+    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+    QCOMPARE(count, 1);
+    unsigned graphics = 99, memory = 99;
+    QCOMPARE(gpu.allClockFrequencies(0, &graphics, &memory), 0);
+    QCOMPARE(memory, 0u);
+    gpu.unload();
+    QCOMPARE(m_script->initCalls, 0);
+    QCOMPARE(m_script->queries, 0);
+
+    // The loop takes that as asleep: zeros, and no further query.
+    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-asleep")));
+    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+    QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
+    loop.pollOnce();
+    QCOMPARE(temperature.size(), 1);
+    QCOMPARE(temperature.at(0).at(0).toInt(), 0);
+    QCOMPARE(pstate.size(), 0);
+    QCOMPARE(m_script->initCalls, 0);
+    QCOMPARE(m_script->queries, 0);
+}
+
+void NvmlGpuTest::awakeGpuIsReadAndShutDownEveryCycle()
+{
+    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-awake")));
+    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+    QSignalSpy load(&loop, &nvidia_api::GPU1LOAD);
+    QSignalSpy core(&loop, &nvidia_api::GPU1CORECLOCK);
+    QSignalSpy memory(&loop, &nvidia_api::GPU1MEMCLOCK);
+    QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
+    loop.pollOnce();
+    QCOMPARE(temperature.value(0).value(0).toInt(), 61);
+    QCOMPARE(load.size(), 2);
+    QCOMPARE(load.at(0).at(0).toInt(), 42);
+    QCOMPARE(core.value(0).value(0).toInt(), 1530);
+    QCOMPARE(memory.value(0).value(0).toInt(), 7001);
+    QCOMPARE(pstate.value(0).value(0).toInt(), 2);
+    loop.pollOnce();
+    QCOMPARE(m_script->initCalls, 2);
+    QCOMPARE(m_script->shutdownCalls, 2);
+}
+
+void NvmlGpuTest::unreportedUtilisationIsNotPresent()
+{
+    m_script->utilizationResult = 3; // not supported
+    NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
+    QCOMPARE(gpu.initialize(), 0);
+    int count = 0;
+    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+    bool present = true;
+    unsigned percent = 77;
+    QCOMPARE(gpu.dynamicPstatesInfo(0, &present, &percent), 0);
+    QVERIFY(!present);
+
+    m_script->utilizationResult = 9; // a real failure leaves the previous figures
+    present = true;
+    QVERIFY(gpu.dynamicPstatesInfo(0, &present, &percent) != 0);
+    QVERIFY(present);
+    QCOMPARE(percent, 77u);
+    gpu.unload();
+}
+
+void NvmlGpuTest::versionedTemperatureWhenThePlainOneIsGone()
+{
+    FakeNvmlScript *versioned = script("fakenvml_v");
+    QVERIFY(versioned);
+    *versioned = *m_script;
+    NvmlGpuSensors gpu(library("fakenvml_v"), tree("gpu-awake"));
+    QCOMPARE(gpu.initialize(), 0);
+    int count = 0;
+    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+    int celsius = 0;
+    QCOMPARE(gpu.thermalSensor0(0, &celsius), 0);
+    QCOMPARE(celsius, 61);
+    QCOMPARE(versioned->lastTemperatureVersion, 12u | (1u << 24));
+    gpu.unload();
+}
+
+void NvmlGpuTest::failingQueriesReachTheLoop()
+{
+    m_script->temperatureResult = 9;
+    NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
+    QCOMPARE(gpu.initialize(), 0);
+    int count = 0;
+    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+    int celsius = 5;
+    QCOMPARE(gpu.thermalSensor0(0, &celsius), 9);
+    QCOMPARE(celsius, 5);
+    QCOMPARE(gpu.errorMessage(9), QStringLiteral("Driver Not Loaded"));
+    gpu.unload();
+    // After an unload the handles are gone, as the driver interface's are.
+    unsigned graphics = 0, memory = 0;
+    QVERIFY(gpu.allClockFrequencies(0, &graphics, &memory) != 0);
+
+    m_script->initResult = 9;
+    QCOMPARE(gpu.initialize(), 9);
+    QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
+    gpu.unload();
+    QCOMPARE(m_script->shutdownCalls, 1);
+}
+
+QTEST_GUILESS_MAIN(NvmlGpuTest)
+#include "tst_nvmlgpu.moc"

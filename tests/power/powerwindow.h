@@ -1,0 +1,97 @@
+#pragma once
+
+// The real window over the fake platform, in a fresh install folder holding the shipped default
+// power modes. Settings are written before the window is built; the log and the scheduler are
+// cleared once it stands (delays the start-up scheduled are dropped), so a test sees only what
+// it caused.
+
+#include "fakeplatform.h"
+#include "mainwindow.h"
+#include "testfolder.h"
+#include "ui_mainwindow.h"
+
+#include <QVariant>
+
+#include <memory>
+
+struct PowerWindow {
+    FakePlatform fake;
+    TestFolder folder;
+    std::unique_ptr<MainWindow> window;
+
+    static constexpr const char *general = "settings/varnel.ini";
+    static constexpr const char *user = "settings/user_power_mode.ini";
+    static constexpr const char *defaults = "settings/default_power_mode.ini";
+
+    PowerWindow() { folder.copyShipped(QStringLiteral("settings/default_power_mode.ini")); }
+
+    // Power modes on, in the given mode, as a user who turned them on earlier would start.
+    void startWithPowerModes(const QString &mode = QStringLiteral("normal"))
+    {
+        setGeneral("enable_power_modes", true);
+        setGeneral("powermode", mode);
+        start();
+    }
+
+    void start()
+    {
+        window = std::make_unique<MainWindow>(fake.bundle());
+        clearRecords();
+    }
+
+    void clearRecords()
+    {
+        fake.log->clear();
+        fake.scheduler->history.clear();
+        fake.scheduler->pending.clear();
+    }
+
+    Ui::MainWindow &ui() const { return *window->form(); }
+
+    void setGeneral(const char *key, const QVariant &value) const
+    {
+        folder.setIni(QLatin1String(general), QLatin1String(key), value);
+    }
+    QVariant generalValue(const char *key) const
+    {
+        return folder.ini(QLatin1String(general), QLatin1String(key));
+    }
+    void setUser(const QString &key, const QVariant &value) const
+    {
+        folder.setIni(QLatin1String(user), key, value);
+    }
+    QVariant userValue(const QString &key) const { return folder.ini(QLatin1String(user), key); }
+    QVariant defaultValue(const QString &key) const
+    {
+        return folder.ini(QLatin1String(defaults), key);
+    }
+
+    // Keys held by the user file, without the group.
+    QStringList userKeys() const
+    {
+        QSettings ini(folder.file(QLatin1String(user)), QSettings::IniFormat);
+        ini.beginGroup(QStringLiteral("settings"));
+        return ini.childKeys();
+    }
+
+    // Entries of the log that are command runs, started or waited for.
+    QStringList commands() const
+    {
+        QStringList out;
+        for (const QString &e : fake.log->entries) {
+            if (e.startsWith(QLatin1String("run: ")) || e.startsWith(QLatin1String("start: ")) ||
+                e.startsWith(QLatin1String("shown ")))
+                out << e;
+        }
+        return out;
+    }
+
+    // How many times the tuning tab's Apply ran: each apply starts the tuning service first.
+    int tuningApplies() const
+    {
+        return fake.log->withPrefix(QStringLiteral(
+                                        "process: powershell -executionPolicy bypass "
+                                        "\"start-service -name 'XTU3SERVICE'"))
+            .size();
+    }
+};

@@ -1,0 +1,234 @@
+// Applying a power mode on the real window: the exact commands in order, the panel and scheme
+// brightness delays, the companion codes and the turbo override.
+#include "powermodes.h"
+#include "powerwindow.h"
+
+#include <QtTest>
+
+class PowerApplyTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void wholeProfileRunsTheCatalogueInOrder();
+    void panelFollowsAfterTwoSecondsAndSchemeAfterThree();
+    void ignoredPanelStillWritesTheSchemeBrightness();
+    void singleFieldSlotsRunOnePairEach_data();
+    void singleFieldSlotsRunOnePairEach();
+    void outOfRangeIndexRunsEmptyCommands();
+    void applyLeavesTheKeyboardCodeAlone();
+    void turboOverrideNeedsOverrideAndManagedCpu();
+    void turboOverrideAppliesADifferingValueOnce();
+    void turboOverrideMovedBackStillAppliesOnce();
+};
+
+namespace {
+const QString kActivate = QStringLiteral("shown 0: powercfg -SetActive SCHEME_CURRENT");
+
+QStringList pair(const QString &ac, const QString &dc)
+{
+    return {"run: " + ac, "run: " + dc, kActivate};
+}
+
+QStringList schemeBrightness(int value)
+{
+    const QString tail = QStringLiteral(" SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 "
+                                        "aded5e82-b909-4619-9949-f5d71dac0bcb %1")
+                             .arg(value);
+    return pair("powercfg -setacvalueindex" + tail, "powercfg -setdcvalueindex" + tail);
+}
+
+QStringList processor(const char *limit, int value)
+{
+    const QString tail = QStringLiteral(" SCHEME_CURRENT SUB_PROCESSOR %1 %2")
+                             .arg(QLatin1String(limit))
+                             .arg(value);
+    return pair("powercfg -setacvalueindex" + tail, "powercfg -setdcvalueindex" + tail);
+}
+
+QStringList lid(int value)
+{
+    const QString tail = QStringLiteral(" SCHEME_CURRENT 4f971e89-eebd-4455-a8de-9e59040e7347 "
+                                        "5ca83367-6e45-459f-a27b-476b1d01c936 %1")
+                             .arg(value);
+    return pair("powercfg setacvalueindex" + tail, "powercfg setdcvalueindex" + tail);
+}
+
+// "Manage CPU" on without running its handler, which would talk to the tuning service.
+void manageCpu(PowerWindow &p, bool on)
+{
+    p.ui().checkBox_DontManageCPU->setChecked(on);
+    p.ui().turbo_override->setEnabled(on);
+}
+} // namespace
+
+void PowerApplyTest::wholeProfileRunsTheCatalogueInOrder()
+{
+    PowerWindow p;
+    p.fake.panel->level = 37;
+    p.startWithPowerModes();
+    QCOMPARE(p.ui().Slider_Brightness->value(), 37);
+    p.window->ApplyPowerValues();
+    // The scheme keeps the panel's present brightness; then the normal profile of the defaults.
+    const QStringList expected = schemeBrightness(37) + processor("PROCTHROTTLEMIN", 5) +
+                                 processor("PROCTHROTTLEMAX", 100) +
+                                 pair("powercfg -change -monitor-timeout-ac 20",
+                                      "powercfg -change -monitor-timeout-dc 20") +
+                                 pair("powercfg -change -x -standby-timeout-ac 60",
+                                      "powercfg -change -x -standby-timeout-dc 60") +
+                                 lid(1);
+    QCOMPARE(p.commands(), expected);
+    QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
+    QVERIFY(!p.window->powerModes()->powerModeLoading());
+    QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("1"));
+}
+
+void PowerApplyTest::panelFollowsAfterTwoSecondsAndSchemeAfterThree()
+{
+    PowerWindow p;
+    p.fake.panel->level = 37;
+    p.startWithPowerModes();
+    p.window->ApplyPowerValues();
+    QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
+    p.fake.log->clear();
+    p.fake.scheduler->history.clear();
+    p.fake.scheduler->advance(1999);
+    QVERIFY(p.fake.log->entries.isEmpty());
+    p.fake.scheduler->advance(1);
+    QCOMPARE(p.fake.log->entries, QStringList{"panel write 80"});
+    QCOMPARE(p.ui().Slider_Brightness->value(), 80);
+    QCOMPARE(p.ui().Label_Brightness->text(), QStringLiteral("Brightness: 80%"));
+    QCOMPARE(p.fake.scheduler->history, QStringList{"1000 ApplySchemeBright"});
+    p.fake.scheduler->advance(1000);
+    QCOMPARE(p.commands(), schemeBrightness(80));
+}
+
+void PowerApplyTest::ignoredPanelStillWritesTheSchemeBrightness()
+{
+    PowerWindow p;
+    p.setUser("ignore_lcd_bright_normal", true);
+    p.fake.panel->level = 64;
+    p.startWithPowerModes();
+    p.window->ApplyPowerValues();
+    QCOMPARE(p.commands().mid(0, 3), schemeBrightness(64));
+    QVERIFY(p.fake.scheduler->history.isEmpty());
+
+    // The delayed brightness apply still schedules the scheme, but leaves the panel alone.
+    p.window->ApplyPowerBrightness();
+    QVERIFY(p.fake.log->withPrefix("panel write").isEmpty());
+    QCOMPARE(p.fake.scheduler->history, QStringList{"1000 ApplySchemeBright"});
+}
+
+void PowerApplyTest::singleFieldSlotsRunOnePairEach_data()
+{
+    QTest::addColumn<QString>("slot");
+    QTest::addColumn<QStringList>("commands");
+    QTest::newRow("minimum") << "ApplyCpuMin" << processor("PROCTHROTTLEMIN", 5);
+    QTest::newRow("maximum") << "ApplyCpuMax" << processor("PROCTHROTTLEMAX", 100);
+    QTest::newRow("screen off") << "turnoffScreenPowerMode"
+                                << pair("powercfg -change -monitor-timeout-ac 20",
+                                        "powercfg -change -monitor-timeout-dc 20");
+    QTest::newRow("sleep") << "ApplySleepAfterPowerMode"
+                           << pair("powercfg -change -x -standby-timeout-ac 60",
+                                   "powercfg -change -x -standby-timeout-dc 60");
+    QTest::newRow("lid") << "ApplyLidClosePowerMode" << lid(1);
+    QTest::newRow("scheme brightness from the mode") << "ApplySchemeBright" << schemeBrightness(80);
+}
+
+void PowerApplyTest::singleFieldSlotsRunOnePairEach()
+{
+    QFETCH(QString, slot);
+    QFETCH(QStringList, commands);
+    PowerWindow p;
+    p.startWithPowerModes();
+    QVERIFY(QMetaObject::invokeMethod(p.window.get(), slot.toLatin1().constData()));
+    QCOMPARE(p.commands(), commands);
+}
+
+void PowerApplyTest::outOfRangeIndexRunsEmptyCommands()
+{
+    PowerWindow p;
+    p.setUser("Sleep_After_Combo_normal", 12);
+    p.startWithPowerModes();
+    QCOMPARE(p.ui().Sleep_After_Combo->currentIndex(), -1);
+    p.window->ApplySleepAfterPowerMode();
+    QCOMPARE(p.commands(), (QStringList{"run: ", "run: ", kActivate}));
+}
+
+void PowerApplyTest::applyLeavesTheKeyboardCodeAlone()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    PowerModes *modes = p.window->powerModes();
+    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+    // Moved while loading (no handler saves), the apply must not pick the new level up.
+    p.ui().horizontalSlider_2->blockSignals(true);
+    p.ui().horizontalSlider_2->setValue(5);
+    p.ui().horizontalSlider_2->blockSignals(false);
+    p.window->ApplyPowerValues();
+    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+    // The slot on its own does pick it up.
+    p.window->ApplyPowerKBLED();
+    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",5"));
+}
+
+void PowerApplyTest::turboOverrideNeedsOverrideAndManagedCpu()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    manageCpu(p, true);
+    ui.power_mode_turbo_boost->setValue(300);
+    ui.Slider_TurboBoost->setValue(100);
+    p.window->ApplyPowerTurboBoost(); // override off
+    QCOMPARE(p.tuningApplies(), 0);
+
+    ui.turbo_override->click();
+    manageCpu(p, false);
+    p.window->ApplyPowerTurboBoost();
+    p.window->ApplyPowerValues();
+    QCOMPARE(p.tuningApplies(), 0);
+    QCOMPARE(ui.Slider_TurboBoost->value(), 100);
+}
+
+void PowerApplyTest::turboOverrideAppliesADifferingValueOnce()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    manageCpu(p, true);
+    ui.turbo_override->click();
+    ui.power_mode_turbo_boost->setValue(300);
+    p.window->ApplyPowerTurboBoost(); // settles the pending change
+    p.clearRecords();
+
+    ui.Slider_TurboBoost->setValue(100); // the tuning tab read another value meanwhile
+    p.window->ApplyPowerValues();
+    QCOMPARE(ui.Slider_TurboBoost->value(), 300);
+    QCOMPARE(p.tuningApplies(), 1);
+    p.window->ApplyPowerTurboBoost();
+    QCOMPARE(p.tuningApplies(), 1);
+}
+
+void PowerApplyTest::turboOverrideMovedBackStillAppliesOnce()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    manageCpu(p, true);
+    ui.turbo_override->click();
+    ui.power_mode_turbo_boost->setValue(300);
+    p.window->ApplyPowerTurboBoost();
+    p.clearRecords();
+
+    ui.power_mode_turbo_boost->setValue(301);
+    ui.power_mode_turbo_boost->setValue(300); // back where the tuning slider already is
+    QVERIFY(p.window->powerModes()->turboOverridePending());
+    QCOMPARE(p.fake.scheduler->history,
+             (QStringList{"4000 ApplyPowerTurboBoost", "4000 ApplyPowerTurboBoost"}));
+    p.fake.scheduler->runAll();
+    QCOMPARE(p.tuningApplies(), 1);
+    QVERIFY(!p.window->powerModes()->turboOverridePending());
+}
+
+QTEST_MAIN(PowerApplyTest)
+#include "tst_powerapply.moc"

@@ -1,0 +1,400 @@
+// The power-mode editor on the real window: reading profiles, saving edits, the delays each
+// edit schedules, the clamps, the feature switch with its tray entries, and the reset.
+#include "powermodes.h"
+#include "powerwindow.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QtTest>
+
+class PowerModeEditorTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void userKeyWinsAndRemovedKeyShowsDefault();
+    void keysMissingEverywhereShowTheMinimums();
+    void loadShowsTheProfileWithLabels();
+    void loadWritesNothingBackButTheKeyboardLevel();
+    void oneEditWritesOneKey();
+    void raisingTheMinimumPushesTheMaximum();
+    void loweringTheMaximumPullsTheMinimum();
+    void editsScheduleTheirApply_data();
+    void editsScheduleTheirApply();
+    void scheduledCallsFireInOrder();
+    void immediateEditsSetTheCodes();
+    void clickHandlersSaveAndSwitchControls();
+    void noModeCheckedUsesTheDigitZero();
+    void switchingTheFeatureMovesTrayEntries();
+    void disabledAtStartKeepsTabAndTrayOff();
+    void resetAppliesDefaultsAndTellsOnce();
+};
+
+namespace {
+QStringList menuTexts(QMenu *menu)
+{
+    QStringList out;
+    for (QAction *a : menu->actions())
+        out << (a->isSeparator() ? QStringLiteral("-") : a->text());
+    return out;
+}
+} // namespace
+
+void PowerModeEditorTest::userKeyWinsAndRemovedKeyShowsDefault()
+{
+    PowerWindow p;
+    QCOMPARE(p.defaultValue("cpu_min_slider_normal").toInt(), 5);
+    p.setUser("cpu_min_slider_normal", 33);
+    p.setUser("LidClose_Combo_normal", 2);
+    p.startWithPowerModes();
+    QCOMPARE(p.ui().silent_cpu_min->value(), 33);
+    QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+    QCOMPARE(p.ui().silent_cpu_max->value(), p.defaultValue("cpu_max_slider_normal").toInt());
+
+    QSettings(p.folder.file(PowerWindow::user), QSettings::IniFormat)
+        .remove(QStringLiteral("settings/cpu_min_slider_normal"));
+    p.window->loadPowerModeValues();
+    QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+    QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+}
+
+void PowerModeEditorTest::keysMissingEverywhereShowTheMinimums()
+{
+    PowerWindow p;
+    QFile::remove(p.folder.file(PowerWindow::defaults));
+    p.setUser("comboBox_5_maximum", 6); // another mode's key changes nothing here
+    p.startWithPowerModes(QStringLiteral("silent"));
+    Ui::MainWindow &ui = p.ui();
+    QVERIFY(ui.silent_mode->isChecked());
+    QCOMPARE(ui.silent_cpu_min->value(), 0);
+    QCOMPARE(ui.silent_cpu_max->value(), 50);
+    QCOMPARE(ui.power_mode_turbo_boost->value(), 8);
+    QCOMPARE(ui.PowerModeBrightSlider->value(), 0);
+    QCOMPARE(ui.comboBox_5->currentIndex(), 0);
+    QCOMPARE(ui.TurnOffScreen_combo->currentIndex(), 0);
+    QVERIFY(!ui.turbo_override->isChecked());
+    QVERIFY(!ui.ignore_lcd_bright->isChecked());
+    QVERIFY(!ui.checkBox->isChecked());
+    // The label shows the number read, not the clamped slider.
+    QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 0%"));
+}
+
+void PowerModeEditorTest::loadShowsTheProfileWithLabels()
+{
+    PowerWindow p;
+    p.setUser("turbo_override_maximum", true);
+    p.setUser("ignore_lcd_bright_maximum", true);
+    p.setUser("checkBox_maximum", true);
+    p.startWithPowerModes(QStringLiteral("maximum"));
+    Ui::MainWindow &ui = p.ui();
+    QVERIFY(ui.maximum_mode->isChecked());
+    QCOMPARE(ui.silent_cpu_min->value(), 10);
+    QCOMPARE(ui.Cpu_Minimum_Label->text(), QStringLiteral("CPU minimum: 10%"));
+    QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 100%"));
+    QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
+    QCOMPARE(ui.PowerModeBrightSlider_Label->text(), QStringLiteral("Initial LCD Brightness: 100%"));
+    QCOMPARE(ui.label_26->text(), QStringLiteral("Keyboard Brightness: 100%"));
+    QCOMPARE(ui.comboBox_5->currentIndex(), 6);
+    QCOMPARE(ui.turbo_override->text(),
+             QStringLiteral("Turbo Power Override: ") + ui.Label_TurboPowerValue->text());
+    // Turbo override on: the mode's slider replaces the tuning tab's.
+    QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+    QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+    QCOMPARE(ui.Slider_TurboBoost->toolTip(),
+             QStringLiteral(" Currently being replaced by Power Mode Override value. "));
+    QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+    QVERIFY(!ui.horizontalSlider_2->isEnabled());
+    QVERIFY(ui.battery_mode_auto->isEnabled());
+    QVERIFY(ui.reset_power_modes->isEnabled());
+    QVERIFY(ui.tabWidget->isTabEnabled(0));
+    // The keyboard is ignored, so its code stays unset.
+    QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",none"));
+    QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
+
+    // A stored mode that names none of the four leaves the radio buttons alone.
+    p.setGeneral("powermode", "Silent");
+    p.window->loadPowerModeValues();
+    QVERIFY(ui.maximum_mode->isChecked());
+}
+
+void PowerModeEditorTest::loadWritesNothingBackButTheKeyboardLevel()
+{
+    PowerWindow p;
+    p.startWithPowerModes(QStringLiteral("battery"));
+    // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
+    QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
+    QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
+
+    p.window->on_silent_mode_clicked();
+    QCOMPARE(p.userKeys(),
+             (QStringList{"horizontalSlider_2_battery", "horizontalSlider_2_silent"}));
+    // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
+    QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
+}
+
+void PowerModeEditorTest::oneEditWritesOneKey()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    QFile::remove(p.folder.file(PowerWindow::user));
+    p.ui().silent_cpu_min->setValue(20);
+    QCOMPARE(p.userKeys(), QStringList{"cpu_min_slider_normal"});
+    QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), 20);
+    QCOMPARE(p.fake.scheduler->history, QStringList{"4000 ApplyCpuMin"});
+    // Nothing runs before the delay.
+    QVERIFY(p.commands().isEmpty());
+}
+
+void PowerModeEditorTest::raisingTheMinimumPushesTheMaximum()
+{
+    PowerWindow p;
+    p.setUser("cpu_max_slider_normal", 80);
+    p.startWithPowerModes();
+    QCOMPARE(p.ui().silent_cpu_max->value(), 80);
+    p.ui().silent_cpu_min->setValue(90);
+    QCOMPARE(p.ui().silent_cpu_max->value(), 91);
+    QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), 90);
+    QCOMPARE(p.userValue("cpu_max_slider_normal").toInt(), 91);
+    QCOMPARE(p.ui().Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 91%"));
+    // The pushed slider's handler runs inside the first one.
+    QCOMPARE(p.fake.scheduler->history, (QStringList{"4000 ApplyCpuMax", "4000 ApplyCpuMin"}));
+
+    // Equal values are allowed.
+    p.clearRecords();
+    p.ui().silent_cpu_min->setValue(91);
+    QCOMPARE(p.ui().silent_cpu_max->value(), 91);
+    QCOMPARE(p.fake.scheduler->history, QStringList{"4000 ApplyCpuMin"});
+}
+
+void PowerModeEditorTest::loweringTheMaximumPullsTheMinimum()
+{
+    PowerWindow p;
+    p.setUser("cpu_min_slider_normal", 70);
+    p.startWithPowerModes();
+    p.ui().silent_cpu_max->setValue(60);
+    QCOMPARE(p.ui().silent_cpu_min->value(), 59);
+    QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), 59);
+    QCOMPARE(p.userValue("cpu_max_slider_normal").toInt(), 60);
+    // The maximum cannot go below its range.
+    p.ui().silent_cpu_min->setValue(90);
+    p.ui().silent_cpu_max->setValue(10);
+    QCOMPARE(p.ui().silent_cpu_max->value(), 50);
+    QCOMPARE(p.ui().silent_cpu_min->value(), 49);
+}
+
+void PowerModeEditorTest::editsScheduleTheirApply_data()
+{
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("scheduled");
+    QTest::newRow("minimum") << "silent_cpu_min" << 12 << "cpu_min_slider_normal"
+                             << "4000 ApplyCpuMin";
+    QTest::newRow("maximum") << "silent_cpu_max" << 70 << "cpu_max_slider_normal"
+                             << "4000 ApplyCpuMax";
+    QTest::newRow("turbo") << "power_mode_turbo_boost" << 400 << "power_mode_turbo_boost_normal"
+                           << "4000 ApplyPowerTurboBoost";
+    QTest::newRow("brightness") << "PowerModeBrightSlider" << 33 << "PowerModeBrightSlider_normal"
+                                << "1000 ApplySchemeBright";
+    QTest::newRow("screen off") << "TurnOffScreen_combo" << 8 << "TurnOffScreen_combo_normal"
+                                << "4000 turnoffScreenPowerMode";
+    QTest::newRow("sleep") << "Sleep_After_Combo" << 0 << "Sleep_After_Combo_normal"
+                           << "4000 ApplySleepAfterPowerMode";
+    QTest::newRow("lid") << "LidClose_Combo" << 2 << "LidClose_Combo_normal"
+                         << "4000 ApplyLidClosePowerMode";
+    QTest::newRow("fan, at once") << "comboBox_5" << 3 << "comboBox_5_normal" << QString();
+    QTest::newRow("keyboard, at once")
+        << "horizontalSlider_2" << 45 << "horizontalSlider_2_normal" << QString();
+}
+
+void PowerModeEditorTest::editsScheduleTheirApply()
+{
+    QFETCH(QString, control);
+    QFETCH(int, value);
+    QFETCH(QString, key);
+    QFETCH(QString, scheduled);
+    PowerWindow p;
+    p.startWithPowerModes();
+    QFile::remove(p.folder.file(PowerWindow::user));
+    QWidget *widget = p.window->findChild<QWidget *>(control);
+    QVERIFY(widget);
+    if (auto *slider = qobject_cast<QAbstractSlider *>(widget))
+        slider->setValue(value);
+    else
+        qobject_cast<QComboBox *>(widget)->setCurrentIndex(value);
+    QCOMPARE(p.userKeys(), QStringList{key});
+    QCOMPARE(p.userValue(key).toInt(), value);
+    QCOMPARE(p.fake.scheduler->history,
+             scheduled.isEmpty() ? QStringList() : QStringList{scheduled});
+}
+
+void PowerModeEditorTest::scheduledCallsFireInOrder()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    ui.TurnOffScreen_combo->setCurrentIndex(1);
+    ui.PowerModeBrightSlider->setValue(41);
+    ui.PowerModeBrightSlider->setValue(42); // a drag queues one call per value
+    QCOMPARE(p.fake.scheduler->history,
+             (QStringList{"4000 turnoffScreenPowerMode", "1000 ApplySchemeBright",
+                          "1000 ApplySchemeBright"}));
+    // The panel follows the mode's brightness at once.
+    QCOMPARE(ui.Slider_Brightness->value(), 42);
+    QVERIFY(p.fake.log->entries.contains("panel write 42"));
+
+    p.fake.log->clear();
+    p.fake.scheduler->advance(1000);
+    const QString schemeAc = "run: powercfg -setacvalueindex SCHEME_CURRENT "
+                             "7516b95f-f776-4464-8c53-06167f40cc99 "
+                             "aded5e82-b909-4619-9949-f5d71dac0bcb 42";
+    QCOMPARE(p.fake.log->entries.count(schemeAc), 2);
+    QVERIFY(p.fake.log->withPrefix("run: powercfg -change -monitor").isEmpty());
+    p.fake.scheduler->advance(3000);
+    QCOMPARE(p.fake.log->entries.mid(p.fake.log->entries.size() - 3),
+             (QStringList{"run: powercfg -change -monitor-timeout-ac 5",
+                          "run: powercfg -change -monitor-timeout-dc 5",
+                          "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+}
+
+void PowerModeEditorTest::immediateEditsSetTheCodes()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    PowerModes *modes = p.window->powerModes();
+    p.ui().comboBox_5->setCurrentIndex(0);
+    QCOMPARE(modes->fanProfileCode(), QStringLiteral("none"));
+    p.ui().comboBox_5->setCurrentIndex(6);
+    QCOMPARE(modes->fanProfileCode(), QStringLiteral("6"));
+    p.ui().horizontalSlider_2->setValue(7);
+    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",7"));
+    QCOMPARE(p.ui().label_26->text(), QStringLiteral("Keyboard Brightness: 7%"));
+    QCOMPARE(modes->statusRecord(), QStringLiteral("6,7"));
+}
+
+void PowerModeEditorTest::clickHandlersSaveAndSwitchControls()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    PowerModes *modes = p.window->powerModes();
+
+    ui.turbo_override->setEnabled(true); // as "Manage CPU" does
+    ui.turbo_override->click();
+    QCOMPARE(p.userValue("turbo_override_normal").toBool(), true);
+    QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+    QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+    ui.turbo_override->click();
+    QCOMPARE(p.userValue("turbo_override_normal").toBool(), false);
+    QVERIFY(!ui.power_mode_turbo_boost->isEnabled());
+    QCOMPARE(ui.Slider_TurboBoost->toolTip(), QStringLiteral(" Adjust CPU Turbo Boost Power "));
+    QVERIFY(p.commands().isEmpty()); // nothing applied at once
+
+    ui.ignore_lcd_bright->click();
+    QCOMPARE(p.userValue("ignore_lcd_bright_normal").toBool(), true);
+    QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+    ui.Slider_Brightness->setValue(10);
+    ui.ignore_lcd_bright->click();
+    QVERIFY(ui.PowerModeBrightSlider->isEnabled());
+    QCOMPARE(ui.Slider_Brightness->value(), ui.PowerModeBrightSlider->value());
+
+    ui.checkBox->click();
+    QCOMPARE(p.userValue("checkBox_normal").toBool(), true);
+    QVERIFY(!ui.horizontalSlider_2->isEnabled());
+    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",none"));
+    ui.checkBox->click();
+    QVERIFY(ui.horizontalSlider_2->isEnabled());
+    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+}
+
+void PowerModeEditorTest::noModeCheckedUsesTheDigitZero()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    for (QRadioButton *radio : {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
+        radio->setAutoExclusive(false);
+    ui.normal_mode->setChecked(false);
+    QCOMPARE(p.window->powerModes()->currentPowerModeName(), QStringLiteral("0"));
+    ui.LidClose_Combo->setCurrentIndex(0);
+    QCOMPARE(p.userValue("LidClose_Combo_0").toInt(), 0);
+    QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
+}
+
+void PowerModeEditorTest::switchingTheFeatureMovesTrayEntries()
+{
+    PowerWindow p;
+    p.startWithPowerModes();
+    Ui::MainWindow &ui = p.ui();
+    QMenu *menu = p.window->trayMenu();
+    QCOMPARE(menuTexts(menu), (QStringList{"Battery Mode", "Silent Mode", "Normal Mode",
+                                           "Maximum Mode", "-", "Show Window Center", "Exit"}));
+    p.ui().horizontalSlider_2->setValue(30);
+
+    ui.checkBox_2->click();
+    QCOMPARE(menuTexts(menu), (QStringList{"-", "Show Window Center", "Exit"}));
+    QCOMPARE(p.generalValue("enable_power_modes").toBool(), false);
+    QVERIFY(!ui.tabWidget->isTabEnabled(0));
+    QVERIFY(!ui.reset_power_modes->isEnabled());
+    QVERIFY(!ui.battery_mode_auto->isEnabled());
+    // The keyboard is released; the fan code stays as it was.
+    QCOMPARE(p.window->powerModes()->statusRecord(), QStringLiteral("1,none"));
+
+    ui.checkBox_2->click();
+    QCOMPARE(menuTexts(menu),
+             (QStringList{"-", "Show Window Center", "Exit", "Battery Mode", "Silent Mode",
+                          "Normal Mode", "Maximum Mode"}));
+    QCOMPARE(p.generalValue("enable_power_modes").toBool(), true);
+    QVERIFY(ui.tabWidget->isTabEnabled(0));
+    QVERIFY(ui.reset_power_modes->isEnabled());
+    QVERIFY(ui.battery_mode_auto->isEnabled());
+    // Turning the feature on loads and applies the checked mode.
+    QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
+}
+
+void PowerModeEditorTest::disabledAtStartKeepsTabAndTrayOff()
+{
+    PowerWindow p;
+    p.start();
+    Ui::MainWindow &ui = p.ui();
+    QVERIFY(!ui.checkBox_2->isChecked());
+    QVERIFY(!ui.tabWidget->isTabEnabled(0));
+    QVERIFY(!ui.battery_mode_auto->isEnabled());
+    QVERIFY(!ui.reset_power_modes->isEnabled());
+    QCOMPARE(menuTexts(p.window->trayMenu()), (QStringList{"-", "Show Window Center", "Exit"}));
+    QVERIFY(!QFile::exists(p.folder.file(PowerWindow::user)));
+
+    // A load with the feature off only switches the editor off.
+    p.window->loadPowerModeValues();
+    QVERIFY(p.commands().isEmpty());
+}
+
+void PowerModeEditorTest::resetAppliesDefaultsAndTellsOnce()
+{
+    PowerWindow p;
+    p.setUser("cpu_min_slider_battery", 44);
+    p.setUser("cpu_min_slider_normal", 45);
+    p.startWithPowerModes(QStringLiteral("battery"));
+    QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+
+    p.ui().reset_power_modes->click();
+    QVERIFY(!p.userKeys().contains("cpu_min_slider_battery"));
+    QVERIFY(!p.userKeys().contains("cpu_min_slider_normal"));
+    QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+    QCOMPARE(p.ui().silent_cpu_max->value(), 60);
+    QVERIFY(p.commands().contains(
+        "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 5"));
+    QCOMPARE(p.fake.dialogs->shown.size(), 1);
+    const FakeDialogs::Shown &box = p.fake.dialogs->shown.first();
+    QCOMPARE(box.icon, QMessageBox::Information);
+    QCOMPARE(box.title, QStringLiteral("Reset Power Modes"));
+    QCOMPARE(box.text, QStringLiteral("All Power Modes have been reset to default values.\n"));
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    // The message comes after the profile was applied.
+    const int applied = p.fake.log->indexOf(
+        "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 5");
+    QVERIFY(applied >= 0);
+    QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
+}
+
+QTEST_MAIN(PowerModeEditorTest)
+#include "tst_powermodeeditor.moc"

@@ -1,0 +1,133 @@
+// The shared status block, read from a second process as the companion tools read it.
+#include "../power/powerwindow.h"
+#include "powermodes.h"
+#include "statuspublisher.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+class StatusPublisherTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void serialisation_data();
+    void serialisation();
+    void windowPublishesTheModeCodes();
+    void windowPublishesEveryTextThroughItsSlot();
+    void aReaderThatStaysMakesPublishingFail();
+
+private:
+    // The block's namespace follows the temporary folder; a private one keeps other programs
+    // using the same key (a running copy, other tests) out of the way.
+    QTemporaryDir m_tmp;
+};
+
+namespace {
+const QString kKey = QStringLiteral("VarnelSharedMem");
+
+QString readerPath()
+{
+    return QStringLiteral(VARNEL_TEST_BIN_DIR "/status/status_reader");
+}
+
+// The reader's two lines: the bytes in hex and the decoded text.
+QStringList readBlock(const QString &key = kKey)
+{
+    QProcess reader;
+    reader.start(readerPath(), {key});
+    if (!reader.waitForFinished(10000))
+        return {QStringLiteral("reader did not finish")};
+    return QString::fromUtf8(reader.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+}
+} // namespace
+
+void StatusPublisherTest::initTestCase()
+{
+    QVERIFY(m_tmp.isValid());
+    qputenv("TMPDIR", m_tmp.path().toLocal8Bit());
+    QVERIFY2(QFile::exists(readerPath()), "build the status_reader program first");
+}
+
+void StatusPublisherTest::serialisation_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("hex");
+    QTest::newRow("at start") << "none,none" << QByteArray("00000012006e006f006e0065002c006e006f006e0065");
+    QTest::newRow("fan and keyboard") << "3,40" << QByteArray("000000080033002c00340030");
+    QTest::newRow("empty") << "" << QByteArray("00000000");
+}
+
+void StatusPublisherTest::serialisation()
+{
+    QFETCH(QString, text);
+    QFETCH(QByteArray, hex);
+    const QByteArray bytes = StatusPublisher::serialise(text);
+    QCOMPARE(bytes.toHex(), hex);
+    QCOMPARE(bytes.size(), 4 + 2 * text.size());
+}
+
+void StatusPublisherTest::windowPublishesTheModeCodes()
+{
+    PowerWindow p;
+    p.setUser("comboBox_5_normal", 3);
+    p.setUser("horizontalSlider_2_normal", 40);
+    p.start();
+    QTimer *tick = nullptr;
+    for (QTimer *t : p.window->findChildren<QTimer *>()) {
+        if (t->interval() == 1000 && t->isActive() && !t->isSingleShot())
+            tick = t;
+    }
+    QVERIFY2(tick, "no repeating 1000 ms timer drives the block");
+
+    p.window->sharedmemtimer();
+    const QStringList atStart = readBlock();
+    QCOMPARE(atStart.value(1), QStringLiteral("none,none"));
+    QCOMPARE(atStart.value(0).size(), 44); // 22 bytes
+    QVERIFY(atStart.value(0).startsWith(QLatin1String("00000012")));
+
+    p.ui().checkBox_2->click(); // power modes on: normal has fan Manual and keyboard 40
+    p.window->sharedmemtimer();
+    QCOMPARE(readBlock().value(1), QStringLiteral("3,40"));
+
+    // Switched off again: the keyboard is released, the fan code stays.
+    p.ui().checkBox_2->click();
+    p.window->sharedmemtimer();
+    QCOMPARE(readBlock().value(1), QStringLiteral("3,none"));
+}
+
+void StatusPublisherTest::windowPublishesEveryTextThroughItsSlot()
+{
+    PowerWindow p;
+    p.start();
+    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
+                                      Q_ARG(QString, QStringLiteral("5,100"))));
+    QCOMPARE(readBlock(), (QStringList{"0000000a0035002c003100300030", "5,100"}));
+}
+
+void StatusPublisherTest::aReaderThatStaysMakesPublishingFail()
+{
+    const QString key = QStringLiteral("VarnelStatusTest");
+    StatusPublisher publisher(key);
+    QVERIFY(publisher.publish(QStringLiteral("1,10")));
+
+    QProcess holder;
+    holder.start(readerPath(), {key, QStringLiteral("--hold")});
+    QVERIFY(holder.waitForReadyRead(10000));
+    QTRY_VERIFY(holder.canReadLine());
+
+    QVERIFY(!publisher.publish(QStringLiteral("2,20")));
+    QVERIFY(!publisher.publish(QStringLiteral("2,20"))); // and it stays so, without harm
+    QCOMPARE(readBlock(key).value(1), QStringLiteral("1,10"));
+
+    holder.write("\n");
+    QVERIFY(holder.waitForFinished(10000));
+    QCOMPARE(holder.exitCode(), 0);
+    QVERIFY(publisher.publish(QStringLiteral("2,20")));
+    QCOMPARE(readBlock(key).value(1), QStringLiteral("2,20"));
+}
+
+QTEST_MAIN(StatusPublisherTest)
+#include "tst_statuspublisher.moc"

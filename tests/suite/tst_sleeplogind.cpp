@@ -1,0 +1,150 @@
+#include "sleeplogind.h"
+
+#include <QDBusConnection>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QtTest>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+// logind's manager object as far as the program uses it: Inhibit and PrepareForSleep.
+class StandInLogind : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
+public:
+    ~StandInLogind() override
+    {
+        for (int fd : readEnds)
+            ::close(fd);
+    }
+
+    QStringList inhibitCalls;
+    QVector<int> readEnds; // one per lock handed out; the far end closes when it is let go
+
+public slots:
+    QDBusUnixFileDescriptor Inhibit(const QString &what, const QString &who, const QString &why,
+                                    const QString &mode)
+    {
+        inhibitCalls << QStringList{what, who, why, mode}.join('|');
+        int fds[2];
+        if (::pipe(fds) != 0)
+            return QDBusUnixFileDescriptor();
+        readEnds << fds[0];
+        QDBusUnixFileDescriptor lock(fds[1]);
+        ::close(fds[1]);
+        return lock;
+    }
+
+signals:
+    void PrepareForSleep(bool start);
+};
+
+// True once every holder of the lock's write end has closed it.
+bool released(int readEnd)
+{
+    pollfd p{readEnd, POLLIN, 0};
+    return ::poll(&p, 1, 0) == 1 && (p.revents & (POLLHUP | POLLIN));
+}
+
+struct Message {
+    quint32 id;
+    quintptr code;
+};
+
+} // namespace
+
+class TestSleepLogind : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void holdsADelayLockWhileAwakeAndReportsResume();
+    void withoutABusNothingIsReported();
+
+private:
+    QProcess m_daemon;
+    QString m_address;
+};
+
+void TestSleepLogind::initTestCase()
+{
+    if (QStandardPaths::findExecutable("dbus-daemon").isEmpty())
+        QSKIP("dbus-daemon is not installed");
+    // A private bus of the test's own: nothing on the machine's system bus is touched.
+    m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+    QVERIFY(m_daemon.waitForReadyRead(10000));
+    m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+    QVERIFY(!m_address.isEmpty());
+}
+
+void TestSleepLogind::cleanupTestCase()
+{
+    QDBusConnection::disconnectFromBus("logind");
+    QDBusConnection::disconnectFromBus("varnel");
+    m_daemon.kill();
+    m_daemon.waitForFinished(5000);
+}
+
+void TestSleepLogind::holdsADelayLockWhileAwakeAndReportsResume()
+{
+    QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+    StandInLogind logind;
+    QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
+                                   QDBusConnection::ExportAllSlots |
+                                       QDBusConnection::ExportAllSignals));
+    QVERIFY(service.registerService("org.freedesktop.login1"));
+
+    LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_address, "varnel"));
+    QVector<Message> messages;
+    connect(&notifier, &SleepNotifier::powerMessage, this, [&messages](quint32 id, quintptr code) {
+        messages.append({id, code});
+    });
+
+    QTRY_VERIFY(notifier.holdsInhibitor());
+    QCOMPARE(logind.inhibitCalls.size(), 1);
+    const QStringList call = logind.inhibitCalls.first().split('|');
+    QCOMPARE(call.value(0), QStringLiteral("sleep"));
+    QCOMPARE(call.value(1), QStringLiteral("Varnel"));
+    QCOMPARE(call.value(3), QStringLiteral("delay"));
+    QVERIFY(!released(logind.readEnds.first()));
+
+    // Before sleeping: told, and the lock goes so the machine can sleep.
+    emit logind.PrepareForSleep(true);
+    QTRY_COMPARE(messages.size(), 1);
+    QCOMPARE(messages.at(0).id, 0x218u);
+    QCOMPARE(messages.at(0).code, quintptr(4));
+    QTRY_VERIFY(released(logind.readEnds.first()));
+    QVERIFY(!notifier.holdsInhibitor());
+
+    // After waking up: a resume message, and a new lock for the next sleep.
+    emit logind.PrepareForSleep(false);
+    QTRY_COMPARE(messages.size(), 2);
+    QCOMPARE(messages.at(1).id, 0x218u);
+    QCOMPARE(messages.at(1).code, quintptr(7));
+    QTRY_VERIFY(notifier.holdsInhibitor());
+    QCOMPARE(logind.inhibitCalls.size(), 2);
+    QVERIFY(!released(logind.readEnds.last()));
+}
+
+void TestSleepLogind::withoutABusNothingIsReported()
+{
+    LogindSleepNotifier notifier(QDBusConnection(QStringLiteral("no such bus")));
+    int reported = 0;
+    connect(&notifier, &SleepNotifier::powerMessage, this, [&reported] { ++reported; });
+    QVERIFY(!notifier.holdsInhibitor());
+    quint32 id = 0;
+    quintptr code = 0;
+    int event = 0;
+    QVERIFY(!notifier.decodeNativeMessage("xcb_generic_event_t", &event, &id, &code));
+    QCOMPARE(reported, 0);
+    // The handler itself still reports, which is how the window is tested without a bus.
+    notifier.handlePrepareForSleep(false);
+    QCOMPARE(reported, 1);
+}
+
+QTEST_GUILESS_MAIN(TestSleepLogind)
+#include "tst_sleeplogind.moc"
