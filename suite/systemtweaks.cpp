@@ -32,12 +32,13 @@ SystemTweaks::SystemTweaks(Ui::MainWindow &ui, const Platform &platform, const S
 void SystemTweaks::showWhereTheyApply()
 {
     const bool here = m_platform.registry->machineSettingsApply();
-    m_ui.label_windows_only->setVisible(!here);
-    m_ui.label_windows_only->setText(
-        here ? QString()
-             : QStringLiteral("The registry fixes on this tab change Windows settings. On this "
-                              "system they are only remembered, for when this laptop runs "
-                              "Windows."));
+    QLabel *label = m_ui.label_windows_only;
+    label->setVisible(!here);
+    label->setWordWrap(true);
+    label->setText(here ? QString()
+                        : QStringLiteral("Windows only: the five fixes below change Windows "
+                                         "settings and start Windows helper programs. On this "
+                                         "system they are only remembered."));
 }
 
 void SystemTweaks::loadRegistryBoxes()
