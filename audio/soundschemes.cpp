@@ -28,9 +28,9 @@ void SoundSchemes::choose(int index)
     const QString name = QLatin1String(soundevents::defaultValueName);
     const bool silent = index == kNoSoundsIndex;
     qCDebug(lcSoundSchemes) << "scheme" << (silent ? "no sounds" : "default");
-    m_registry.setValue(QLatin1String(soundevents::schemesKey), name,
-                        QLatin1String(silent ? soundevents::silentMarker
-                                             : soundevents::stockMarker));
+    m_registry.setValue(
+        QLatin1String(soundevents::schemesKey), name,
+        QLatin1String(silent ? soundevents::silentMarker : soundevents::stockMarker));
     for (const soundevents::Event &event : soundevents::table) {
         if (silent)
             m_registry.setValue(eventKey(QLatin1String(event.name)), name, QString());
@@ -42,12 +42,11 @@ void SoundSchemes::choose(int index)
 
 void SoundSchemes::refresh()
 {
-    const QString marker =
-        m_registry
-            .value(QLatin1String(soundevents::schemesKey),
-                   QLatin1String(soundevents::defaultValueName),
-                   QLatin1String(soundevents::silentMarker))
-            .toString();
+    const QString marker = m_registry
+                               .value(QLatin1String(soundevents::schemesKey),
+                                      QLatin1String(soundevents::defaultValueName),
+                                      QLatin1String(soundevents::silentMarker))
+                               .toString();
     m_combo->setCurrentIndex(marker == QLatin1String(soundevents::silentMarker) ? kNoSoundsIndex
-                                                                                 : 0);
+                                                                                : 0);
 }

@@ -127,8 +127,7 @@ void VolumeControl::applyVolume(int percent)
     }
     if (!m_ui.CheckBox_MuteVolume->isChecked())
         m_ui.Label_Volume->setText(volumeText(percent));
-    m_audio.volumeOperation(AudioEndpoint::SetVolume, static_cast<float>(percent) / 100.0f,
-                            false);
+    m_audio.volumeOperation(AudioEndpoint::SetVolume, static_cast<float>(percent) / 100.0f, false);
 }
 
 void VolumeControl::load()

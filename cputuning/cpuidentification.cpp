@@ -64,8 +64,8 @@ std::optional<CpuProfileMatch> matchCpuProfile(const QString &cpuName, const QSt
 {
     for (const TableRow &row : kRows) {
         if (holds(row, cpuName, laptopModel))
-            return CpuProfileMatch{QStringLiteral("cpuprofiles\\%1.ini").arg(QLatin1String(row.file)),
-                                   row.cores};
+            return CpuProfileMatch{
+                QStringLiteral("cpuprofiles\\%1.ini").arg(QLatin1String(row.file)), row.cores};
     }
     return std::nullopt;
 }

@@ -22,8 +22,8 @@ QString coreKey(int cores)
 } // namespace
 
 CpuTuning::CpuTuning(Ui::MainWindow &form, Platform platform, Settings settings, QWidget *window)
-    : QObject(window), ui(form), m_platform(std::move(platform)),
-      m_settings(std::move(settings)), m_window(window)
+    : QObject(window), ui(form), m_platform(std::move(platform)), m_settings(std::move(settings)),
+      m_window(window)
 {
     for (int id : xtu::kReadOrder)
         m_readQueries << xtu::readArguments(id);
@@ -64,8 +64,8 @@ void CpuTuning::applyTurboLimits(const TurboLimits &limits)
     turboPowerUnlimited = limits.unlimited;
     // The position above the highest finite one stands for unlimited power.
     ui.Slider_TurboBoost->setRange(8, turboPowerMax + 1);
-    turboPowerText = turboPowerTextFor(ui.Slider_TurboBoost->value(), turboPowerMax,
-                                       turboPowerUnlimited);
+    turboPowerText =
+        turboPowerTextFor(ui.Slider_TurboBoost->value(), turboPowerMax, turboPowerUnlimited);
 }
 
 void CpuTuning::applyStartupDecision()
@@ -217,9 +217,9 @@ QLabel *CpuTuning::coreLabel(int cores) const
 
 int &CpuTuning::readCoreRatio(int cores)
 {
-    int CpuTuning::*const fields[] = {
-        &CpuTuning::readCoreRatio1, &CpuTuning::readCoreRatio2, &CpuTuning::readCoreRatio3,
-        &CpuTuning::readCoreRatio4, &CpuTuning::readCoreRatio5, &CpuTuning::readCoreRatio6,
-        &CpuTuning::readCoreRatio7, &CpuTuning::readCoreRatio8};
+    int CpuTuning::*const fields[] = {&CpuTuning::readCoreRatio1, &CpuTuning::readCoreRatio2,
+                                      &CpuTuning::readCoreRatio3, &CpuTuning::readCoreRatio4,
+                                      &CpuTuning::readCoreRatio5, &CpuTuning::readCoreRatio6,
+                                      &CpuTuning::readCoreRatio7, &CpuTuning::readCoreRatio8};
     return this->*fields[cores - 1];
 }

@@ -19,31 +19,29 @@ const Member kCoreWriteProcesses[8] = {
     &CpuTuning::core7WriteProcess, &CpuTuning::core8WriteProcess};
 
 const Member kReadProcesses[11] = {
-    &CpuTuning::readProcess1, &CpuTuning::readProcess2,  &CpuTuning::readProcess3,
-    &CpuTuning::readProcess4, &CpuTuning::readProcess5,  &CpuTuning::readProcess6,
-    &CpuTuning::readProcess7, &CpuTuning::readProcess8,  &CpuTuning::readProcess9,
+    &CpuTuning::readProcess1,  &CpuTuning::readProcess2, &CpuTuning::readProcess3,
+    &CpuTuning::readProcess4,  &CpuTuning::readProcess5, &CpuTuning::readProcess6,
+    &CpuTuning::readProcess7,  &CpuTuning::readProcess8, &CpuTuning::readProcess9,
     &CpuTuning::readProcess10, &CpuTuning::readProcess11};
 
 // What runs when core N's write finishes: the next core, and after core 8 the chain's end.
-const Step kAfterCoreWrite[8] = {&CpuTuning::Core2Out, &CpuTuning::Core3Out,
-                                 &CpuTuning::Core4Out, &CpuTuning::Core5Out,
-                                 &CpuTuning::Core6Out, &CpuTuning::Core7Out,
-                                 &CpuTuning::Core8Out, &CpuTuning::terminateapply};
+const Step kAfterCoreWrite[8] = {
+    &CpuTuning::Core2Out, &CpuTuning::Core3Out, &CpuTuning::Core4Out, &CpuTuning::Core5Out,
+    &CpuTuning::Core6Out, &CpuTuning::Core7Out, &CpuTuning::Core8Out, &CpuTuning::terminateapply};
 
 // What runs when read N finishes, and which parser takes its output.
-const Step kAfterRead[11] = {&CpuTuning::start2,  &CpuTuning::start3, &CpuTuning::start4,
-                             &CpuTuning::start5,  &CpuTuning::start6, &CpuTuning::start7,
-                             &CpuTuning::start8,  &CpuTuning::start9, &CpuTuning::start10,
+const Step kAfterRead[11] = {&CpuTuning::start2,  &CpuTuning::start3,          &CpuTuning::start4,
+                             &CpuTuning::start5,  &CpuTuning::start6,          &CpuTuning::start7,
+                             &CpuTuning::start8,  &CpuTuning::start9,          &CpuTuning::start10,
                              &CpuTuning::start11, &CpuTuning::terminateprocess};
-const Step kParsers[11] = {&CpuTuning::get1out, &CpuTuning::get2out,  &CpuTuning::get3out,
-                           &CpuTuning::get4out, &CpuTuning::get5out,  &CpuTuning::get6out,
-                           &CpuTuning::get7out, &CpuTuning::get8out,  &CpuTuning::get9out,
+const Step kParsers[11] = {&CpuTuning::get1out,  &CpuTuning::get2out, &CpuTuning::get3out,
+                           &CpuTuning::get4out,  &CpuTuning::get5out, &CpuTuning::get6out,
+                           &CpuTuning::get7out,  &CpuTuning::get8out, &CpuTuning::get9out,
                            &CpuTuning::get10out, &CpuTuning::get11out};
 
-const char *const kCoreWriteNames[8] = {"core1WriteProcess", "core2WriteProcess",
-                                        "core3WriteProcess", "core4WriteProcess",
-                                        "core5WriteProcess", "core6WriteProcess",
-                                        "core7WriteProcess", "core8WriteProcess"};
+const char *const kCoreWriteNames[8] = {
+    "core1WriteProcess", "core2WriteProcess", "core3WriteProcess", "core4WriteProcess",
+    "core5WriteProcess", "core6WriteProcess", "core7WriteProcess", "core8WriteProcess"};
 
 void onFinished(AsyncProcess *process, CpuTuning *tuning, Step step)
 {
@@ -178,14 +176,38 @@ void CpuTuning::coreOut(int cores)
         finishWriteChain();
 }
 
-void CpuTuning::Core1Out() { coreOut(1); }
-void CpuTuning::Core2Out() { coreOut(2); }
-void CpuTuning::Core3Out() { coreOut(3); }
-void CpuTuning::Core4Out() { coreOut(4); }
-void CpuTuning::Core5Out() { coreOut(5); }
-void CpuTuning::Core6Out() { coreOut(6); }
-void CpuTuning::Core7Out() { coreOut(7); }
-void CpuTuning::Core8Out() { coreOut(8); }
+void CpuTuning::Core1Out()
+{
+    coreOut(1);
+}
+void CpuTuning::Core2Out()
+{
+    coreOut(2);
+}
+void CpuTuning::Core3Out()
+{
+    coreOut(3);
+}
+void CpuTuning::Core4Out()
+{
+    coreOut(4);
+}
+void CpuTuning::Core5Out()
+{
+    coreOut(5);
+}
+void CpuTuning::Core6Out()
+{
+    coreOut(6);
+}
+void CpuTuning::Core7Out()
+{
+    coreOut(7);
+}
+void CpuTuning::Core8Out()
+{
+    coreOut(8);
+}
 
 void CpuTuning::terminateapply()
 {
@@ -209,17 +231,50 @@ void CpuTuning::startRead(int order)
     process->write(QByteArrayLiteral("\n"));
 }
 
-void CpuTuning::start1() { startRead(1); }
-void CpuTuning::start2() { startRead(2); }
-void CpuTuning::start3() { startRead(3); }
-void CpuTuning::start4() { startRead(4); }
-void CpuTuning::start5() { startRead(5); }
-void CpuTuning::start6() { startRead(6); }
-void CpuTuning::start7() { startRead(7); }
-void CpuTuning::start8() { startRead(8); }
-void CpuTuning::start9() { startRead(9); }
-void CpuTuning::start10() { startRead(10); }
-void CpuTuning::start11() { startRead(11); }
+void CpuTuning::start1()
+{
+    startRead(1);
+}
+void CpuTuning::start2()
+{
+    startRead(2);
+}
+void CpuTuning::start3()
+{
+    startRead(3);
+}
+void CpuTuning::start4()
+{
+    startRead(4);
+}
+void CpuTuning::start5()
+{
+    startRead(5);
+}
+void CpuTuning::start6()
+{
+    startRead(6);
+}
+void CpuTuning::start7()
+{
+    startRead(7);
+}
+void CpuTuning::start8()
+{
+    startRead(8);
+}
+void CpuTuning::start9()
+{
+    startRead(9);
+}
+void CpuTuning::start10()
+{
+    startRead(10);
+}
+void CpuTuning::start11()
+{
+    startRead(11);
+}
 
 void CpuTuning::terminateprocess()
 {
@@ -258,9 +313,8 @@ void CpuTuning::comprareXTU()
                                   .toString()
                                   .remove(QLatin1Char('W'))
                                   .replace(QLatin1Char(','), QLatin1Char('.'));
-        restore(saved, ui.Label_TurboPowerValue->text().remove(QLatin1Char('W')), [&] {
-            ui.Slider_TurboBoost->setValue(static_cast<int>(saved.toDouble() * 8));
-        });
+        restore(saved, ui.Label_TurboPowerValue->text().remove(QLatin1Char('W')),
+                [&] { ui.Slider_TurboBoost->setValue(static_cast<int>(saved.toDouble() * 8)); });
     }
 
     const int seconds = general.value(keys::turboTime).toInt();

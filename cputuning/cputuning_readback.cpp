@@ -77,11 +77,35 @@ void CpuTuning::hideCoreRows(int fromCores)
     }
 }
 
-void CpuTuning::get4out() { readCoreRatioRow(1); }
-void CpuTuning::get5out() { readCoreRatioRow(2); }
-void CpuTuning::get6out() { readCoreRatioRow(3); }
-void CpuTuning::get7out() { readCoreRatioRow(4); }
-void CpuTuning::get8out() { readCoreRatioRow(5); }
-void CpuTuning::get9out() { readCoreRatioRow(6); }
-void CpuTuning::get10out() { readCoreRatioRow(7); }
-void CpuTuning::get11out() { readCoreRatioRow(8); }
+void CpuTuning::get4out()
+{
+    readCoreRatioRow(1);
+}
+void CpuTuning::get5out()
+{
+    readCoreRatioRow(2);
+}
+void CpuTuning::get6out()
+{
+    readCoreRatioRow(3);
+}
+void CpuTuning::get7out()
+{
+    readCoreRatioRow(4);
+}
+void CpuTuning::get8out()
+{
+    readCoreRatioRow(5);
+}
+void CpuTuning::get9out()
+{
+    readCoreRatioRow(6);
+}
+void CpuTuning::get10out()
+{
+    readCoreRatioRow(7);
+}
+void CpuTuning::get11out()
+{
+    readCoreRatioRow(8);
+}

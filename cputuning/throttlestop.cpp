@@ -32,10 +32,10 @@ void removeLocal(const QString &path)
 
 } // namespace
 
-ThrottleStopManager::ThrottleStopManager(Ui::MainWindow &form, Platform platform,
-                                         Settings settings, QWidget *window)
-    : QObject(window), ui(form), m_platform(std::move(platform)),
-      m_settings(std::move(settings)), m_window(window)
+ThrottleStopManager::ThrottleStopManager(Ui::MainWindow &form, Platform platform, Settings settings,
+                                         QWidget *window)
+    : QObject(window), ui(form), m_platform(std::move(platform)), m_settings(std::move(settings)),
+      m_window(window)
 {
 }
 

@@ -2,11 +2,12 @@
 
 QString milliwattsAsWatts(qint64 milliwatts)
 {
-    QString digits = QString::number(milliwatts);
-    // The fixed text goes through the same stripping as every other figure, so it reads "1".
+    // A thousand watts and more is the fixed whole figure; only decimals lose their trailing
+    // zeros, so it reads "1000" and not "1".
     if (milliwatts >= 1000000)
-        digits = QStringLiteral("1000");
-    else if (milliwatts < 1000)
+        return QStringLiteral("1000");
+    QString digits = QString::number(milliwatts);
+    if (milliwatts < 1000)
         digits = QStringLiteral("0.") + digits;
     else
         digits.insert(digits.size() - 3, QLatin1Char('.'));

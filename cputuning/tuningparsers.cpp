@@ -41,8 +41,8 @@ void removeWords(QString &text, std::initializer_list<const char *> words)
 // The column titles that the power and time parsers remove one by one ("Count" twice).
 void removeColumnTitles(QString &text)
 {
-    removeWords(text, {"Name", "Value[Unit]", "Min", "Max", "Multipliers", "Item", "Count",
-                       "Count"});
+    removeWords(text,
+                {"Name", "Value[Unit]", "Min", "Max", "Multipliers", "Item", "Count", "Count"});
     text.replace(QStringLiteral("Seconds"), QStringLiteral(" "));
 }
 
@@ -54,8 +54,8 @@ std::optional<UndervoltReading> parseUndervolt(const QString &output)
     if (!text.contains(QLatin1String("Core Voltage Offset")))
         return std::nullopt;
     text.remove(kClientTableHeader);
-    removeWords(text, {"34           Core Voltage Offset            ", "Core Voltage Offset", "-",
-                       "mV"});
+    removeWords(text,
+                {"34           Core Voltage Offset            ", "Core Voltage Offset", "-", "mV"});
     text.remove(kRowEnd);
     collapseBlanks(text, 8);
     const QString magnitude = field(fieldsOf(text), 0);
@@ -118,7 +118,8 @@ std::optional<TurboTimeReading> parseTurboTime(const QString &output)
     TurboTimeReading reading;
     reading.maximum = field(fields, 2).remove(QStringLiteral(".0")).toInt();
     reading.label = field(fields, 0) + QStringLiteral("Sec");
-    reading.value = field(fields, 0).remove(QStringLiteral(".0")).remove(QStringLiteral(",0")).toInt();
+    reading.value =
+        field(fields, 0).remove(QStringLiteral(".0")).remove(QStringLiteral(",0")).toInt();
     return reading;
 }
 

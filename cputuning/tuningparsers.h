@@ -13,8 +13,8 @@ extern const QString kClientTableHeader;
 
 // Core Voltage Offset (query 34).
 struct UndervoltReading {
-    int sliderValue = 0;  // millivolts of undervolt, as a magnitude
-    QString label;        // "0mV" or "-<mV>mV"
+    int sliderValue = 0;   // millivolts of undervolt, as a magnitude
+    QString label;         // "0mV" or "-<mV>mV"
     QString readUndervolt; // "0" or "-<mV>"
 };
 std::optional<UndervoltReading> parseUndervolt(const QString &output);

@@ -24,12 +24,13 @@ inline const QString driverInstaller =
 inline const QString servicePaths[] = {
     QStringLiteral("C:\\Program Files (x86)\\Intel\\Intel(R) Extreme Tuning "
                    "Utility\\Drivers\\XtuService.exe"),
-    QStringLiteral("C:\\Program Files (x86)\\Intel\\Intel(R) Extreme Tuning Utility\\XtuService.exe"),
+    QStringLiteral(
+        "C:\\Program Files (x86)\\Intel\\Intel(R) Extreme Tuning Utility\\XtuService.exe"),
 };
 
-inline const QString downloadPage = QStringLiteral(
-    "https://www.intel.com/content/www/us/en/download/17881/"
-    "intel-extreme-tuning-utility-intel-xtu.html");
+inline const QString downloadPage =
+    QStringLiteral("https://www.intel.com/content/www/us/en/download/17881/"
+                   "intel-extreme-tuning-utility-intel-xtu.html");
 
 // Setting identifiers in read order: undervolt, turbo power, turbo time, then the turbo ratio
 // for 1 ... 8 active cores.

@@ -23,8 +23,8 @@ QString brightnessLabel(int value)
 PanelBrightnessControl::PanelBrightnessControl(Ui::MainWindow &form, Settings settings,
                                                Platform platform, QWidget *window,
                                                std::function<bool()> powerModeBusy)
-    : QObject(window), ui(form), m_settings(std::move(settings)),
-      m_platform(std::move(platform)), m_window(window), m_powerModeBusy(std::move(powerModeBusy))
+    : QObject(window), ui(form), m_settings(std::move(settings)), m_platform(std::move(platform)),
+      m_window(window), m_powerModeBusy(std::move(powerModeBusy))
 {
 }
 

@@ -45,17 +45,16 @@ QString batteryStateText(int code)
 
 QString parseBatteryStatus(const QString &output)
 {
-    const QString digits =
-        removeAll(output, {QStringLiteral("BatteryStatus"), QStringLiteral(" "),
-                           QStringLiteral("\r"), QStringLiteral("\n")});
+    const QString digits = removeAll(output, {QStringLiteral("BatteryStatus"), QStringLiteral(" "),
+                                              QStringLiteral("\r"), QStringLiteral("\n")});
     return batteryStateText(digits.toInt(nullptr, 10));
 }
 
 QString parseBatteryCharge(const QString &output)
 {
-    return removeAll(output.trimmed(), {QStringLiteral("EstimatedChargeRemaining"),
-                                        QStringLiteral(" "), QStringLiteral("\r"),
-                                        QStringLiteral("\n")}) +
+    return removeAll(output.trimmed(),
+                     {QStringLiteral("EstimatedChargeRemaining"), QStringLiteral(" "),
+                      QStringLiteral("\r"), QStringLiteral("\n")}) +
            QLatin1Char('%');
 }
 

@@ -10,8 +10,6 @@
 DesktopWidget::DesktopWidget(const char *geometryKey, QWidget *parent)
     : QWidget(parent), m_geometryKey(geometryKey)
 {
-    // A desktop widget never keeps the program running once the window is closed.
-    setAttribute(Qt::WA_QuitOnClose, false);
 }
 
 float DesktopWidget::screenScaleFactor()

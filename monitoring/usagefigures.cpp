@@ -28,8 +28,8 @@ bool isUsableSample(const ProcessorTimes &previous)
 int processorLoad(const ProcessorTimes &now, const ProcessorTimes &before)
 {
     const quint64 idle = timeDelta(now.idle, before.idle);
-    const quint64 busyAndIdle = quint64(timeDelta(now.kernel, before.kernel)) +
-                                timeDelta(now.user, before.user);
+    const quint64 busyAndIdle =
+        quint64(timeDelta(now.kernel, before.kernel)) + timeDelta(now.user, before.user);
     if (busyAndIdle == 0)
         return -1;
     const double share =

@@ -40,7 +40,8 @@ BatteryWidget *WidgetManager::batteryWidget() const
 void WidgetManager::restoreControls()
 {
     const SettingsFile file = m_settings.widgets();
-    m_ui.StartResorcescheckBox->setChecked(file.value(QLatin1String(keys::resourcesWidget)).toBool());
+    m_ui.StartResorcescheckBox->setChecked(
+        file.value(QLatin1String(keys::resourcesWidget)).toBool());
     restoreSlider(m_ui.horizontalSliderResorcesFONTsize, file, keys::resourcesWidgetFontSize);
     m_ui.colorchange->setChecked(file.value(QLatin1String(keys::resourcesColor)).toBool());
     m_ui.StartBatteryWidget->setChecked(file.value(QLatin1String(keys::batteryWidget)).toBool());

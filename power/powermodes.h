@@ -1,9 +1,9 @@
 #pragma once
 
+#include "adaptivebrightness.h"
 #include "platform.h"
 #include "powercommands.h"
 #include "powerprofiles.h"
-#include "adaptivebrightness.h"
 #include "settingsfiles.h"
 
 #include <QLoggingCategory>

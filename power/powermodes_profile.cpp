@@ -21,10 +21,10 @@ QString percentLabel(const char *prefix, int value)
 }
 } // namespace
 
-PowerModes::PowerModes(Ui::MainWindow &form, Settings settings, Platform platform,
-                       QWidget *window, std::function<Tray()> tray)
-    : QObject(window), ui(form), m_settings(settings), m_profiles(settings), m_platform(std::move(platform)),
-      m_window(window), m_tray(std::move(tray))
+PowerModes::PowerModes(Ui::MainWindow &form, Settings settings, Platform platform, QWidget *window,
+                       std::function<Tray()> tray)
+    : QObject(window), ui(form), m_settings(settings), m_profiles(settings),
+      m_platform(std::move(platform)), m_window(window), m_tray(std::move(tray))
 {
 }
 
@@ -169,8 +169,7 @@ void PowerModes::loadPowerModeValues()
 
 void PowerModes::loadEnabledSwitch()
 {
-    const bool enabled =
-        m_settings.general().value(QLatin1String(keys::enablePowerModes)).toBool();
+    const bool enabled = m_settings.general().value(QLatin1String(keys::enablePowerModes)).toBool();
     if (enabled) {
         ui.checkBox_2->setChecked(true);
         loadPowerModeValues();
@@ -324,8 +323,7 @@ void PowerModes::reset()
 {
     m_profiles.resetUserFile();
     loadPowerModeValues();
-    m_platform.dialogs->message(m_window, QMessageBox::Information,
-                                QStringLiteral("Reset Power Modes"),
-                                QStringLiteral("All Power Modes have been reset to default values.\n"),
-                                QMessageBox::Ok);
+    m_platform.dialogs->message(
+        m_window, QMessageBox::Information, QStringLiteral("Reset Power Modes"),
+        QStringLiteral("All Power Modes have been reset to default values.\n"), QMessageBox::Ok);
 }

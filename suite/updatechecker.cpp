@@ -53,8 +53,7 @@ QString UpdateChecker::fetchLatestVersion()
     // The body counts whatever the status; a failed connection has none.
     const QString body = QString::fromUtf8(reply->readAll());
     qCDebug(lcUpdates) << url << "answered" << reply->error() << body;
-    reply->deleteLater();
-    return body;
+    return body; // the reply goes with its manager
 }
 
 void UpdateChecker::check()

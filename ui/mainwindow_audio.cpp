@@ -1,4 +1,5 @@
-// The window's volume and sound schemes: each slot reads its controls and hands over to the subsystem.
+// The window's volume and sound schemes: each slot reads its controls and hands over to the
+// subsystem.
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 

@@ -1,4 +1,5 @@
-// The window's CPU tuning and ThrottleStop: each slot reads its controls and hands over to the subsystem.
+// The window's CPU tuning and ThrottleStop: each slot reads its controls and hands over to the
+// subsystem.
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 

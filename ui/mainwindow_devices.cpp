@@ -1,4 +1,5 @@
-// The window's external monitor and device switches: each slot reads its controls and hands over to the subsystem.
+// The window's external monitor and device switches: each slot reads its controls and hands over to
+// the subsystem.
 #include "mainwindow.h"
 #include "ui_mainwindow.h"
 

@@ -43,18 +43,14 @@ void MainWindow::NVAPI_GPU1TEMP(int value)
     ui->gpu1_temp->setText(gpuTemperatureText(value));
 }
 
-void MainWindow::NVAPI_GPU2TEMP(int)
-{
-}
+void MainWindow::NVAPI_GPU2TEMP(int) {}
 
 void MainWindow::NVAPI_GPU1LOAD(int value)
 {
     ui->gpu1_load->setValue(value);
 }
 
-void MainWindow::NVAPI_GPU2LOAD(int)
-{
-}
+void MainWindow::NVAPI_GPU2LOAD(int) {}
 
 void MainWindow::NVAPI_GPU1CORECLOCK(int value)
 {
@@ -71,17 +67,11 @@ void MainWindow::NVAPI_GPU1PSTATE(int value)
     ui->gpu1_p_state->setText(gpuPstateText(value));
 }
 
-void MainWindow::NVAPI_GPU2CORECLOCK(int)
-{
-}
+void MainWindow::NVAPI_GPU2CORECLOCK(int) {}
 
-void MainWindow::NVAPI_GPU2MEMCLOCK(int)
-{
-}
+void MainWindow::NVAPI_GPU2MEMCLOCK(int) {}
 
-void MainWindow::NVAPI_GPU2PSTATE(int)
-{
-}
+void MainWindow::NVAPI_GPU2PSTATE(int) {}
 
 void MainWindow::startwidgets()
 {

@@ -23,11 +23,6 @@ struct PowerMessageDecision {
     bool scheduleAwake = false;  // awake() in 3000 ms
     bool scheduleAwake2 = false; // awake2() in 2000 ms
     bool resumePending = false;  // the flag after the message
-    bool operator==(const PowerMessageDecision &o) const
-    {
-        return scheduleAwake == o.scheduleAwake && scheduleAwake2 == o.scheduleAwake2 &&
-               resumePending == o.resumePending;
-    }
 };
 
 PowerMessageDecision decidePowerMessage(quint32 id, quintptr code, bool resumePending);

@@ -66,8 +66,8 @@ SysfsBacklight::SysfsBacklight(QString root, SessionWriter sessionWriter)
 
 bool SysfsBacklight::findDevice(Device *device) const
 {
-    const QStringList names = QDir(m_root).entryList(
-        QDir::Dirs | QDir::NoDotAndDotDot | QDir::System, QDir::Name);
+    const QStringList names =
+        QDir(m_root).entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::System, QDir::Name);
     int bestRank = 4;
     for (const QString &name : names) {
         const QString folder = m_root + QLatin1Char('/') + name;
@@ -110,7 +110,8 @@ void SysfsBacklight::write(quint32 level)
     const int raw = backlightPercentToRaw(percent, device.max);
     bool written = m_sessionWriter && m_sessionWriter(device.name, static_cast<quint32>(raw));
     if (!written) {
-        const QString path = m_root + QLatin1Char('/') + device.name + QStringLiteral("/brightness");
+        const QString path =
+            m_root + QLatin1Char('/') + device.name + QStringLiteral("/brightness");
         QFile file(path);
         if (QFileInfo(path).isWritable() && file.open(QIODevice::WriteOnly)) {
             written = file.write(QByteArray::number(raw)) > 0;

@@ -55,7 +55,8 @@ QString connectorForBus(int bus, const QString &drmRoot)
         const QString dir = root.filePath(entry);
         // Either a "ddc" link to the adapter or, for DisplayPort, the adapter as a child.
         const QFileInfo ddcLink(dir + QStringLiteral("/ddc"));
-        const bool viaLink = ddcLink.exists() && QFileInfo(ddcLink.canonicalFilePath()).fileName() == busName;
+        const bool viaLink =
+            ddcLink.exists() && QFileInfo(ddcLink.canonicalFilePath()).fileName() == busName;
         if (viaLink || QFileInfo::exists(dir + QLatin1Char('/') + busName))
             return entry.mid(entry.indexOf(QLatin1Char('-')) + 1);
     }
@@ -204,33 +205,38 @@ QVector<DdcDisplay> LibDdcutilBus::displays()
     return out;
 }
 
-bool LibDdcutilBus::read(const DdcDisplay &display, quint8 code, quint32 *current,
-                         quint32 *maximum)
+namespace {
+
+// Runs f on an open handle of the display on bus; false when the library or the display is
+// not there.
+template <typename F> bool onDisplay(int bus, F f)
 {
     const Ddcutil &api = ddcutil();
     if (!api.loaded())
         return false;
-    OpenDisplay open(api, display.bus);
-    if (!open.handle())
-        return false;
-    DDCA_Non_Table_Vcp_Value value{};
-    if (api.getValue(open.handle(), code, &value) != 0)
-        return false;
-    *current = quint32(value.sh) << 8 | value.sl;
-    *maximum = quint32(value.mh) << 8 | value.ml;
-    return true;
+    OpenDisplay open(api, bus);
+    return open.handle() && f(api, open.handle());
+}
+
+} // namespace
+
+bool LibDdcutilBus::read(const DdcDisplay &display, quint8 code, quint32 *current, quint32 *maximum)
+{
+    return onDisplay(display.bus, [&](const Ddcutil &api, DDCA_Display_Handle handle) {
+        DDCA_Non_Table_Vcp_Value value{};
+        if (api.getValue(handle, code, &value) != 0)
+            return false;
+        *current = quint32(value.sh) << 8 | value.sl;
+        *maximum = quint32(value.mh) << 8 | value.ml;
+        return true;
+    });
 }
 
 bool LibDdcutilBus::write(const DdcDisplay &display, quint8 code, quint32 value)
 {
-    const Ddcutil &api = ddcutil();
-    if (!api.loaded())
-        return false;
-    OpenDisplay open(api, display.bus);
-    if (!open.handle())
-        return false;
-    return api.setValue(open.handle(), code, quint8(value >> 8 & 0xff), quint8(value & 0xff)) ==
-           0;
+    return onDisplay(display.bus, [&](const Ddcutil &api, DDCA_Display_Handle handle) {
+        return api.setValue(handle, code, quint8(value >> 8 & 0xff), quint8(value & 0xff)) == 0;
+    });
 }
 
 DdcMonitorControl::DdcMonitorControl(std::unique_ptr<DdcBus> bus,

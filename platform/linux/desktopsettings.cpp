@@ -25,7 +25,9 @@ const QList<Candidate> &candidates()
         {"systemsettings",
          {QStringLiteral("kcm_kscreen")},
          {QStringLiteral("kcm_powerdevilprofilesconfig")}},
-        {"kcmshell5", {QStringLiteral("kcm_kscreen")}, {QStringLiteral("powerdevilprofilesconfig")}},
+        {"kcmshell5",
+         {QStringLiteral("kcm_kscreen")},
+         {QStringLiteral("powerdevilprofilesconfig")}},
     };
     return list;
 }

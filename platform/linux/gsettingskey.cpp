@@ -58,7 +58,8 @@ bool GSettingsKey::setText(const QString &value)
 {
     if (!m_settings)
         return false;
-    const bool ok = g_settings_set_string(m_settings, m_key.constData(), value.toUtf8().constData());
+    const bool ok =
+        g_settings_set_string(m_settings, m_key.constData(), value.toUtf8().constData());
     g_settings_sync();
     return ok;
 }

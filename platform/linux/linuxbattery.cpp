@@ -50,8 +50,8 @@ BatteryReading readBattery(const QString &sysRoot)
 {
     BatteryReading reading;
     const QDir supplies(sysRoot + QStringLiteral("/class/power_supply"));
-    const QStringList names = supplies.entryList(QDir::AllEntries | QDir::NoDotAndDotDot,
-                                                 QDir::Name);
+    const QStringList names =
+        supplies.entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
     for (const QString &name : names) {
         const QString dir = supplies.filePath(name) + QLatin1Char('/');
         // Peripherals (a mouse, a headset) report their batteries with the device scope.

@@ -81,8 +81,8 @@ bool parseProcStat(const QByteArray &text, long ticksPerSecond, quint64 *idle, q
 
 bool LinuxSampler::systemTimes(quint64 *idle, quint64 *kernel, quint64 *user)
 {
-    return parseProcStat(readFile(m_procRoot + QStringLiteral("/stat")), sysconf(_SC_CLK_TCK),
-                         idle, kernel, user);
+    return parseProcStat(readFile(m_procRoot + QStringLiteral("/stat")), sysconf(_SC_CLK_TCK), idle,
+                         kernel, user);
 }
 
 QVector<InterfaceCounters> LinuxSampler::interfaceTable()
@@ -104,7 +104,8 @@ QVector<InterfaceCounters> LinuxSampler::interfaceTable()
         row.type = wireless ? kWirelessType
                             : static_cast<quint32>(readNumber(dir + QStringLiteral("/type")));
         // The table holds 32-bit counters, as the widget's arithmetic expects.
-        row.inOctets = static_cast<quint32>(readNumber(dir + QStringLiteral("/statistics/rx_bytes")));
+        row.inOctets =
+            static_cast<quint32>(readNumber(dir + QStringLiteral("/statistics/rx_bytes")));
         row.outOctets =
             static_cast<quint32>(readNumber(dir + QStringLiteral("/statistics/tx_bytes")));
         byIndex.insert(index, row);

@@ -103,8 +103,7 @@ bool NvmlGpuSensors::loadLibrary()
         slot = reinterpret_cast<std::remove_reference_t<decltype(slot)>>(dlsym(m_library, name));
         return slot != nullptr;
     };
-    bool complete = resolve(api->init, "nvmlInit_v2") &&
-                    resolve(api->shutdown, "nvmlShutdown") &&
+    bool complete = resolve(api->init, "nvmlInit_v2") && resolve(api->shutdown, "nvmlShutdown") &&
                     resolve(api->count, "nvmlDeviceGetCount_v2") &&
                     resolve(api->handleByIndex, "nvmlDeviceGetHandleByIndex_v2") &&
                     resolve(api->clockInfo, "nvmlDeviceGetClockInfo") &&

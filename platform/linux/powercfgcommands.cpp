@@ -21,9 +21,10 @@ void addPowerCommands(CommandTable &table, std::shared_ptr<DesktopSettings> desk
                   desktop->openDisplaySettings();
                   return QString();
               });
-    table.add(QStringLiteral("control\\.exe /name Microsoft\\.PowerOptions /page  pagePlanSettings"),
-              [desktop](const QRegularExpressionMatch &) {
-                  desktop->openPowerSettings();
-                  return QString();
-              });
+    table.add(
+        QStringLiteral("control\\.exe /name Microsoft\\.PowerOptions /page  pagePlanSettings"),
+        [desktop](const QRegularExpressionMatch &) {
+            desktop->openPowerSettings();
+            return QString();
+        });
 }

@@ -73,10 +73,12 @@ QVector<RunningProcess> runningProcesses(const QString &procRoot)
         RunningProcess process;
         process.pid = pid;
         process.image = imageName(dir);
-        process.uid = fieldOf(status, QStringLiteral("Uid")).section(QLatin1Char('\t'), 0, 0)
+        process.uid = fieldOf(status, QStringLiteral("Uid"))
+                          .section(QLatin1Char('\t'), 0, 0)
                           .section(QLatin1Char(' '), 0, 0)
                           .toLongLong();
-        process.residentKb = fieldOf(status, QStringLiteral("VmRSS")).section(QLatin1Char(' '), 0, 0);
+        process.residentKb =
+            fieldOf(status, QStringLiteral("VmRSS")).section(QLatin1Char(' '), 0, 0);
         if (!process.image.isEmpty())
             processes << process;
     }
@@ -103,13 +105,13 @@ QString taskKill(const ProcessRoots &roots, const QString &image)
     const long long self = getpid();
     QString out;
     for (const RunningProcess &p : runningProcesses(roots.proc)) {
-        if (p.pid == self || p.uid != roots.uid ||
-            p.image.compare(image, Qt::CaseInsensitive) != 0)
+        if (p.pid == self || p.uid != roots.uid || p.image.compare(image, Qt::CaseInsensitive) != 0)
             continue;
         if (roots.kill(p.pid))
-            out += QStringLiteral("SUCCESS: The process \"%1\" with PID %2 has been terminated.\r\n")
-                       .arg(p.image)
-                       .arg(p.pid);
+            out +=
+                QStringLiteral("SUCCESS: The process \"%1\" with PID %2 has been terminated.\r\n")
+                    .arg(p.image)
+                    .arg(p.pid);
     }
     if (out.isEmpty())
         out = QStringLiteral("ERROR: The process \"%1\" not found.\r\n").arg(image);
@@ -136,12 +138,11 @@ void addProcessCommands(CommandTable &table, ProcessRoots roots)
         const QString cpuinfo = QString::fromLocal8Bit(readFile(roots.proc + "/cpuinfo"));
         return wmicColumn(QStringLiteral("Name"), fieldOf(cpuinfo, QStringLiteral("model name")));
     });
-    table.add(QStringLiteral("wmic computersystem get model"),
-              [roots](const QRegularExpressionMatch &) {
-                  const QByteArray product = readFile(roots.dmi + "/product_name");
-                  return wmicColumn(QStringLiteral("Model"),
-                                    QString::fromLocal8Bit(product).trimmed());
-              });
+    table.add(
+        QStringLiteral("wmic computersystem get model"), [roots](const QRegularExpressionMatch &) {
+            const QByteArray product = readFile(roots.dmi + "/product_name");
+            return wmicColumn(QStringLiteral("Model"), QString::fromLocal8Bit(product).trimmed());
+        });
     table.add(QStringLiteral("tasklist"),
               [roots](const QRegularExpressionMatch &) { return taskList(roots.proc); });
 

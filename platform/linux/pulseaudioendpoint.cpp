@@ -272,9 +272,8 @@ private:
             sink->volume = info->volume;
             sink->muted = info->mute != 0;
             const pa_sink_port_info *port = info->active_port;
-            sink->headphones = port && pulsevolume::isHeadphonePort(
-                                           port->type, port->available,
-                                           QString::fromUtf8(port->name));
+            sink->headphones = port && pulsevolume::isHeadphonePort(port->type, port->available,
+                                                                    QString::fromUtf8(port->name));
         }
         if (eol != 0) {
             sink->done = true;

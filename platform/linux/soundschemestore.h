@@ -17,8 +17,7 @@ public:
     // The GNOME key, or nothing when that desktop setting cannot be used.
     static std::shared_ptr<GSettingsKey> sessionEventSounds();
 
-    QVariant value(const QString &key, const QString &name,
-                   const QVariant &defaultValue) override;
+    QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;

@@ -21,7 +21,8 @@ const int kBusTimeoutMs = 250;
 const char TouchpadRegistry::key[] =
     "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\PrecisionTouchPad\\Status";
 
-GnomeTouchpad::GnomeTouchpad() : m_sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events")
+GnomeTouchpad::GnomeTouchpad()
+    : m_sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events")
 {
 }
 
@@ -58,8 +59,8 @@ std::optional<bool> KdeTouchpad::enabled()
     QDBusMessage call =
         QDBusMessage::createMethodCall(m_service, QLatin1String(kModulePath),
                                        QLatin1String(kInterface), QStringLiteral("isEnabled"));
-    const QDBusReply<bool> reply = QDBusConnection::sessionBus().call(call, QDBus::Block,
-                                                                      kBusTimeoutMs);
+    const QDBusReply<bool> reply =
+        QDBusConnection::sessionBus().call(call, QDBus::Block, kBusTimeoutMs);
     if (!reply.isValid())
         return std::nullopt;
     return reply.value();

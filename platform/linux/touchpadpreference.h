@@ -56,8 +56,7 @@ public:
     // The session's preference: KDE's service when it runs, else GNOME's setting, else none.
     static std::shared_ptr<TouchpadPreference> sessionPreference();
 
-    QVariant value(const QString &key, const QString &name,
-                   const QVariant &defaultValue) override;
+    QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;

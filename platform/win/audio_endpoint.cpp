@@ -154,8 +154,7 @@ std::string outputDeviceName()
             PropVariantClear(&value);
         }
     }
-    const bool headphones =
-        name.find(L"Realtek") != std::wstring::npos && headphonesOnJack(device);
+    const bool headphones = name.find(L"Realtek") != std::wstring::npos && headphonesOnJack(device);
     device->Release();
     CoUninitialize();
     return headphones ? std::string("Realtek HD (Headphones)") : toUtf8(name);

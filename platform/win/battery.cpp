@@ -75,9 +75,9 @@ bool batteryValues(const std::wstring &property, std::vector<std::string> &value
             SUCCEEDED(CoSetProxyBlanket(services.p, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                         RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE,
                                         nullptr, EOAC_NONE)) &&
-            SUCCEEDED(services.p->ExecQuery(
-                language.value, query.value,
-                WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr, &rows.p))) {
+            SUCCEEDED(services.p->ExecQuery(language.value, query.value,
+                                            WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY,
+                                            nullptr, &rows.p))) {
             ok = true;
             for (;;) {
                 Released<IWbemClassObject> row;

@@ -50,8 +50,8 @@ bool connectRootWmi(BSTR wmiNamespace, IWbemServices **services)
     CoInitializeSecurity(nullptr, -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_PKT_PRIVACY,
                          RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_SECURE_REFS, nullptr);
     IWbemLocator *locator = nullptr;
-    if (FAILED(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
-                                IID_IWbemLocator, reinterpret_cast<void **>(&locator)))) {
+    if (FAILED(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                                reinterpret_cast<void **>(&locator)))) {
         CoUninitialize();
         return false;
     }
@@ -123,8 +123,8 @@ bool setBrightnessOn(IWbemServices *services, IWbemClassObject *instance, const 
     if (ok) {
         Strings pathName{L"__PATH"};
         ok = SUCCEEDED(instance->Get(pathName[0], 0, &path, nullptr, nullptr)) &&
-             SUCCEEDED(services->ExecMethod(path.bstrVal, names[2], 0, nullptr, inParams,
-                                            nullptr, nullptr));
+             SUCCEEDED(services->ExecMethod(path.bstrVal, names[2], 0, nullptr, inParams, nullptr,
+                                            nullptr));
     }
     VariantClear(&path);
     release(inParams);
@@ -137,8 +137,7 @@ bool setBrightnessOn(IWbemServices *services, IWbemClassObject *instance, const 
 
 int queryCurrentBrightness(IWbemServices *services)
 {
-    IEnumWbemClassObject *instances =
-        execQuery(services, L"Select * from WmiMonitorBrightness");
+    IEnumWbemClassObject *instances = execQuery(services, L"Select * from WmiMonitorBrightness");
     if (!instances)
         return -1;
     int result = -1;

@@ -85,24 +85,23 @@ std::optional<std::vector<std::string>> queryStrings(const QueryText &text)
     const BstrText wmiNamespace(L"ROOT\\CIMV2");
     const BstrText language(L"WQL");
     const BstrText wql(text.wql);
-    if (FAILED(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER,
-                                IID_IWbemLocator, locator.outVoid())) ||
+    if (FAILED(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                                locator.outVoid())) ||
         FAILED(locator->ConnectServer(wmiNamespace.get(), nullptr, nullptr, nullptr, 0, nullptr,
                                       nullptr, services.out())) ||
         FAILED(CoSetProxyBlanket(services.get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                  RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,
                                  EOAC_NONE)) ||
         FAILED(services->ExecQuery(language.get(), wql.get(),
-                                   WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY,
-                                   nullptr, rows.out())))
+                                   WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
+                                   rows.out())))
         return std::nullopt;
 
     std::vector<std::string> values;
     for (;;) {
         ComRef<IWbemClassObject> row;
         ULONG returned = 0;
-        if (rows->Next(WBEM_INFINITE, 1, row.out(), &returned) != WBEM_S_NO_ERROR ||
-            returned == 0)
+        if (rows->Next(WBEM_INFINITE, 1, row.out(), &returned) != WBEM_S_NO_ERROR || returned == 0)
             break;
         VARIANT value;
         VariantInit(&value);
@@ -139,8 +138,8 @@ WmicRun runInstalledWmic(const std::wstring &commandLine, int timeoutMs)
     return WmicRun{true, runAndRead(commandLine, timeoutMs)};
 }
 
-std::optional<std::string> answerIdentificationQuery(const std::wstring &commandLine,
-                                                     int timeoutMs, const WmicRunner &runWmic)
+std::optional<std::string> answerIdentificationQuery(const std::wstring &commandLine, int timeoutMs,
+                                                     const WmicRunner &runWmic)
 {
     const auto query = identificationQuery(commandLine);
     if (!query)

@@ -33,8 +33,7 @@ using WmicRunner = std::function<WmicRun(const std::wstring &commandLine, int ti
 WmicRun runInstalledWmic(const std::wstring &commandLine, int timeoutMs);
 
 // The query's text as UTF-8 (header line, value lines), or nothing for any other command line.
-std::optional<std::string> answerIdentificationQuery(const std::wstring &commandLine,
-                                                     int timeoutMs,
+std::optional<std::string> answerIdentificationQuery(const std::wstring &commandLine, int timeoutMs,
                                                      const WmicRunner &runWmic = runInstalledWmic);
 
 } // namespace varnel::win

@@ -201,8 +201,8 @@ private slots:
         QTest::newRow("unbalanced") << quint32(PA_VOLUME_NORM) << 0u << 50u;
         QTest::newRow("half step rounds up") << 327u << 327u << 0u;
         QTest::newRow("just over half") << 328u << 328u << 1u;
-        QTest::newRow("above nominal") << quint32(PA_VOLUME_NORM * 3 / 2)
-                                       << quint32(PA_VOLUME_NORM * 3 / 2) << 150u;
+        QTest::newRow("above nominal")
+            << quint32(PA_VOLUME_NORM * 3 / 2) << quint32(PA_VOLUME_NORM * 3 / 2) << 150u;
     }
 
     void percentIsTheRoundedMean()
@@ -248,21 +248,22 @@ private slots:
         QTest::addColumn<int>("available");
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("headphones");
-        QTest::newRow("plugged headphones") << int(PA_DEVICE_PORT_TYPE_HEADPHONES)
-                                            << int(PA_PORT_AVAILABLE_YES) << "analog-output" << true;
-        QTest::newRow("no jack detection") << int(PA_DEVICE_PORT_TYPE_HEADPHONES)
-                                           << int(PA_PORT_AVAILABLE_UNKNOWN) << "x" << true;
-        QTest::newRow("unplugged") << int(PA_DEVICE_PORT_TYPE_HEADPHONES)
-                                   << int(PA_PORT_AVAILABLE_NO) << "analog-output-headphones"
-                                   << false;
+        QTest::newRow("plugged headphones")
+            << int(PA_DEVICE_PORT_TYPE_HEADPHONES) << int(PA_PORT_AVAILABLE_YES) << "analog-output"
+            << true;
+        QTest::newRow("no jack detection")
+            << int(PA_DEVICE_PORT_TYPE_HEADPHONES) << int(PA_PORT_AVAILABLE_UNKNOWN) << "x" << true;
+        QTest::newRow("unplugged")
+            << int(PA_DEVICE_PORT_TYPE_HEADPHONES) << int(PA_PORT_AVAILABLE_NO)
+            << "analog-output-headphones" << false;
         QTest::newRow("speaker") << int(PA_DEVICE_PORT_TYPE_SPEAKER) << int(PA_PORT_AVAILABLE_YES)
                                  << "analog-output-speaker" << false;
-        QTest::newRow("untyped, named") << int(PA_DEVICE_PORT_TYPE_UNKNOWN)
-                                        << int(PA_PORT_AVAILABLE_YES)
-                                        << "analog-output-headphones" << true;
-        QTest::newRow("typed speaker named like one") << int(PA_DEVICE_PORT_TYPE_SPEAKER)
-                                                      << int(PA_PORT_AVAILABLE_YES)
-                                                      << "headphone-speaker" << false;
+        QTest::newRow("untyped, named")
+            << int(PA_DEVICE_PORT_TYPE_UNKNOWN) << int(PA_PORT_AVAILABLE_YES)
+            << "analog-output-headphones" << true;
+        QTest::newRow("typed speaker named like one")
+            << int(PA_DEVICE_PORT_TYPE_SPEAKER) << int(PA_PORT_AVAILABLE_YES) << "headphone-speaker"
+            << false;
     }
 
     void headphonePorts()

@@ -68,9 +68,9 @@ private slots:
             QSKIP("GNOME's sound schema is not installed");
         QVERIFY(eventSounds->setBoolean(eventSoundsOn));
         SoundSchemeStore store(std::make_shared<UserStoreRegistry>(), eventSounds);
-        QCOMPARE(store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None"))
-                     .toString(),
-                 marker);
+        QCOMPARE(
+            store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None")).toString(),
+            marker);
     }
 
     void eventValuesLiveInTheUserStore()
@@ -78,9 +78,9 @@ private slots:
         auto userStore = std::make_shared<UserStoreRegistry>();
         SoundSchemeStore store(userStore, nullptr);
         QVERIFY(!store.contains(kSchemes, QStringLiteral("Default")));
-        QCOMPARE(store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None"))
-                     .toString(),
-                 QStringLiteral(".None"));
+        QCOMPARE(
+            store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None")).toString(),
+            QStringLiteral(".None"));
         store.setValue(kEvent, QStringLiteral("Default"), QString());
         store.setValue(kSchemes, QStringLiteral("Default"), QStringLiteral(".Default"));
         QCOMPARE(userStore->value(kEvent, QStringLiteral("Default"), QStringLiteral("x")),

@@ -135,9 +135,9 @@ std::string row(int id, const std::string &value)
         minimum = "8";
         maximum = "80";
     }
-    return column(std::to_string(id), 13) + column(kSettings.at(id).name, 31) +
-           column(shown, 12) + column(minimum, 11) + column(maximum, 11) + column("N/A", 12) +
-           column("0", 10) + "\n\r\n";
+    return column(std::to_string(id), 13) + column(kSettings.at(id).name, 31) + column(shown, 12) +
+           column(minimum, 11) + column(maximum, 11) + column("N/A", 12) + column("0", 10) +
+           "\n\r\n";
 }
 
 bool beyondCores(int id)

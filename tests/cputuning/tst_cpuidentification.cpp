@@ -63,15 +63,28 @@ void CpuIdentificationTest::cleaning_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("wmic layout") << wmicOutput("Name", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz")
-                                 << "Name" << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz";
-    QTest::newRow("model") << wmicOutput("Model", "P95_96_97Ex") << "Model" << "P95_96_97Ex";
-    QTest::newRow("line feed, tab, return as one piece")
-        << "Name\n\t\rIntel Core i7-7700K\n\t\r" << "Name" << "Intel Core i7-7700K";
-    QTest::newRow("removed until none is left") << "\n\t\n\t\r\rX\n\t\r" << "Name" << "X";
-    QTest::newRow("header anywhere") << "Name  \r\nNameless NameCPU  " << "Name" << "less CPU";
-    QTest::newRow("header formed by a removal") << "NaNameme X" << "Name" << "X";
-    QTest::newRow("header case counts") << "Name\r\nname NAME" << "Name" << "name NAME";
-    QTest::newRow("no output") << "" << "Model" << "";
+                                 << "Name"
+                                 << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz";
+    QTest::newRow("model") << wmicOutput("Model", "P95_96_97Ex") << "Model"
+                           << "P95_96_97Ex";
+    QTest::newRow("line feed, tab, return as one piece") << "Name\n\t\rIntel Core i7-7700K\n\t\r"
+                                                         << "Name"
+                                                         << "Intel Core i7-7700K";
+    QTest::newRow("removed until none is left") << "\n\t\n\t\r\rX\n\t\r"
+                                                << "Name"
+                                                << "X";
+    QTest::newRow("header anywhere") << "Name  \r\nNameless NameCPU  "
+                                     << "Name"
+                                     << "less CPU";
+    QTest::newRow("header formed by a removal") << "NaNameme X"
+                                                << "Name"
+                                                << "X";
+    QTest::newRow("header case counts") << "Name\r\nname NAME"
+                                        << "Name"
+                                        << "name NAME";
+    QTest::newRow("no output") << ""
+                               << "Model"
+                               << "";
 }
 
 void CpuIdentificationTest::cleaning()
@@ -88,37 +101,73 @@ void CpuIdentificationTest::profileTable_data()
     QTest::addColumn<QString>("file"); // empty: unsupported
     QTest::addColumn<int>("cores");
 
-    QTest::newRow("1 7700K") << "Intel(R) Core(TM) i7-7700K CPU @ 4.20GHz" << "" << "7700K" << 4;
-    QTest::newRow("2 7700HQ") << "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz" << "P750DM2"
+    QTest::newRow("1 7700K") << "Intel(R) Core(TM) i7-7700K CPU @ 4.20GHz"
+                             << ""
+                             << "7700K" << 4;
+    QTest::newRow("2 7700HQ") << "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz"
+                              << "P750DM2"
                               << "7700HQ" << 0;
-    QTest::newRow("3 8750H") << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz" << "P65_P67RGRERA"
+    QTest::newRow("3 8750H") << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"
+                             << "P65_P67RGRERA"
                              << "8750H" << 6;
-    QTest::newRow("4 8850H") << "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz" << "P75xTP1"
+    QTest::newRow("4 8850H") << "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz"
+                             << "P75xTP1"
                              << "8850H" << 6;
     QTest::newRow("5 8750H in a P95") << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"
-                                      << "P95_96_97Ex" << "8750H_P950" << 6;
+                                      << "P95_96_97Ex"
+                                      << "8750H_P950" << 6;
     QTest::newRow("6 8750H in an N8") << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"
-                                      << "N8xxEP6" << "8750H_N8" << 6;
-    QTest::newRow("7 8700K") << "Intel(R) Core(TM) i7-8700K CPU @ 3.70GHz" << "" << "8700K" << 6;
-    QTest::newRow("8 9900K") << "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz" << "" << "9900K" << 8;
-    QTest::newRow("9 8086K") << "Intel(R) Core(TM) i7-8086K CPU @ 4.00GHz" << "" << "8086K" << 6;
-    QTest::newRow("10 8600K") << "Intel(R) Core(TM) i5-8600K CPU @ 3.60GHz" << "" << "8600K" << 6;
-    QTest::newRow("11 6700K") << "Intel(R) Core(TM) i7-6700K CPU @ 4.00GHz" << "" << "6700K" << 4;
-    QTest::newRow("12 8700") << "Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz" << "" << "8700" << 6;
-    QTest::newRow("13 9700K") << "Intel(R) Core(TM) i7-9700K CPU @ 3.60GHz" << "" << "9700K" << 8;
-    QTest::newRow("14 9750H") << "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz" << "" << "9750H" << 6;
-    QTest::newRow("15 10875H") << "Intel(R) Core(TM) i7-10875H CPU @ 2.30GHz" << "" << "10875H"
-                               << 8;
+                                      << "N8xxEP6"
+                                      << "8750H_N8" << 6;
+    QTest::newRow("7 8700K") << "Intel(R) Core(TM) i7-8700K CPU @ 3.70GHz"
+                             << ""
+                             << "8700K" << 6;
+    QTest::newRow("8 9900K") << "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz"
+                             << ""
+                             << "9900K" << 8;
+    QTest::newRow("9 8086K") << "Intel(R) Core(TM) i7-8086K CPU @ 4.00GHz"
+                             << ""
+                             << "8086K" << 6;
+    QTest::newRow("10 8600K") << "Intel(R) Core(TM) i5-8600K CPU @ 3.60GHz"
+                              << ""
+                              << "8600K" << 6;
+    QTest::newRow("11 6700K") << "Intel(R) Core(TM) i7-6700K CPU @ 4.00GHz"
+                              << ""
+                              << "6700K" << 4;
+    QTest::newRow("12 8700") << "Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz"
+                             << ""
+                             << "8700" << 6;
+    QTest::newRow("13 9700K") << "Intel(R) Core(TM) i7-9700K CPU @ 3.60GHz"
+                              << ""
+                              << "9700K" << 8;
+    QTest::newRow("14 9750H") << "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz"
+                              << ""
+                              << "9750H" << 6;
+    QTest::newRow("15 10875H") << "Intel(R) Core(TM) i7-10875H CPU @ 2.30GHz"
+                               << ""
+                               << "10875H" << 8;
 
     QTest::newRow("8750H, model not known yet") << "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"
-                                                << "" << "8750H" << 6;
+                                                << ""
+                                                << "8750H" << 6;
     QTest::newRow("8850H in a P95 is left out") << "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz"
-                                                << "P95_96_97Ex" << "" << 0;
-    QTest::newRow("8700K is row 7, before row 12") << "8700K CPU @ 3.20GHz" << "" << "8700K" << 6;
-    QTest::newRow("tests are case-sensitive") << "Intel(R) Core(TM) i7-8750h" << "" << "" << 0;
-    QTest::newRow("model test is case-sensitive") << "i7-8750H" << "p95" << "8750H" << 6;
-    QTest::newRow("AMD") << "AMD Ryzen 7 4800H with Radeon Graphics" << "" << "" << 0;
-    QTest::newRow("nothing reported") << "" << "" << "" << 0;
+                                                << "P95_96_97Ex"
+                                                << "" << 0;
+    QTest::newRow("8700K is row 7, before row 12") << "8700K CPU @ 3.20GHz"
+                                                   << ""
+                                                   << "8700K" << 6;
+    QTest::newRow("tests are case-sensitive") << "Intel(R) Core(TM) i7-8750h"
+                                              << ""
+                                              << "" << 0;
+    QTest::newRow("model test is case-sensitive") << "i7-8750H"
+                                                  << "p95"
+                                                  << "8750H" << 6;
+    QTest::newRow("AMD") << "AMD Ryzen 7 4800H with Radeon Graphics"
+                         << ""
+                         << "" << 0;
+    QTest::newRow("nothing reported") << ""
+                                      << ""
+                                      << "" << 0;
 }
 
 void CpuIdentificationTest::profileTable()
@@ -142,9 +191,18 @@ void CpuIdentificationTest::startupLimitsComeFromThePlainProfileButRecommendedSe
     identifyAs(fake, "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex");
     writeProfile(folder, "8750H", {{"max", 360}, {"unlimited", "90"}, {"undervolt", 40}});
     writeProfile(folder, "8750H_P950",
-                 {{"max", 720},     {"undervolt", 80}, {"boostpower", 300}, {"turbotime", 56},
-                  {"core1", 43},    {"core2", 42},     {"core3", 41},       {"core4", 40},
-                  {"core5", 40},    {"core6", 39},     {"core7", 38},       {"core8", 37}});
+                 {{"max", 720},
+                  {"undervolt", 80},
+                  {"boostpower", 300},
+                  {"turbotime", 56},
+                  {"core1", 43},
+                  {"core2", 42},
+                  {"core3", 41},
+                  {"core4", 40},
+                  {"core5", 40},
+                  {"core6", 39},
+                  {"core7", 38},
+                  {"core8", 37}});
 
     MainWindow w(fake.bundle());
     Ui::MainWindow *ui = w.form();
@@ -187,14 +245,16 @@ void CpuIdentificationTest::turboLimits_data()
     QTest::addColumn<QString>("topLabel");
     QTest::addColumn<QString>("highestFiniteLabel");
 
-    QTest::newRow("profile limits") << QVariantMap{{"max", 360}, {"unlimited", "200"}} << 361
-                                    << "200W" << "45W";
-    QTest::newRow("no unlimited figure")
-        << QVariantMap{{"max", 360}} << 361 << "4095.875W" << "45W";
+    QTest::newRow("profile limits")
+        << QVariantMap{{"max", 360}, {"unlimited", "200"}} << 361 << "200W"
+        << "45W";
+    QTest::newRow("no unlimited figure") << QVariantMap{{"max", 360}} << 361 << "4095.875W"
+                                         << "45W";
     // 8000 steps are 1000000 mW, whose fixed text loses its zeros like every other figure.
     QTest::newRow("max 0") << QVariantMap{{"max", 0}, {"unlimited", "200"}} << 8001 << "200W"
                            << "1W";
-    QTest::newRow("no profile file") << QVariantMap{} << 8001 << "4095.875W" << "1W";
+    QTest::newRow("no profile file") << QVariantMap{} << 8001 << "4095.875W"
+                                     << "1W";
 }
 
 void CpuIdentificationTest::turboLimits()
@@ -266,8 +326,9 @@ void CpuIdentificationTest::profileWithoutCoreRatiosLeavesTheSpinBoxes()
     FakePlatform fake;
     TestFolder folder;
     identifyAs(fake, "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz", "");
-    writeProfile(folder, "7700HQ", {{"max", 360}, {"undervolt", 70}, {"boostpower", 280},
-                                    {"turbotime", 28}, {"core1", 38}});
+    writeProfile(
+        folder, "7700HQ",
+        {{"max", 360}, {"undervolt", 70}, {"boostpower", 280}, {"turbotime", 28}, {"core1", 38}});
     MainWindow w(fake.bundle());
     Ui::MainWindow *ui = w.form();
     ui->Core1Spin->setValue(30);

@@ -84,7 +84,8 @@ void ProcessCommandsTest::identificationInWmicShape()
     const QString cpu = table.run("wmic cpu get Name").value_or(QString());
     QVERIFY(cpu.startsWith("Name "));
     QCOMPARE(cpu.count("\r\n"), 3);
-    QCOMPARE(cleanWmicText(cpu, "Name"), QStringLiteral("Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"));
+    QCOMPARE(cleanWmicText(cpu, "Name"),
+             QStringLiteral("Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"));
     const QString model = table.run("wmic computersystem get model").value_or(QString());
     QVERIFY(model.startsWith("Model "));
     QCOMPARE(cleanWmicText(model, "Model"), QStringLiteral("P95_96_97Ex"));
@@ -119,8 +120,8 @@ void ProcessCommandsTest::taskListNamesRunningImages()
     for (const QString &line : lines.mid(2))
         images << line.section(' ', 0, 0);
     QCOMPARE(images.size(), 5);
-    for (const QString &image : {"varnel-helper", "ThrottleStop.exe", "throttlestop.exe",
-                                 "kworker/0:1"})
+    for (const QString &image :
+         {"varnel-helper", "ThrottleStop.exe", "throttlestop.exe", "kworker/0:1"})
         QVERIFY2(images.contains(image), qPrintable(image));
     QVERIFY(list.contains(QRegularExpression("ThrottleStop\\.exe +102 ")));
     QVERIFY(fixture.killed.isEmpty());

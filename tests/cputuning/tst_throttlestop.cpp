@@ -90,7 +90,8 @@ void ThrottleStopTest::statusFollowsTheProcessList_data()
     QTest::newRow("running") << kRunning << "Status: TS is running!" << true;
     QTest::newRow("not running") << "\r\nImage Name  PID\r\nexplorer.exe  12\r\n"
                                  << "Status: TS is not running!" << false;
-    QTest::newRow("no process list") << "" << "Status: TS is not running!" << false;
+    QTest::newRow("no process list") << ""
+                                     << "Status: TS is not running!" << false;
 }
 
 void ThrottleStopTest::statusFollowsTheProcessList()
@@ -145,8 +146,7 @@ void ThrottleStopTest::openAndKill()
     QCOMPARE(fake.dialogs->shown.last().text,
              QStringLiteral("All instances of ThrottleStop were killed.\n"));
     QCOMPARE(fake.dialogs->shown.last().icon, QMessageBox::Information);
-    QCOMPARE(fake.dialogs->shown.last().buttons,
-             QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(fake.dialogs->shown.last().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QCOMPARE(ui->Label_TSstatus->text(), QStringLiteral("Status: TS is not running!"));
     QVERIFY(!ui->Button_KillTS->isEnabled());
 }
@@ -223,7 +223,8 @@ void ThrottleStopTest::chosenSettingsFileReplacesThrottleStopsOwn()
     ui->Browser_SettingsTS->click();
     QCOMPARE(ui->Label_TSSettings_Name->text(), chosen);
     QVERIFY(ui->Button_ApplyTSsettings->isEnabled());
-    QCOMPARE(readFile(folder.file("ThrottleStop.ini")), QByteArray("[ThrottleStop]\nprofile=gaming\n"));
+    QCOMPARE(readFile(folder.file("ThrottleStop.ini")),
+             QByteArray("[ThrottleStop]\nprofile=gaming\n"));
 
     fake.log->clear();
     ui->Button_ApplyTSsettings->click();
@@ -259,8 +260,7 @@ void ThrottleStopTest::startWithSystemTask()
     fake.log->clear();
     ui->Check_StartTScheck->click();
     ui->Check_StartTScheck->click();
-    QCOMPARE(fake.log->entries,
-             QStringList({"start: " + kTaskCreate, "start: " + kTaskDelete}));
+    QCOMPARE(fake.log->entries, QStringList({"start: " + kTaskCreate, "start: " + kTaskDelete}));
     QCOMPARE(folder.ini("settings/varnel.ini", "Check_StartTScheck").toBool(), false);
     ui->Check_StartTScheck->click();
     QCOMPARE(folder.ini("settings/varnel.ini", "Check_StartTScheck").toBool(), true);

@@ -56,8 +56,8 @@ void TuningChainsTest::startupReadShowsTheClientsValues()
     QVERIFY(rig.writes().isEmpty());
     const int service = rig.fake.log->indexOf("process: " + xtu::serviceStart);
     QVERIFY(service >= 0);
-    QVERIFY(service < rig.fake.log->indexOf(
-                          QStringLiteral("process: %1 -t -id 34").arg(xtu::clientProgram)));
+    QVERIFY(service <
+            rig.fake.log->indexOf(QStringLiteral("process: %1 -t -id 34").arg(xtu::clientProgram)));
 
     QCOMPARE(ui->undervolt_slider->value(), 0);
     QCOMPARE(ui->Label_UnderVolt_Value->text(), QStringLiteral("0mV"));
@@ -229,7 +229,7 @@ void TuningChainsTest::fourCoreProcessorHidesAndSkipsCoresFiveToEight()
     Ui::MainWindow *ui = rig.ui();
     CpuTuning *cpu = rig.cpu();
     QVERIFY(cpu->coreRowsMissing);
-    const QList<QWidget *> hidden = {ui->Label_Core5, ui->Core5Spin, ui->Label_Core6,
+    const QList<QWidget *> hidden = {ui->Label_Core5, ui->Core5Spin,   ui->Label_Core6,
                                      ui->Core6Spin,   ui->Label_Core7, ui->Core7Spin,
                                      ui->Label_Core8, ui->Core8Spin};
     for (QWidget *widget : hidden)
@@ -383,9 +383,9 @@ void TuningChainsTest::manageCpuSwitchedOn()
     rig.start();
     Ui::MainWindow *ui = rig.ui();
     QVERIFY(!ui->checkBox_DontManageCPU->isChecked());
-    for (QWidget *off : QList<QWidget *>{ui->frame_2, ui->frame_3, ui->pushButton,
-                                         ui->Check_PreventXTU, ui->Button_ApplyValues,
-                                         ui->turbo_override})
+    for (QWidget *off :
+         QList<QWidget *>{ui->frame_2, ui->frame_3, ui->pushButton, ui->Check_PreventXTU,
+                          ui->Button_ApplyValues, ui->turbo_override})
         QVERIFY2(!switchedOn(off), qPrintable(off->objectName()));
     QVERIFY(!rig.fake.scheduler->history.contains(QStringLiteral("120000 getxtuvalues")));
     QVERIFY(rig.fake.log->withPrefix("process:").isEmpty());
@@ -413,9 +413,9 @@ void TuningChainsTest::manageCpuSwitchedOn()
     QVERIFY(ui->checkBox_DontManageCPU->isChecked());
     QCOMPARE(rig.fake.log->withPrefix("run: " + xtu::driverInstaller).size(), 1);
     QCOMPARE(rig.savedValue("DontManageCPU").toBool(), true);
-    for (QWidget *on : QList<QWidget *>{ui->frame_2, ui->frame_3, ui->pushButton,
-                                        ui->Check_PreventXTU, ui->turbo_override,
-                                        ui->power_mode_turbo_boost})
+    for (QWidget *on :
+         QList<QWidget *>{ui->frame_2, ui->frame_3, ui->pushButton, ui->Check_PreventXTU,
+                          ui->turbo_override, ui->power_mode_turbo_boost})
         QVERIFY2(switchedOn(on), qPrintable(on->objectName()));
     QVERIFY(rig.waitForReadChains(1));
     QCOMPARE(ui->Slider_TurboBoost->value(), 360);

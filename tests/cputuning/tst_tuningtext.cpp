@@ -7,8 +7,9 @@
 
 namespace {
 
-const QString kHeader = QStringLiteral("\r\nID           Name                           Value[Unit] "
-                                       "Min        Max        Multipliers Item Count\n\r\n");
+const QString kHeader =
+    QStringLiteral("\r\nID           Name                           Value[Unit] "
+                   "Min        Max        Multipliers Item Count\n\r\n");
 
 QString undervoltRow(const QString &value)
 {
@@ -19,8 +20,9 @@ QString undervoltRow(const QString &value)
 
 QString powerRow(const QString &value, const QString &maximum = QStringLiteral("4095.875W"))
 {
-    return QStringLiteral("48           Turbo Boost Power Max          %1 8W         %2 N/A         "
-                          "0         \n\r\n")
+    return QStringLiteral(
+               "48           Turbo Boost Power Max          %1 8W         %2 N/A         "
+               "0         \n\r\n")
         .arg(value.leftJustified(11), maximum.leftJustified(10));
 }
 
@@ -34,11 +36,11 @@ QString timeRow(const QString &value, const QString &minimum, const QString &max
 QString coreRow(int id, int cores, const QString &value, const QString &minimum,
                 const QString &maximum)
 {
-    const QString name = cores == 1 ? QStringLiteral("1 Active Core")
-                                    : QStringLiteral("%1 Active Cores").arg(cores);
+    const QString name =
+        cores == 1 ? QStringLiteral("1 Active Core") : QStringLiteral("%1 Active Cores").arg(cores);
     return QStringLiteral("%1%2%3%4%5N/A         0         \n\r\n")
-        .arg(QString::number(id).leftJustified(13), name.leftJustified(31),
-             value.leftJustified(12), minimum.leftJustified(11), maximum.leftJustified(11));
+        .arg(QString::number(id).leftJustified(13), name.leftJustified(31), value.leftJustified(12),
+             minimum.leftJustified(11), maximum.leftJustified(11));
 }
 
 } // namespace
@@ -87,9 +89,10 @@ void TuningTextTest::turboPowerText_data()
     QTest::newRow("three-digit watts") << 1000 << 8000 << fallback << "125";
     QTest::newRow("below one watt") << 7 << 360 << fallback << "0.875";
     QTest::newRow("unlimited position") << 361 << 360 << fallback << "4095.875";
-    QTest::newRow("unlimited from the profile") << 361 << 360 << "255" << "255";
-    QTest::newRow("1000000 mW is the fixed text, stripped") << 8000 << 8000 << fallback << "1";
-    QTest::newRow("above 1000000 mW likewise") << 8000 << 9000 << fallback << "1";
+    QTest::newRow("unlimited from the profile") << 361 << 360 << "255"
+                                                << "255";
+    QTest::newRow("1000000 mW is the fixed whole figure") << 8000 << 8000 << fallback << "1000";
+    QTest::newRow("above 1000000 mW likewise") << 8000 << 9000 << fallback << "1000";
     QTest::newRow("default top position is unlimited") << 8001 << 8000 << fallback << "4095.875";
 }
 
@@ -128,9 +131,12 @@ void TuningTextTest::undervoltParser_data()
 
     QTest::newRow("100 mV undervolt") << kHeader + undervoltRow("-100 mV") << 100 << "-100mV"
                                       << "-100";
-    QTest::newRow("no undervolt") << kHeader + undervoltRow("0 mV") << 0 << "0mV" << "0";
-    QTest::newRow("unit attached") << kHeader + undervoltRow("-35mV") << 35 << "-35mV" << "-35";
-    QTest::newRow("header missing") << undervoltRow("-80 mV") << 80 << "-80mV" << "-80";
+    QTest::newRow("no undervolt") << kHeader + undervoltRow("0 mV") << 0 << "0mV"
+                                  << "0";
+    QTest::newRow("unit attached") << kHeader + undervoltRow("-35mV") << 35 << "-35mV"
+                                   << "-35";
+    QTest::newRow("header missing") << undervoltRow("-80 mV") << 80 << "-80mV"
+                                    << "-80";
 }
 
 void TuningTextTest::undervoltParser()
@@ -152,14 +158,14 @@ void TuningTextTest::turboPowerParser_data()
     QTest::addColumn<QString>("read");
 
     QTest::newRow("whole watts") << kHeader + powerRow("45W") << false << "45W" << 360 << "45";
-    QTest::newRow("eighths of a watt") << kHeader + powerRow("37.625W") << false << "37.625W"
-                                       << 301 << "37,625";
-    QTest::newRow("decimal comma") << kHeader + powerRow("45,5W", "4095,875W") << true << "45.5W"
-                                   << 364 << "45,5";
+    QTest::newRow("eighths of a watt")
+        << kHeader + powerRow("37.625W") << false << "37.625W" << 301 << "37,625";
+    QTest::newRow("decimal comma")
+        << kHeader + powerRow("45,5W", "4095,875W") << true << "45.5W" << 364 << "45,5";
     QTest::newRow("comma only in the limit column")
         << kHeader + powerRow("45W", "4095,875W") << true << "45W" << 360 << "45";
-    QTest::newRow("unlimited") << kHeader + powerRow("4095.875W") << false << "4095.875W"
-                               << 32767 << "4095,875";
+    QTest::newRow("unlimited") << kHeader + powerRow("4095.875W") << false << "4095.875W" << 32767
+                               << "4095,875";
 }
 
 void TuningTextTest::turboPowerParser()
@@ -180,10 +186,10 @@ void TuningTextTest::turboTimeParser_data()
     QTest::addColumn<QString>("label");
     QTest::addColumn<int>("value");
 
-    QTest::newRow("28.0 seconds") << kHeader + timeRow("28.0", "1.0", "128.0") << 128
-                                  << "28.0Sec" << 28;
-    QTest::newRow("decimal comma") << kHeader + timeRow("56,0", "1,0", "128,0") << 128
-                                   << "56.0Sec" << 56;
+    QTest::newRow("28.0 seconds") << kHeader + timeRow("28.0", "1.0", "128.0") << 128 << "28.0Sec"
+                                  << 28;
+    QTest::newRow("decimal comma")
+        << kHeader + timeRow("56,0", "1,0", "128,0") << 128 << "56.0Sec" << 56;
     QTest::newRow("whole seconds") << kHeader + timeRow("8", "1", "96") << 96 << "8Sec" << 8;
 }
 
@@ -209,14 +215,14 @@ void TuningTextTest::coreRatioParser_data()
     for (int cores = 1; cores <= 8; ++cores) {
         const int ratio = 52 - cores;
         QTest::addRow("%d active", cores)
-            << cores << kHeader + coreRow(ids[cores - 1], cores, QStringLiteral("%1x").arg(ratio),
-                                          "8", "80")
+            << cores
+            << kHeader + coreRow(ids[cores - 1], cores, QStringLiteral("%1x").arg(ratio), "8", "80")
             << 8 << 80 << ratio;
     }
     QTest::newRow("a fractional ratio is no whole number: 0")
         << 3 << kHeader + coreRow(31, 3, "44,0x", "8", "83") << 8 << 83 << 0;
-    QTest::newRow("non-numeric limits read as 0") << 2 << kHeader + coreRow(30, 2, "45x", "-", "-")
-                                                  << 0 << 0 << 45;
+    QTest::newRow("non-numeric limits read as 0")
+        << 2 << kHeader + coreRow(30, 2, "45x", "-", "-") << 0 << 0 << 45;
 }
 
 void TuningTextTest::coreRatioParser()

@@ -95,11 +95,11 @@ private slots:
         QTest::addColumn<quint32>("value");
         QTest::addColumn<QStringList>("log");
         const QStringList read{"read 4 16"};
-        QTest::newRow("new value") << true << 50u << 100u << 70u
-                                   << (read + QStringList{"write 4 16 70"});
+        QTest::newRow("new value")
+            << true << 50u << 100u << 70u << (read + QStringList{"write 4 16 70"});
         QTest::newRow("equal to current") << true << 70u << 100u << 70u << read;
-        QTest::newRow("at maximum") << true << 10u << 80u << 80u
-                                    << (read + QStringList{"write 4 16 80"});
+        QTest::newRow("at maximum")
+            << true << 10u << 80u << 80u << (read + QStringList{"write 4 16 80"});
         QTest::newRow("above maximum") << true << 10u << 80u << 81u << read;
         QTest::newRow("failed read") << false << 10u << 100u << 70u << read;
     }
@@ -122,15 +122,16 @@ private slots:
     void everyMonitorBehindTheScreenIsSet()
     {
         auto *bus = new ScriptedBus;
-        bus->monitors = {{display(3, QStringLiteral("eDP-1"))},
-                         {display(4, QStringLiteral("DP-1"))},
-                         {display(5, QString(), QStringLiteral("U2720Q"), QStringLiteral("ABC123"))},
-                         {display(6, QStringLiteral("HDMI-A-1"))}};
+        bus->monitors = {
+            {display(3, QStringLiteral("eDP-1"))},
+            {display(4, QStringLiteral("DP-1"))},
+            {display(5, QString(), QStringLiteral("U2720Q"), QStringLiteral("ABC123"))},
+            {display(6, QStringLiteral("HDMI-A-1"))}};
         DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
         control.request(kExternal, 0x10, 30);
         control.waitUntilIdle();
-        QCOMPARE(bus->takeLog(), QStringList({"read 4 16", "write 4 16 30", "read 5 16",
-                                              "write 5 16 30"}));
+        QCOMPARE(bus->takeLog(),
+                 QStringList({"read 4 16", "write 4 16 30", "read 5 16", "write 5 16 30"}));
     }
 
     void rapidMovesCollapseIntoTheLast()
@@ -150,8 +151,8 @@ private slots:
         bus->holdReads = false;
         bus->released.release(2);
         control.waitUntilIdle();
-        QCOMPARE(bus->takeLog(), QStringList({"read 4 16", "write 4 16 60", "read 4 16",
-                                              "write 4 16 90"}));
+        QCOMPARE(bus->takeLog(),
+                 QStringList({"read 4 16", "write 4 16 60", "read 4 16", "write 4 16 90"}));
     }
 
     void quietWithoutMonitorsAndProbesSparingly()
@@ -189,16 +190,46 @@ private slots:
         QTest::addColumn<QString>("serial");
         QTest::addColumn<QString>("screenName");
         QTest::addColumn<bool>("same");
-        QTest::newRow("same connector") << "DP-1" << "" << "" << "DP-1" << true;
-        QTest::newRow("X11 drops the HDMI kind") << "HDMI-A-1" << "" << "" << "HDMI-1" << true;
-        QTest::newRow("old X11 driver") << "HDMI-A-2" << "" << "" << "HDMI2" << true;
-        QTest::newRow("DVI kind") << "DVI-D-1" << "" << "" << "DVI-1" << true;
-        QTest::newRow("other port") << "DP-2" << "" << "" << "DP-1" << false;
-        QTest::newRow("DP vs eDP") << "eDP-1" << "" << "" << "DP-1" << false;
-        QTest::newRow("by EDID") << "" << "U2720Q" << "ABC123" << "XWAYLAND0" << true;
-        QTest::newRow("EDID without serial") << "" << "U2720Q" << "" << "XWAYLAND0" << true;
-        QTest::newRow("EDID other serial") << "" << "U2720Q" << "ZZZ" << "XWAYLAND0" << false;
-        QTest::newRow("nothing known") << "" << "" << "" << "" << false;
+        QTest::newRow("same connector") << "DP-1"
+                                        << ""
+                                        << ""
+                                        << "DP-1" << true;
+        QTest::newRow("X11 drops the HDMI kind") << "HDMI-A-1"
+                                                 << ""
+                                                 << ""
+                                                 << "HDMI-1" << true;
+        QTest::newRow("old X11 driver") << "HDMI-A-2"
+                                        << ""
+                                        << ""
+                                        << "HDMI2" << true;
+        QTest::newRow("DVI kind") << "DVI-D-1"
+                                  << ""
+                                  << ""
+                                  << "DVI-1" << true;
+        QTest::newRow("other port") << "DP-2"
+                                    << ""
+                                    << ""
+                                    << "DP-1" << false;
+        QTest::newRow("DP vs eDP") << "eDP-1"
+                                   << ""
+                                   << ""
+                                   << "DP-1" << false;
+        QTest::newRow("by EDID") << ""
+                                 << "U2720Q"
+                                 << "ABC123"
+                                 << "XWAYLAND0" << true;
+        QTest::newRow("EDID without serial") << ""
+                                             << "U2720Q"
+                                             << ""
+                                             << "XWAYLAND0" << true;
+        QTest::newRow("EDID other serial") << ""
+                                           << "U2720Q"
+                                           << "ZZZ"
+                                           << "XWAYLAND0" << false;
+        QTest::newRow("nothing known") << ""
+                                       << ""
+                                       << ""
+                                       << "" << false;
     }
 
     void sameMonitor()
@@ -208,8 +239,7 @@ private slots:
         QFETCH(QString, serial);
         QFETCH(QString, screenName);
         QFETCH(bool, same);
-        const ScreenIdentity screen{screenName, QStringLiteral("U2720Q"),
-                                    QStringLiteral("ABC123")};
+        const ScreenIdentity screen{screenName, QStringLiteral("U2720Q"), QStringLiteral("ABC123")};
         QCOMPARE(ddc::sameMonitor(display(1, connector, model, serial), screen), same);
     }
 

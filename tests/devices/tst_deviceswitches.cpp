@@ -92,8 +92,7 @@ private slots:
         w.form()->Radio_TouchpadOFF->click();
         QCOMPARE(deviceOperations(fake.log),
                  QStringList({"run: devcon.exe disable \"@" + kInstance + "\"",
-                              "registry set: " + kTouchpadKey + " Enabled = 0",
-                              "switch 3 = 0"}));
+                              "registry set: " + kTouchpadKey + " Enabled = 0", "switch 3 = 0"}));
     }
 
     void touchpadOnEnablesTheDeviceLast()
@@ -168,8 +167,9 @@ private slots:
         fake.log->clear();
         w.form()->Button_Camera->click();
         w.form()->Button_TouchpadSettings->click();
-        QCOMPARE(fake.log->entries, QStringList({"shown 1: explorer microsoft.windows.camera:",
-                                                 "shown 1: explorer ms-settings:devices-touchpad"}));
+        QCOMPARE(fake.log->entries,
+                 QStringList({"shown 1: explorer microsoft.windows.camera:",
+                              "shown 1: explorer ms-settings:devices-touchpad"}));
     }
 
     void windowsKeyBlockerFollowsItsBox()

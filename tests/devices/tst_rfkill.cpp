@@ -38,8 +38,8 @@ private slots:
 
     void missingDeviceFailsQuietly()
     {
-        QVERIFY(!rfkill::write(QStringLiteral("/nonexistent/rfkill"),
-                               rfkill::changeAllEvent(1, true)));
+        QVERIFY(
+            !rfkill::write(QStringLiteral("/nonexistent/rfkill"), rfkill::changeAllEvent(1, true)));
         LinuxDeviceSwitches switches(QStringLiteral("/nonexistent/rfkill"));
         switches.setSwitch(2, 1);
     }

@@ -1,7 +1,7 @@
 // The "Brightness" tab on the real window: refreshing from the panel, the slider writing it,
 // adaptive brightness, the two shortcuts and the provider install.
-#include "panelbrightnesscontrol.h"
 #include "../power/powerwindow.h"
+#include "panelbrightnesscontrol.h"
 
 #include <QMainWindow>
 #include <QtTest>
@@ -139,14 +139,13 @@ void PanelBrightnessTest::adaptiveBrightnessCommands()
         QFAIL("the box did not start from the stored opposite");
     const QString display = QStringLiteral(" SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
     const QString adaptive = display + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 " + value;
-    QCOMPARE(p.commands(),
-             (QStringList{"run: powercfg -setacvalueindex" + display +
-                              "aded5e82-b909-4619-9949-f5d71dac0bcb 55",
-                          "run: powercfg -setdcvalueindex" + display +
-                              "aded5e82-b909-4619-9949-f5d71dac0bcb 55",
-                          "shown 0: powercfg -setdcvalueindex" + adaptive,
-                          "shown 0: powercfg -setacvalueindex" + adaptive,
-                          "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+    QCOMPARE(p.commands(), (QStringList{"run: powercfg -setacvalueindex" + display +
+                                            "aded5e82-b909-4619-9949-f5d71dac0bcb 55",
+                                        "run: powercfg -setdcvalueindex" + display +
+                                            "aded5e82-b909-4619-9949-f5d71dac0bcb 55",
+                                        "shown 0: powercfg -setdcvalueindex" + adaptive,
+                                        "shown 0: powercfg -setacvalueindex" + adaptive,
+                                        "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
     QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), checked);
 }
 

@@ -55,11 +55,10 @@ void SysfsBacklightTest::choosesFirmwareOverPlatformOverRaw_data()
 {
     QTest::addColumn<QStringList>("devices"); // name:type
     QTest::addColumn<QString>("chosen");
-    QTest::newRow("firmware wins") << QStringList{"amdgpu_bl0:raw", "acpi_video0:firmware",
-                                                  "dell_backlight:platform"}
-                                   << "acpi_video0";
-    QTest::newRow("platform over raw") << QStringList{"intel_backlight:raw", "nv:platform"}
-                                       << "nv";
+    QTest::newRow("firmware wins")
+        << QStringList{"amdgpu_bl0:raw", "acpi_video0:firmware", "dell_backlight:platform"}
+        << "acpi_video0";
+    QTest::newRow("platform over raw") << QStringList{"intel_backlight:raw", "nv:platform"} << "nv";
     QTest::newRow("same type by name") << QStringList{"b:raw", "a:raw"} << "a";
     QTest::newRow("unknown type last") << QStringList{"odd:other", "z:raw"} << "z";
 }

@@ -61,14 +61,22 @@ void BatteryReadingsTest::statusOutputIsParsed_data()
     QTest::addColumn<QString>("output");
     QTest::addColumn<QString>("status");
     QTest::newRow("header, value, blank lines")
-        << "BatteryStatus  \r\r\n2              \r\r\n\r\r\n" << "AC Power";
-    QTest::newRow("charging") << "BatteryStatus\r\n6\r\n" << "Battery Charging";
-    QTest::newRow("code 10 shows nothing new") << "BatteryStatus  \r\r\n10  \r\r\n" << "...";
-    QTest::newRow("above 11") << "BatteryStatus  \r\r\n12  \r\r\n" << "...";
-    QTest::newRow("header only (no battery)") << "BatteryStatus  \r\r\n" << "...";
-    QTest::newRow("empty") << "" << "...";
-    QTest::newRow("an error text") << "No Instance(s) Available.\r\n" << "...";
-    QTest::newRow("two batteries run together") << "BatteryStatus\r\n2\r\n1\r\n" << "...";
+        << "BatteryStatus  \r\r\n2              \r\r\n\r\r\n"
+        << "AC Power";
+    QTest::newRow("charging") << "BatteryStatus\r\n6\r\n"
+                              << "Battery Charging";
+    QTest::newRow("code 10 shows nothing new") << "BatteryStatus  \r\r\n10  \r\r\n"
+                                               << "...";
+    QTest::newRow("above 11") << "BatteryStatus  \r\r\n12  \r\r\n"
+                              << "...";
+    QTest::newRow("header only (no battery)") << "BatteryStatus  \r\r\n"
+                                              << "...";
+    QTest::newRow("empty") << ""
+                           << "...";
+    QTest::newRow("an error text") << "No Instance(s) Available.\r\n"
+                                   << "...";
+    QTest::newRow("two batteries run together") << "BatteryStatus\r\n2\r\n1\r\n"
+                                                << "...";
 }
 
 void BatteryReadingsTest::statusOutputIsParsed()
@@ -84,10 +92,14 @@ void BatteryReadingsTest::chargeOutputIsParsed_data()
     QTest::addColumn<QString>("charge");
     QTest::newRow("87") << "EstimatedChargeRemaining  \r\r\n87                        \r\r\n\r\r\n"
                         << "87%";
-    QTest::newRow("full") << "EstimatedChargeRemaining\r\n100\r\n" << "100%";
-    QTest::newRow("empty reading") << "" << "%";
-    QTest::newRow("header only") << "EstimatedChargeRemaining  \r\r\n" << "%";
-    QTest::newRow("not checked for a number") << "Error:\r\nnone\r\n" << "Error:none%";
+    QTest::newRow("full") << "EstimatedChargeRemaining\r\n100\r\n"
+                          << "100%";
+    QTest::newRow("empty reading") << ""
+                                   << "%";
+    QTest::newRow("header only") << "EstimatedChargeRemaining  \r\r\n"
+                                 << "%";
+    QTest::newRow("not checked for a number") << "Error:\r\nnone\r\n"
+                                              << "Error:none%";
 }
 
 void BatteryReadingsTest::chargeOutputIsParsed()
@@ -112,16 +124,26 @@ void BatteryReadingsTest::powerSupplyStatusMapsToBatteryCodes_data()
     QTest::addColumn<QString>("status");
     QTest::addColumn<QString>("level");
     QTest::addColumn<int>("code");
-    QTest::newRow("discharging") << "Discharging" << "Normal" << 1;
-    QTest::newRow("discharging low") << "Discharging" << "Low" << 4;
-    QTest::newRow("discharging critical") << "Discharging" << "Critical" << 5;
-    QTest::newRow("charging") << "Charging" << "Normal" << 6;
-    QTest::newRow("charging high") << "Charging" << "High" << 7;
-    QTest::newRow("charging low") << "Charging" << "Low" << 8;
-    QTest::newRow("charging critical") << "Charging" << "Critical" << 9;
-    QTest::newRow("full") << "Full" << "Full" << 3;
-    QTest::newRow("held below a limit") << "Not charging" << "Normal" << 2;
-    QTest::newRow("unknown") << "Unknown" << "" << 2;
+    QTest::newRow("discharging") << "Discharging"
+                                 << "Normal" << 1;
+    QTest::newRow("discharging low") << "Discharging"
+                                     << "Low" << 4;
+    QTest::newRow("discharging critical") << "Discharging"
+                                          << "Critical" << 5;
+    QTest::newRow("charging") << "Charging"
+                              << "Normal" << 6;
+    QTest::newRow("charging high") << "Charging"
+                                   << "High" << 7;
+    QTest::newRow("charging low") << "Charging"
+                                  << "Low" << 8;
+    QTest::newRow("charging critical") << "Charging"
+                                       << "Critical" << 9;
+    QTest::newRow("full") << "Full"
+                          << "Full" << 3;
+    QTest::newRow("held below a limit") << "Not charging"
+                                        << "Normal" << 2;
+    QTest::newRow("unknown") << "Unknown"
+                             << "" << 2;
 }
 
 void BatteryReadingsTest::powerSupplyStatusMapsToBatteryCodes()
@@ -137,9 +159,15 @@ void BatteryReadingsTest::linuxRowsAnswerInTheToolsShape_data()
     QTest::addColumn<QString>("tree");
     QTest::addColumn<QString>("status");
     QTest::addColumn<QString>("charge");
-    QTest::newRow("charging") << "battery-charging" << "Battery Charging" << "87%";
-    QTest::newRow("full, beside a mouse battery") << "battery-full" << "Full Battery" << "100%";
-    QTest::newRow("absent: only a mouse battery") << "battery-absent" << "..." << "%";
+    QTest::newRow("charging") << "battery-charging"
+                              << "Battery Charging"
+                              << "87%";
+    QTest::newRow("full, beside a mouse battery") << "battery-full"
+                                                  << "Full Battery"
+                                                  << "100%";
+    QTest::newRow("absent: only a mouse battery") << "battery-absent"
+                                                  << "..."
+                                                  << "%";
 }
 
 void BatteryReadingsTest::linuxRowsAnswerInTheToolsShape()
@@ -150,7 +178,8 @@ void BatteryReadingsTest::linuxRowsAnswerInTheToolsShape()
     CommandTable table;
     addBatteryCommands(table, fixture(tree));
 
-    const auto statusOutput = table.run(QStringLiteral("WMIC Path Win32_Battery Get BatteryStatus"));
+    const auto statusOutput =
+        table.run(QStringLiteral("WMIC Path Win32_Battery Get BatteryStatus"));
     const auto chargeOutput =
         table.run(QStringLiteral("WMIC Path Win32_Battery Get EstimatedChargeRemaining"));
     QVERIFY(statusOutput && chargeOutput);

@@ -51,8 +51,8 @@ void drag(QWidget *widget, QPoint from, QPoint to)
     QMouseEvent press(QEvent::MouseButtonPress, widget->mapFromGlobal(from), from, Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(widget, &press);
-    QMouseEvent move(QEvent::MouseMove, widget->mapFromGlobal(to), to, Qt::NoButton,
-                     Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, widget->mapFromGlobal(to), to, Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
     QApplication::sendEvent(widget, &move);
 }
 
@@ -364,7 +364,8 @@ void DesktopWidgetsTest::batteryKeepsLabelsOnUnknownCodesAndNoBattery()
     }
 
     // No battery: the tool prints the header alone.
-    fake.commands->asyncOutputs[QLatin1String(kStateQuery)] = QStringLiteral("BatteryStatus  \r\r\n");
+    fake.commands->asyncOutputs[QLatin1String(kStateQuery)] =
+        QStringLiteral("BatteryStatus  \r\r\n");
     fake.commands->asyncOutputs[QLatin1String(kChargeQuery)] =
         QStringLiteral("EstimatedChargeRemaining  \r\r\n");
     batteryTick(widget, *fake.scheduler);
@@ -522,13 +523,15 @@ void DesktopWidgetsTest::colourBoxesAndSliders()
     ui->horizontalSliderResorcesFONTsize->setValue(12);
     QCOMPARE(ui->fontsize_label->text(), QStringLiteral("12px"));
     QCOMPARE(label(usage, "upload")->font().pointSize(), 12);
-    QCOMPARE(folder.ini(QLatin1String(kWidgetFile), QStringLiteral("resorceswidgetfontsize")).toInt(),
-             12);
+    QCOMPARE(
+        folder.ini(QLatin1String(kWidgetFile), QStringLiteral("resorceswidgetfontsize")).toInt(),
+        12);
     ui->horizontalSlider_Battery_FONTsize->setValue(10);
     QCOMPARE(ui->fontsize_battery->text(), QStringLiteral("10px"));
     QCOMPARE(label(battery, "charge")->font().pointSize(), 18);
-    QCOMPARE(folder.ini(QLatin1String(kWidgetFile), QStringLiteral("batterywidgetfontsize")).toInt(),
-             10);
+    QCOMPARE(
+        folder.ini(QLatin1String(kWidgetFile), QStringLiteral("batterywidgetfontsize")).toInt(),
+        10);
     delete battery;
 }
 

@@ -48,10 +48,10 @@ Card runningCard(int celsius, unsigned load, unsigned coreMHz, unsigned memoryMH
 
 QStringList gpu1Pass(int celsius, int load, int core, int memory, int pstate)
 {
-    return {QStringLiteral("GPU1PSTATE %1").arg(pstate), QStringLiteral("GPU1LOAD %1").arg(load),
-            QStringLiteral("GPU1CORECLOCK %1").arg(core),
-            QStringLiteral("GPU1MEMCLOCK %1").arg(memory), QStringLiteral("GPU1LOAD %1").arg(load),
-            QStringLiteral("GPU1TEMP %1").arg(celsius)};
+    return {
+        QStringLiteral("GPU1PSTATE %1").arg(pstate),  QStringLiteral("GPU1LOAD %1").arg(load),
+        QStringLiteral("GPU1CORECLOCK %1").arg(core), QStringLiteral("GPU1MEMCLOCK %1").arg(memory),
+        QStringLiteral("GPU1LOAD %1").arg(load),      QStringLiteral("GPU1TEMP %1").arg(celsius)};
 }
 
 const QStringList kZeros = {QStringLiteral("GPU1TEMP 0"), QStringLiteral("GPU1LOAD 0")};
@@ -88,10 +88,10 @@ void GpuMonitorTest::signalsAreDeclaredInOrder()
         if (meta.method(i).methodType() == QMetaMethod::Signal)
             names << QString::fromLatin1(meta.method(i).methodSignature());
     }
-    QCOMPARE(names, QStringList({"GPU1TEMP(int)", "GPU1LOAD(int)", "GPU1CORECLOCK(int)",
-                                 "GPU1MEMCLOCK(int)", "GPU1PSTATE(int)", "GPU2TEMP(int)",
-                                 "GPU2LOAD(int)", "GPU2CORECLOCK(int)", "GPU2MEMCLOCK(int)",
-                                 "GPU2PSTATE(int)"}));
+    QCOMPARE(names,
+             QStringList({"GPU1TEMP(int)", "GPU1LOAD(int)", "GPU1CORECLOCK(int)",
+                          "GPU1MEMCLOCK(int)", "GPU1PSTATE(int)", "GPU2TEMP(int)", "GPU2LOAD(int)",
+                          "GPU2CORECLOCK(int)", "GPU2MEMCLOCK(int)", "GPU2PSTATE(int)"}));
 }
 
 void GpuMonitorTest::failureAtEachStep_data()
@@ -114,16 +114,15 @@ void GpuMonitorTest::failureAtEachStep_data()
                                            "unload"}
                             << "NVIDIA API Error 4";
     // The load step then runs on the structure as it was: never filled, so not present.
-    QTest::newRow("utilisation")
-        << "dynamic" << (kZeros + QStringList{"GPU1TEMP 65"})
-        << QStringList{"initialize", "enumerate", "clocks 0", "dynamic 0", "unload", "thermal 0",
-                       "unload"}
-        << "NVIDIA API Error 5";
-    QTest::newRow("temperature")
-        << "thermal" << (gpu1Pass(0, 40, 1500, 7001, 0).mid(0, 5) + kZeros)
-        << QStringList{"initialize", "enumerate", "clocks 0", "dynamic 0", "pstates20 0",
-                       "pstate 0", "thermal 0", "unload"}
-        << "Error 7 fake error -5";
+    QTest::newRow("utilisation") << "dynamic" << (kZeros + QStringList{"GPU1TEMP 65"})
+                                 << QStringList{"initialize", "enumerate", "clocks 0", "dynamic 0",
+                                                "unload",     "thermal 0", "unload"}
+                                 << "NVIDIA API Error 5";
+    QTest::newRow("temperature") << "thermal" << (gpu1Pass(0, 40, 1500, 7001, 0).mid(0, 5) + kZeros)
+                                 << QStringList{"initialize", "enumerate",   "clocks 0",
+                                                "dynamic 0",  "pstates20 0", "pstate 0",
+                                                "thermal 0",  "unload"}
+                                 << "Error 7 fake error -5";
 }
 
 void GpuMonitorTest::failureAtEachStep()
@@ -191,8 +190,8 @@ void GpuMonitorTest::missingLoadSuppressesLaterGpus()
     nvidia_api loop(gpu);
     SignalRecorder recorder(loop);
     loop.pollOnce();
-    QCOMPARE(recorder.log, QStringList({"GPU1PSTATE 0", "GPU1TEMP 65", "GPU2PSTATE 8",
-                                        "GPU2TEMP 50"}));
+    QCOMPARE(recorder.log,
+             QStringList({"GPU1PSTATE 0", "GPU1TEMP 65", "GPU2PSTATE 8", "GPU2TEMP 50"}));
 
     // The flag starts afresh with each pass; here the first GPU reports and the second not.
     gpu->cards[0].loadPresent = true;

@@ -61,8 +61,8 @@ void LinuxSamplerTest::processorTimesFromTheFirstStatLine_data()
     QTest::newRow("older kernel, seven fields")
         << QByteArray("cpu 1 0 1 100 0 0 0\n") << true << quint64(100) * 100000
         << quint64(101) * 100000 << quint64(1) * 100000;
-    QTest::newRow("per-processor line first") << QByteArray("cpu0 1 2 3 4 5 6 7\n") << false
-                                              << quint64(0) << quint64(0) << quint64(0);
+    QTest::newRow("per-processor line first")
+        << QByteArray("cpu0 1 2 3 4 5 6 7\n") << false << quint64(0) << quint64(0) << quint64(0);
     QTest::newRow("garbage") << QByteArray("cpu  a b c d e f g\n") << false << quint64(0)
                              << quint64(0) << quint64(0);
     QTest::newRow("empty") << QByteArray() << false << quint64(0) << quint64(0) << quint64(0);

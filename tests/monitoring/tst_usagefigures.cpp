@@ -30,8 +30,8 @@ void UsageFiguresTest::ratesAreScaledTogether_data()
     QTest::newRow("upload alone lifts both") << qint64(100) << qint64(2048) << "2KB/s|0.09KB/s";
     QTest::newRow("two decimals cut, not rounded")
         << qint64(1023) << qint64(1024) << "1KB/s|0.99KB/s";
-    QTest::newRow("mixed megabytes") << qint64(3 * 1024 * 1024) << qint64(512 * 1024)
-                                     << "0.5MB/s|3MB/s";
+    QTest::newRow("mixed megabytes")
+        << qint64(3 * 1024 * 1024) << qint64(512 * 1024) << "0.5MB/s|3MB/s";
     QTest::newRow("gigabytes") << qint64(5) * 1024 * 1024 * 1024 << qint64(0) << "0GB/s|5GB/s";
     QTest::newRow("wrapped counter shown as computed")
         << qint64(4294967295LL) << qint64(1) << "0GB/s|3.99GB/s";
@@ -51,10 +51,10 @@ void UsageFiguresTest::processorTimesWrapAsTheWidgetTakesThem_data()
     QTest::addColumn<quint64>("before");
     QTest::addColumn<quint32>("delta");
     QTest::newRow("forward") << quint64(5000) << quint64(2000) << quint32(3000);
-    QTest::newRow("unchanged counts as backwards") << quint64(7) << quint64(7) << quint32(0xFFFFFFFF);
+    QTest::newRow("unchanged counts as backwards")
+        << quint64(7) << quint64(7) << quint32(0xFFFFFFFF);
     QTest::newRow("backwards") << quint64(2000) << quint64(5000) << quint32(2999);
-    QTest::newRow("only the low 32 bits")
-        << (quint64(3) << 32) + 10 << quint64(1) << quint32(9);
+    QTest::newRow("only the low 32 bits") << (quint64(3) << 32) + 10 << quint64(1) << quint32(9);
 }
 
 void UsageFiguresTest::processorTimesWrapAsTheWidgetTakesThem()
@@ -69,8 +69,8 @@ void UsageFiguresTest::processorLoadNeedsAUsablePreviousSample()
 {
     const quint64 base = (quint64(1) << 32) + 1000;
     QVERIFY(!isUsableSample({}));
-    QVERIFY(!isUsableSample({quint64(1) << 32, 0, 0}));  // low half zero
-    QVERIFY(!isUsableSample({12345, 0, 0}));             // high half zero
+    QVERIFY(!isUsableSample({quint64(1) << 32, 0, 0})); // low half zero
+    QVERIFY(!isUsableSample({12345, 0, 0}));            // high half zero
     QVERIFY(isUsableSample({base, 0, 0}));
 
     // 1 s on two processors: 2e7 units, a quarter of it idle (kernel includes idle).

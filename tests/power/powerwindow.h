@@ -89,8 +89,8 @@ struct PowerWindow {
     // How many times the tuning tab's Apply ran: each apply starts the tuning service first.
     int tuningApplies() const
     {
-        return fake.log->withPrefix(QStringLiteral(
-                                        "process: powershell -executionPolicy bypass "
+        return fake.log
+            ->withPrefix(QStringLiteral("process: powershell -executionPolicy bypass "
                                         "\"start-service -name 'XTU3SERVICE'"))
             .size();
     }

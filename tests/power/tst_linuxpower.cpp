@@ -52,8 +52,7 @@ void LinuxPowerTest::acLineStatus_data()
     QTest::addColumn<int>("status");
     QTest::newRow("mains online") << QStringList{"AC:Mains:1", "BAT0:Battery:-"} << 1;
     QTest::newRow("mains offline") << QStringList{"AC:Mains:0", "BAT0:Battery:-"} << 0;
-    QTest::newRow("usb-c online") << QStringList{"ucsi-source-psy-USBC000:001:USB:1",
-                                                 "AC:Mains:0"}
+    QTest::newRow("usb-c online") << QStringList{"ucsi-source-psy-USBC000:001:USB:1", "AC:Mains:0"}
                                   << 1;
     QTest::newRow("usb offline") << QStringList{"usb:USB:0"} << 0;
     QTest::newRow("battery only") << QStringList{"BAT0:Battery:-"} << 255;

@@ -39,9 +39,8 @@ QStringList schemeBrightness(int value)
 
 QStringList processor(const char *limit, int value)
 {
-    const QString tail = QStringLiteral(" SCHEME_CURRENT SUB_PROCESSOR %1 %2")
-                             .arg(QLatin1String(limit))
-                             .arg(value);
+    const QString tail =
+        QStringLiteral(" SCHEME_CURRENT SUB_PROCESSOR %1 %2").arg(QLatin1String(limit)).arg(value);
     return pair("powercfg -setacvalueindex" + tail, "powercfg -setdcvalueindex" + tail);
 }
 
@@ -69,13 +68,12 @@ void PowerApplyTest::wholeProfileRunsTheCatalogueInOrder()
     QCOMPARE(p.ui().Slider_Brightness->value(), 37);
     p.window->ApplyPowerValues();
     // The scheme keeps the panel's present brightness; then the normal profile of the defaults.
-    const QStringList expected = schemeBrightness(37) + processor("PROCTHROTTLEMIN", 5) +
-                                 processor("PROCTHROTTLEMAX", 100) +
-                                 pair("powercfg -change -monitor-timeout-ac 20",
-                                      "powercfg -change -monitor-timeout-dc 20") +
-                                 pair("powercfg -change -x -standby-timeout-ac 60",
-                                      "powercfg -change -x -standby-timeout-dc 60") +
-                                 lid(1);
+    const QStringList expected =
+        schemeBrightness(37) + processor("PROCTHROTTLEMIN", 5) + processor("PROCTHROTTLEMAX", 100) +
+        pair("powercfg -change -monitor-timeout-ac 20", "powercfg -change -monitor-timeout-dc 20") +
+        pair("powercfg -change -x -standby-timeout-ac 60",
+             "powercfg -change -x -standby-timeout-dc 60") +
+        lid(1);
     QCOMPARE(p.commands(), expected);
     QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
     QVERIFY(!p.window->powerModes()->powerModeLoading());

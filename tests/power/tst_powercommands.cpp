@@ -34,10 +34,12 @@ void PowerCommandsTest::valuePairs_data()
     for (int v : {0, 5, 100}) {
         const QString n = QString::number(v);
         QTest::addRow("processor minimum %d", v)
-            << 0 << v << "powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN " + n
+            << 0 << v
+            << "powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN " + n
             << "powercfg -setdcvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN " + n;
         QTest::addRow("processor maximum %d", v)
-            << 1 << v << "powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX " + n
+            << 1 << v
+            << "powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX " + n
             << "powercfg -setdcvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX " + n;
         QTest::addRow("scheme brightness %d", v)
             << 2 << v
@@ -72,12 +74,11 @@ void PowerCommandsTest::timeouts_data()
         // Short sleep timeouts use "-x" alone, longer ones "-change -x".
         const QString sleepForm =
             index <= 3 ? QStringLiteral("powercfg -x ") : QStringLiteral("powercfg -change -x ");
-        QTest::addRow("index %d", index)
-            << index
-            << QStringList{"powercfg -change -monitor-timeout-ac " + m,
-                           "powercfg -change -monitor-timeout-dc " + m}
-            << QStringList{sleepForm + "-standby-timeout-ac " + m,
-                           sleepForm + "-standby-timeout-dc " + m};
+        QTest::addRow("index %d", index) << index
+                                         << QStringList{"powercfg -change -monitor-timeout-ac " + m,
+                                                        "powercfg -change -monitor-timeout-dc " + m}
+                                         << QStringList{sleepForm + "-standby-timeout-ac " + m,
+                                                        sleepForm + "-standby-timeout-dc " + m};
     }
     QTest::newRow("index 3 literal")
         << 3
@@ -135,15 +136,24 @@ void PowerCommandsTest::fanCodes_data()
     QTest::addColumn<int>("index");
     QTest::addColumn<QString>("current");
     QTest::addColumn<QString>("code");
-    QTest::newRow("No Change") << 0 << "3" << "none";
-    QTest::newRow("EC Automatic") << 1 << "none" << "1";
-    QTest::newRow("Max Speed") << 2 << "none" << "2";
-    QTest::newRow("Manual") << 3 << "none" << "3";
-    QTest::newRow("Silent") << 4 << "none" << "4";
-    QTest::newRow("Normal") << 5 << "none" << "5";
-    QTest::newRow("Extreme") << 6 << "none" << "6";
-    QTest::newRow("no selection keeps the code") << -1 << "5" << "5";
-    QTest::newRow("beyond the list keeps the code") << 7 << "2" << "2";
+    QTest::newRow("No Change") << 0 << "3"
+                               << "none";
+    QTest::newRow("EC Automatic") << 1 << "none"
+                                  << "1";
+    QTest::newRow("Max Speed") << 2 << "none"
+                               << "2";
+    QTest::newRow("Manual") << 3 << "none"
+                            << "3";
+    QTest::newRow("Silent") << 4 << "none"
+                            << "4";
+    QTest::newRow("Normal") << 5 << "none"
+                            << "5";
+    QTest::newRow("Extreme") << 6 << "none"
+                             << "6";
+    QTest::newRow("no selection keeps the code") << -1 << "5"
+                                                 << "5";
+    QTest::newRow("beyond the list keeps the code") << 7 << "2"
+                                                    << "2";
 }
 
 void PowerCommandsTest::fanCodes()

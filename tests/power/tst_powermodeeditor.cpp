@@ -91,7 +91,8 @@ void PowerModeEditorTest::loadShowsTheProfileWithLabels()
     QCOMPARE(ui.Cpu_Minimum_Label->text(), QStringLiteral("CPU minimum: 10%"));
     QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 100%"));
     QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
-    QCOMPARE(ui.PowerModeBrightSlider_Label->text(), QStringLiteral("Initial LCD Brightness: 100%"));
+    QCOMPARE(ui.PowerModeBrightSlider_Label->text(),
+             QStringLiteral("Initial LCD Brightness: 100%"));
     QCOMPARE(ui.label_26->text(), QStringLiteral("Keyboard Brightness: 100%"));
     QCOMPARE(ui.comboBox_5->currentIndex(), 6);
     QCOMPARE(ui.turbo_override->text(),
@@ -340,9 +341,8 @@ void PowerModeEditorTest::switchingTheFeatureMovesTrayEntries()
     QCOMPARE(p.window->powerModes()->statusRecord(), QStringLiteral("1,none"));
 
     ui.checkBox_2->click();
-    QCOMPARE(menuTexts(menu),
-             (QStringList{"-", "Show Window Center", "Exit", "Battery Mode", "Silent Mode",
-                          "Normal Mode", "Maximum Mode"}));
+    QCOMPARE(menuTexts(menu), (QStringList{"-", "Show Window Center", "Exit", "Battery Mode",
+                                           "Silent Mode", "Normal Mode", "Maximum Mode"}));
     QCOMPARE(p.generalValue("enable_power_modes").toBool(), true);
     QVERIFY(ui.tabWidget->isTabEnabled(0));
     QVERIFY(ui.reset_power_modes->isEnabled());

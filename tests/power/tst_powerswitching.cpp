@@ -61,8 +61,8 @@ void startAutomatic(PowerWindow &p, const QString &mode = QStringLiteral("normal
     p.startWithPowerModes(mode);
 }
 
-const QString kBatteryMax =
-    QStringLiteral("run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 60");
+const QString kBatteryMax = QStringLiteral(
+    "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 60");
 const QString kNormalScreen = QStringLiteral("run: powercfg -change -monitor-timeout-ac 20");
 } // namespace
 
@@ -292,8 +292,8 @@ void PowerSwitchingTest::schemeChangeReappliesAdaptiveBrightness()
     p.ui().Check_Adaptive->setChecked(true);
     p.fake.commands->outputs[query] = QStringLiteral("GUID: gaming");
     p.window->GetPowerSchemeName();
-    const QString setting = QStringLiteral(
-        " SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ");
+    const QString setting = QStringLiteral(" SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 "
+                                           "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ");
     QCOMPARE(p.commands(),
              (QStringList{"run: " + query, "shown 0: powercfg -setdcvalueindex" + setting + "0",
                           "shown 0: powercfg -setacvalueindex" + setting + "0",

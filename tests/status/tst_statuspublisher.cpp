@@ -55,7 +55,8 @@ void StatusPublisherTest::serialisation_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QByteArray>("hex");
-    QTest::newRow("at start") << "none,none" << QByteArray("00000012006e006f006e0065002c006e006f006e0065");
+    QTest::newRow("at start") << "none,none"
+                              << QByteArray("00000012006e006f006e0065002c006e006f006e0065");
     QTest::newRow("fan and keyboard") << "3,40" << QByteArray("000000080033002c00340030");
     QTest::newRow("empty") << "" << QByteArray("00000000");
 }

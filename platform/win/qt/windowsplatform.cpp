@@ -4,6 +4,7 @@
 #include "identity.h"
 #include "placeholders_win.h"
 #include "scheduler.h"
+#include "windevices.h"
 #include "winglue.h"
 #include "winmonitoring.h"
 #include "winpower.h"
@@ -21,11 +22,11 @@ Platform windowsPlatform()
     p.registry = std::make_shared<WinRegistry>();
     p.identity = windowsIdentity();
     p.brightness = std::make_shared<WinPanelBrightness>();
-    p.switches = std::make_shared<AbsentSwitches>();
-    p.monitors = std::make_shared<AbsentMonitors>();
-    p.keyBlocker = std::make_shared<AbsentKeyBlocker>();
+    p.switches = std::make_shared<WinDeviceSwitches>();
+    p.monitors = std::make_shared<WinMonitorControl>();
+    p.keyBlocker = std::make_shared<WinKeyBlocker>();
     p.powerSource = std::make_shared<WinPowerSource>();
-    p.audio = std::make_shared<AbsentAudio>();
+    p.audio = std::make_shared<WinAudioEndpoint>();
     p.gpu = std::make_shared<WinGpuSensors>();
     p.sampler = std::make_shared<WinSystemSampler>();
     p.sleep = std::make_shared<WinSleepNotifier>();

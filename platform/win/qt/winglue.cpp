@@ -5,6 +5,7 @@
 #include "win_identity.h"
 #include "win_registry.h"
 #include "winmonitoring.h"
+#include "wmiquery.h"
 
 #include <QDesktopServices>
 #include <QFile>
@@ -14,6 +15,9 @@ namespace win = varnel::win;
 
 QString WinCommandRunner::runAndRead(const QString &commandLine, int timeoutMs)
 {
+    // The two identification queries still answer where wmic.exe is gone.
+    if (const auto text = win::answerIdentificationQuery(commandLine.toStdWString(), timeoutMs))
+        return QString::fromStdString(*text);
     const std::string output = win::runAndRead(commandLine.toStdWString(), timeoutMs);
     return QString::fromStdString(win::decodeCommandOutput(output));
 }

@@ -26,7 +26,10 @@ public:
     }
     int pstates20(int gpu) override { return m_api.pstates20(gpu); }
     int currentPstate(int gpu, int *pstate) override { return m_api.currentPstate(gpu, pstate); }
-    int thermalSensor0(int gpu, int *celsius) override { return m_api.thermalSensor0(gpu, celsius); }
+    int thermalSensor0(int gpu, int *celsius) override
+    {
+        return m_api.thermalSensor0(gpu, celsius);
+    }
     QString errorMessage(int status) override
     {
         return QString::fromStdString(m_api.errorMessage(status));

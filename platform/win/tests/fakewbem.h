@@ -28,7 +28,10 @@ inline std::wstring text(const wchar_t *s)
 }
 
 #define FAKEWBEM_NOTIMPL(signature)                                                                \
-    HRESULT STDMETHODCALLTYPE signature override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE signature override                                                   \
+    {                                                                                              \
+        return E_NOTIMPL;                                                                          \
+    }
 
 template <typename Interface> class Unknown : public Interface {
 public:
@@ -166,8 +169,7 @@ public:
     HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags,
                                         IWbemContext *, IEnumWbemClassObject **out) override
     {
-        record(L"ExecQuery " + text(language) + L" " + text(query) + L" " +
-               std::to_wstring(flags));
+        record(L"ExecQuery " + text(language) + L" " + text(query) + L" " + std::to_wstring(flags));
         std::vector<IWbemClassObject *> instances;
         for (size_t i = 0; i < panels.size(); ++i)
             instances.push_back(new Object(L"panel" + std::to_wstring(i), panels[i], failGet));
@@ -202,14 +204,11 @@ public:
     FAKEWBEM_NOTIMPL(CreateClassEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
     FAKEWBEM_NOTIMPL(CreateClassEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
     FAKEWBEM_NOTIMPL(PutInstance(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
-    FAKEWBEM_NOTIMPL(PutInstanceAsync(IWbemClassObject *, LONG, IWbemContext *,
-                                      IWbemObjectSink *))
+    FAKEWBEM_NOTIMPL(PutInstanceAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
     FAKEWBEM_NOTIMPL(DeleteInstance(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
     FAKEWBEM_NOTIMPL(DeleteInstanceAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(CreateInstanceEnum(const BSTR, LONG, IWbemContext *,
-                                        IEnumWbemClassObject **))
-    FAKEWBEM_NOTIMPL(CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext *,
-                                             IWbemObjectSink *))
+    FAKEWBEM_NOTIMPL(CreateInstanceEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
+    FAKEWBEM_NOTIMPL(CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
     FAKEWBEM_NOTIMPL(ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *,
                                     IWbemObjectSink *))
     FAKEWBEM_NOTIMPL(ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext *,

@@ -70,7 +70,7 @@ WINTEST_CASE(writerSetsEveryPanelWithStringValues)
         expected.push_back(L"GetObject WmiMonitorBrightnessMethods");
         expected.push_back(L"class.GetMethod WmiSetBrightness");
         expected.push_back(L"signature.SpawnInstance 0");
-        expected.push_back(L"in.Put Timeout=0 type 19");     // CIM_UINT32
+        expected.push_back(L"in.Put Timeout=0 type 19");      // CIM_UINT32
         expected.push_back(L"in.Put Brightness=255 type 17"); // CIM_UINT8, no clamping here
         expected.push_back(panel + L".Get __PATH");
         expected.push_back(L"ExecMethod path:" + panel + L" WmiSetBrightness 0");

@@ -52,8 +52,8 @@ WINTEST_CASE(readCompareWrite)
         bool written;
     };
     const Row rows[] = {
-        {{true, 50, 100}, 70, true},  {{true, 70, 100}, 70, false}, {{true, 10, 80}, 80, true},
-        {{true, 10, 80}, 81, false},  {{false, 10, 100}, 70, false},
+        {{true, 50, 100}, 70, true}, {{true, 70, 100}, 70, false},  {{true, 10, 80}, 80, true},
+        {{true, 10, 80}, 81, false}, {{false, 10, 100}, 70, false},
     };
     for (const Row &r : rows) {
         ScriptedChannel channel;
@@ -69,9 +69,8 @@ WINTEST_CASE(readCompareWrite)
 WINTEST_CASE(everyPhysicalMonitorIsSet)
 {
     ScriptedChannel channel;
-    channel.monitors = {{handle(1), {true, 20, 100}},
-                        {handle(2), {false, 0, 0}},
-                        {handle(3), {true, 90, 100}}};
+    channel.monitors = {
+        {handle(1), {true, 20, 100}}, {handle(2), {false, 0, 0}}, {handle(3), {true, 90, 100}}};
     setVcpOnMonitors({handle(1), handle(2), handle(3)}, channel, 0x10, 60);
     CHECK_EQ(channel.log, std::vector<std::string>({"read 1 16", "write 1 16 60", "read 2 16",
                                                     "read 3 16", "write 3 16 60"}));

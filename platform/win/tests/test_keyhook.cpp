@@ -23,7 +23,7 @@ std::string seenText()
     for (DWORD key : seen()) {
         if (!out.empty())
             out += ' ';
-        out += key == VK_LWIN ? std::string("LWIN")
+        out += key == VK_LWIN   ? std::string("LWIN")
                : key == VK_RWIN ? std::string("RWIN")
                                 : std::string(1, static_cast<char>(key));
     }
@@ -75,13 +75,13 @@ WINTEST_CASE(swallowRule)
         bool swallowed;
     };
     const Row rows[] = {
-        {HC_ACTION, WM_KEYDOWN, VK_LWIN, true},     {HC_ACTION, WM_KEYUP, VK_LWIN, true},
-        {HC_ACTION, WM_SYSKEYDOWN, VK_LWIN, true},  {HC_ACTION, WM_SYSKEYUP, VK_LWIN, true},
-        {HC_ACTION, WM_KEYDOWN, VK_RWIN, true},     {HC_ACTION, WM_KEYUP, VK_RWIN, true},
-        {HC_ACTION, WM_SYSKEYDOWN, VK_RWIN, true},  {HC_ACTION, WM_SYSKEYUP, VK_RWIN, true},
-        {HC_ACTION, WM_KEYDOWN, 'R', false},        {HC_ACTION, WM_KEYDOWN, VK_APPS, false},
-        {HC_ACTION, WM_KEYDOWN, VK_LMENU, false},   {HC_ACTION, WM_CHAR, VK_LWIN, false},
-        {HC_ACTION, WM_MOUSEMOVE, VK_RWIN, false},  {HC_NOREMOVE, WM_KEYDOWN, VK_LWIN, false},
+        {HC_ACTION, WM_KEYDOWN, VK_LWIN, true},    {HC_ACTION, WM_KEYUP, VK_LWIN, true},
+        {HC_ACTION, WM_SYSKEYDOWN, VK_LWIN, true}, {HC_ACTION, WM_SYSKEYUP, VK_LWIN, true},
+        {HC_ACTION, WM_KEYDOWN, VK_RWIN, true},    {HC_ACTION, WM_KEYUP, VK_RWIN, true},
+        {HC_ACTION, WM_SYSKEYDOWN, VK_RWIN, true}, {HC_ACTION, WM_SYSKEYUP, VK_RWIN, true},
+        {HC_ACTION, WM_KEYDOWN, 'R', false},       {HC_ACTION, WM_KEYDOWN, VK_APPS, false},
+        {HC_ACTION, WM_KEYDOWN, VK_LMENU, false},  {HC_ACTION, WM_CHAR, VK_LWIN, false},
+        {HC_ACTION, WM_MOUSEMOVE, VK_RWIN, false}, {HC_NOREMOVE, WM_KEYDOWN, VK_LWIN, false},
         {-1, WM_KEYDOWN, VK_RWIN, false},
     };
     for (const Row &r : rows)

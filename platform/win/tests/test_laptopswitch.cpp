@@ -31,15 +31,14 @@ WINTEST_CASE(callSequence)
     services->panels = {0, 0};
     takeCalls();
     CHECK_EQ(callLaptopSwitch(services, 1, 0), S_OK);
-    const std::vector<std::wstring> expected = {
-        L"ExecQuery WQL Select * from CLEVO_GET 16",
-        L"Next -1 1",
-        L"GetObject CLEVO_GET",
-        L"class.GetMethod SetCamera",
-        L"signature.SpawnInstance 0",
-        L"in.Put Data=0 type 18",
-        L"panel0.Get __PATH",
-        L"ExecMethod path:panel0 SetCamera 0"};
+    const std::vector<std::wstring> expected = {L"ExecQuery WQL Select * from CLEVO_GET 16",
+                                                L"Next -1 1",
+                                                L"GetObject CLEVO_GET",
+                                                L"class.GetMethod SetCamera",
+                                                L"signature.SpawnInstance 0",
+                                                L"in.Put Data=0 type 18",
+                                                L"panel0.Get __PATH",
+                                                L"ExecMethod path:panel0 SetCamera 0"};
     CHECK_EQ(takeCalls(), expected);
     services->Release();
 }

@@ -26,8 +26,8 @@ std::wstring rawDefault(const std::wstring &key)
     const std::wstring sub = key.substr(key.find(L'\\') + 1);
     wchar_t data[512] = {};
     DWORD size = sizeof(data);
-    const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, sub.c_str(), nullptr, RRF_RT_REG_SZ,
-                                        nullptr, data, &size);
+    const LSTATUS status =
+        RegGetValueW(HKEY_CURRENT_USER, sub.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, data, &size);
     return status == ERROR_SUCCESS ? std::wstring(data) : std::wstring(L"<missing>");
 }
 
