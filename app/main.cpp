@@ -6,6 +6,7 @@
 #include "singleapplication.h"
 
 #include <QDesktopWidget>
+#include <QLoggingCategory>
 
 namespace {
 
@@ -23,6 +24,8 @@ void applyDensityFont()
 
 int main(int argc, char *argv[])
 {
+    // The program's own diagnostics stay quiet unless QT_LOGGING_RULES asks for them.
+    QLoggingCategory::setFilterRules(QStringLiteral("varnel.*.debug=false"));
     SingleApplication app(argc, argv, false, 1, 100);
     applyDensityFont();
     QApplication::setOrganizationDomain(QStringLiteral("TALVERON-PC"));

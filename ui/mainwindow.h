@@ -304,8 +304,6 @@ private:
     QMenu *m_trayMenu = nullptr;
     TrayActions m_tray;
     QTimer *m_generalTimer = nullptr;
-    QUrl m_supportPageUrl;
-    QUrl m_onlineChatUrl;
 
     bool m_dragging = false;
     QPoint m_pressPosition;
