@@ -97,8 +97,8 @@ void WidgetManager::resourcesSwitched()
         file.setValue(QLatin1String(keys::resourcesWidget), 0);
     }
     emit fontsize(m_ui.horizontalSliderResorcesFONTsize->value());
-    // The box's check state (2 when checked), which the widget takes as "no change".
-    emit color(m_ui.colorchange->checkState());
+    // 1 or 0, as at start: an inverted widget switched on again stays inverted.
+    emit color(m_ui.colorchange->isChecked() ? 1 : 0);
 }
 
 void WidgetManager::batterySwitched()
@@ -113,7 +113,7 @@ void WidgetManager::batterySwitched()
         emit closebattery();
     }
     emit fontsizebattery(m_ui.horizontalSlider_Battery_FONTsize->value());
-    emit colorbattery(m_ui.colorchange_battery->checkState());
+    emit colorbattery(m_ui.colorchange_battery->isChecked() ? 1 : 0);
 }
 
 void WidgetManager::resourcesColorClicked()

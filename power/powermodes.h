@@ -1,6 +1,5 @@
 #pragma once
 
-#include "adaptivebrightness.h"
 #include "platform.h"
 #include "powercommands.h"
 #include "powerprofiles.h"

@@ -1,6 +1,7 @@
 // Switching modes: by hand, from the tray, and automatically when mains power comes and goes.
 #include "powermodes.h"
 
+#include "adaptivebrightness.h"
 #include "commandrunner.h"
 #include "devices.h"
 #include "keys.h"

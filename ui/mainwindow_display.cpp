@@ -5,6 +5,7 @@
 #include "keys.h"
 #include "panelbrightnesscontrol.h"
 #include "powermodes.h"
+#include "scheduler.h"
 
 void MainWindow::createDisplay()
 {
@@ -27,7 +28,9 @@ void MainWindow::GetBrightness()
 void MainWindow::installmof()
 {
     if (!m_panel->installProvider()) {
-        close();
+        // Declined while the window is still being built: it closes once the start-up has shown
+        // it, which ends the program.
+        m_platform.scheduler->singleShot(0, this, "close");
         return;
     }
     LoadSettings();

@@ -1,5 +1,7 @@
 #include "desktopsettings.h"
 
+#include "gsettingskey.h"
+
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QStandardPaths>
@@ -46,20 +48,12 @@ QStringList firstInstalled(bool display)
 
 bool SessionDesktopSettings::setAmbientBrightness(bool enabled)
 {
-    const QString gsettings = QStandardPaths::findExecutable(QStringLiteral("gsettings"));
-    if (gsettings.isEmpty())
-        return false;
-    QProcess probe;
-    probe.start(gsettings, {QStringLiteral("writable"), QLatin1String(kPowerSchema),
-                            QLatin1String(kAmbientKey)});
-    if (!probe.waitForFinished(5000) || probe.readAllStandardOutput().trimmed() != "true") {
-        qCDebug(lcDesktopSettings) << "no writable ambient-light setting";
+    GSettingsKey ambient(kPowerSchema, kAmbientKey);
+    if (!ambient.available()) {
+        qCDebug(lcDesktopSettings) << "no ambient-light setting on this desktop";
         return false;
     }
-    const int status = QProcess::execute(
-        gsettings, {QStringLiteral("set"), QLatin1String(kPowerSchema), QLatin1String(kAmbientKey),
-                    enabled ? QStringLiteral("true") : QStringLiteral("false")});
-    return status == 0;
+    return ambient.setBoolean(enabled);
 }
 
 QStringList SessionDesktopSettings::displayCommand()

@@ -15,7 +15,8 @@ public:
     virtual bool openPowerSettings() = 0;
 };
 
-// The real desktop, found through the programs on PATH.
+// The real desktop: the settings daemon through its settings keys, the settings pages through
+// the programs on PATH.
 class SessionDesktopSettings : public DesktopSettings {
 public:
     bool setAmbientBrightness(bool enabled) override;

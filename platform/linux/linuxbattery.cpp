@@ -1,19 +1,11 @@
 #include "linuxbattery.h"
 
 #include "commandtable.h"
+#include "sysfstext.h"
 
 #include <QDir>
-#include <QFile>
 
 namespace {
-
-QString readText(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    return QString::fromUtf8(file.readAll()).trimmed();
-}
 
 // One property the way the tool prints it: the header padded to its column, the value below.
 QString toolAnswer(const QString &header, const QString &value, bool present)
@@ -55,13 +47,13 @@ BatteryReading readBattery(const QString &sysRoot)
     for (const QString &name : names) {
         const QString dir = supplies.filePath(name) + QLatin1Char('/');
         // Peripherals (a mouse, a headset) report their batteries with the device scope.
-        if (readText(dir + QStringLiteral("type")) != QLatin1String("Battery") ||
-            readText(dir + QStringLiteral("scope")) == QLatin1String("Device"))
+        if (readSysfsText(dir + QStringLiteral("type")) != QLatin1String("Battery") ||
+            readSysfsText(dir + QStringLiteral("scope")) == QLatin1String("Device"))
             continue;
         reading.present = true;
-        reading.status = batteryStatusCode(readText(dir + QStringLiteral("status")),
-                                           readText(dir + QStringLiteral("capacity_level")));
-        reading.charge = readText(dir + QStringLiteral("capacity")).toInt();
+        reading.status = batteryStatusCode(readSysfsText(dir + QStringLiteral("status")),
+                                           readSysfsText(dir + QStringLiteral("capacity_level")));
+        reading.charge = readSysfsText(dir + QStringLiteral("capacity")).toInt();
         break;
     }
     return reading;

@@ -1,5 +1,7 @@
 #include "linuxsampler.h"
 
+#include "sysfstext.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -23,7 +25,7 @@ QByteArray readFile(const QString &path)
 
 quint64 readNumber(const QString &path, bool *ok = nullptr)
 {
-    return readFile(path).trimmed().toULongLong(ok);
+    return readSysfsText(path).toULongLong(ok);
 }
 
 } // namespace

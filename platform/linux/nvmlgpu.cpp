@@ -1,5 +1,7 @@
 #include "nvmlgpu.h"
 
+#include "sysfstext.h"
+
 #include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
@@ -32,14 +34,6 @@ struct TemperatureV1 {
     unsigned sensorType;
     int temperature;
 };
-
-QString readText(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    return QString::fromLatin1(file.readAll()).trimmed();
-}
 
 } // namespace
 
@@ -79,11 +73,11 @@ NvmlGpuSensors::PciScan NvmlGpuSensors::scanPci(const QString &sysRoot)
     for (const QString &address : addresses) {
         const QString dir = bus.filePath(address) + QLatin1Char('/');
         // Vendor 0x10de; class 0x03xxxx is a display controller (VGA or 3D).
-        if (readText(dir + QStringLiteral("vendor")) != QLatin1String("0x10de") ||
-            !readText(dir + QStringLiteral("class")).startsWith(QLatin1String("0x03")))
+        if (readSysfsText(dir + QStringLiteral("vendor")) != QLatin1String("0x10de") ||
+            !readSysfsText(dir + QStringLiteral("class")).startsWith(QLatin1String("0x03")))
             continue;
         scan.devices << address;
-        const QString state = readText(dir + QStringLiteral("power/runtime_status"));
+        const QString state = readSysfsText(dir + QStringLiteral("power/runtime_status"));
         if (state == QLatin1String("suspended") || state == QLatin1String("suspending"))
             scan.anySleeping = true;
     }

@@ -250,11 +250,11 @@ void CpuIdentificationTest::turboLimits_data()
         << "45W";
     QTest::newRow("no unlimited figure") << QVariantMap{{"max", 360}} << 361 << "4095.875W"
                                          << "45W";
-    // 8000 steps are 1000000 mW, whose fixed text loses its zeros like every other figure.
+    // 8000 steps are 1000000 mW, the fixed whole figure.
     QTest::newRow("max 0") << QVariantMap{{"max", 0}, {"unlimited", "200"}} << 8001 << "200W"
-                           << "1W";
+                           << "1000W";
     QTest::newRow("no profile file") << QVariantMap{} << 8001 << "4095.875W"
-                                     << "1W";
+                                     << "1000W";
 }
 
 void CpuIdentificationTest::turboLimits()

@@ -214,6 +214,10 @@ void PanelBrightnessTest::providerDeclinedClosesTheWindow()
     p.window = std::make_unique<MainWindow>(p.fake.bundle());
     QVERIFY(!p.fake.log->entries.contains("run: net stop winmgmt /y"));
     QVERIFY(!p.window->trayMenu()); // the settings were never loaded
+    QVERIFY(p.fake.scheduler->history.contains("0 close"));
+    p.window->show();
+    p.fake.scheduler->advance(0);
+    QVERIFY(!p.window->isVisible());
 }
 
 QTEST_MAIN(PanelBrightnessTest)

@@ -1,24 +1,9 @@
 // A stand-in for libnvidia-ml with the entry points the GPU backend resolves. The test reaches
 // the script through the exported fakeNvml object, after opening this library itself.
 
-extern "C" {
+#include "fakenvml.h"
 
-struct FakeNvmlScript {
-    int initResult;
-    unsigned count;
-    unsigned graphicsMHz[2];
-    unsigned memoryMHz[2];
-    int utilizationResult;
-    unsigned utilization[2];
-    int pstate[2];
-    unsigned temperature[2];
-    int temperatureResult;
-    // what happened
-    int initCalls;
-    int shutdownCalls;
-    int queries;
-    unsigned lastTemperatureVersion;
-};
+extern "C" {
 
 __attribute__((visibility("default"))) FakeNvmlScript fakeNvml = {};
 

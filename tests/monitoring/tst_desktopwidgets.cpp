@@ -460,8 +460,8 @@ void DesktopWidgetsTest::checkBoxCreatesWidgetOwnedByTheWindow()
     QVERIFY(usage->isVisible());
     QCOMPARE(folder.ini(QLatin1String(kWidgetFile), QStringLiteral("resorceswidget")).toInt(), 1);
     QCOMPARE(label(usage, "memory")->font().pointSize(), 9);
-    // The box's check state (2) is what the widget is told, and 2 changes nothing.
-    QCOMPARE(labelSheets(usage), QStringList{"color:white;"});
+    // Switched on with "Invert Colors" set, the new widget is inverted at once.
+    QCOMPARE(labelSheets(usage), QStringList{"color:black;"});
 
     ui->StartBatteryWidget->click();
     QPointer<BatteryWidget> battery = w.widgets()->batteryWidget();

@@ -1,26 +1,10 @@
+#include "fakenvml.h"
 #include "nvidia_api.h"
 #include "nvmlgpu.h"
 
 #include <QtTest>
 
 #include <dlfcn.h>
-
-// The script the stand-in library answers from (tests/monitoring/fakenvml.cpp).
-struct FakeNvmlScript {
-    int initResult;
-    unsigned count;
-    unsigned graphicsMHz[2];
-    unsigned memoryMHz[2];
-    int utilizationResult;
-    unsigned utilization[2];
-    int pstate[2];
-    unsigned temperature[2];
-    int temperatureResult;
-    int initCalls;
-    int shutdownCalls;
-    int queries;
-    unsigned lastTemperatureVersion;
-};
 
 class NvmlGpuTest : public QObject {
     Q_OBJECT
