@@ -21,8 +21,8 @@ QString instanceKey(const InstanceKeyInputs &in)
         else
             hash.addData(in.homeLocations.join(QString()).toUtf8());
     }
-    return QString::fromLatin1(hash.result().toBase64()).replace(QLatin1Char('/'),
-                                                                 QLatin1Char('_'));
+    return QString::fromLatin1(hash.result().toBase64())
+        .replace(QLatin1Char('/'), QLatin1Char('_'));
 }
 
 QByteArray encodeConnectionMessage(const QString &blockServerName, quint8 type,

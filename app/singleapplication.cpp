@@ -120,7 +120,8 @@ void SingleApplicationPrivate::slotConnectionEstablished()
     const quint32 id = message.instanceId;
     connect(next, &QLocalSocket::aboutToClose, this,
             [this, next, id] { slotClientConnectionClosed(next, id); });
-    connect(next, &QLocalSocket::readyRead, this, [this, next, id] { slotDataAvailable(next, id); });
+    connect(next, &QLocalSocket::readyRead, this,
+            [this, next, id] { slotDataAvailable(next, id); });
 
     if (message.type == NewInstance ||
         (message.type == SecondaryInstance && (options & SecondaryNotification)))
@@ -142,9 +143,8 @@ void SingleApplicationPrivate::slotClientConnectionClosed(QLocalSocket *closedSo
     closedSocket->deleteLater();
 }
 
-SingleApplication::SingleApplication(int &argc, char *argv[], bool allowSecondary,
-                                     quint32 options, int timeout,
-                                     std::shared_ptr<UserIdentity> identity)
+SingleApplication::SingleApplication(int &argc, char *argv[], bool allowSecondary, quint32 options,
+                                     int timeout, std::shared_ptr<UserIdentity> identity)
     : QApplication(argc, argv),
       d(new SingleApplicationPrivate(this, options, identity ? identity : nativeIdentity()))
 {
@@ -163,8 +163,7 @@ SingleApplication::SingleApplication(int &argc, char *argv[], bool allowSecondar
         d->memory->lock();
         InstanceBlock *block = blockOf(d->memory);
         // A first instance that was killed leaves its mark behind where the block outlives it.
-        const bool primaryAlive =
-            block->primary && !d->identity->primaryIsGone(block->primaryPid);
+        const bool primaryAlive = block->primary && !d->identity->primaryIsGone(block->primaryPid);
         if (!primaryAlive) {
             d->memory->unlock();
             d->startPrimary(false);

@@ -19,8 +19,7 @@ struct SettingsFileSet {
 // ("settings/" for all files but the update work file, which uses "workqueue/").
 class SettingsFile {
 public:
-    explicit SettingsFile(const QString &path,
-                          const QString &group = QStringLiteral("settings/"));
+    explicit SettingsFile(const QString &path, const QString &group = QStringLiteral("settings/"));
 
     // The stored value, or an invalid QVariant when the key is missing (reads as false, 0, "").
     QVariant value(const QString &key) const;

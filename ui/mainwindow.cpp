@@ -4,10 +4,10 @@
 #include "brightness.h"
 #include "commandrunner.h"
 #include "darkstyle.h"
+#include "densitysizing.h"
 #include "dialogs.h"
 #include "keys.h"
 #include "scheduler.h"
-#include "densitysizing.h"
 #include "screenfit.h"
 
 #include <QAction>

@@ -267,30 +267,30 @@ private:
     void createDisplay();
     void createCpuTuning();
     void createAudio();
-    void createMonitoring();   // GPU thread (constructor step 13)
+    void createMonitoring();     // GPU thread (constructor step 13)
     void startStatusPublisher(); // shared status block timer (constructor step 17)
-    void createSuite();        // event filter (constructor step 7)
-    void applyBrandingTitle(); // constructor steps 12 and 19
+    void createSuite();          // event filter (constructor step 7)
+    void applyBrandingTitle();   // constructor steps 12 and 19
 
-    void loadSupportTexts();     // LoadSettings step 4
-    void loadCamera();           // step 5
-    void loadLatencyFix();       // step 6
-    void loadWindowsKey();       // step 7 (blocker box)
-    void loadVolumes();          // step 8
+    void loadSupportTexts();       // LoadSettings step 4
+    void loadCamera();             // step 5
+    void loadLatencyFix();         // step 6
+    void loadWindowsKey();         // step 7 (blocker box)
+    void loadVolumes();            // step 8
     void loadAdaptiveBrightness(); // step 9
-    void loadWidgetSettings();   // step 11
-    void loadThrottleStopTask(); // step 12
-    void loadHeadphoneFix();     // step 13
-    void loadPreventXtu();       // step 14
-    void loadTweaks();           // step 15
-    void loadReApply();          // step 16
-    void loadPowerModeSwitch();  // step 17
-    void loadBrightFix();        // step 18
-    void loadAutoBatteryMode();  // step 19
+    void loadWidgetSettings();     // step 11
+    void loadThrottleStopTask();   // step 12
+    void loadHeadphoneFix();       // step 13
+    void loadPreventXtu();         // step 14
+    void loadTweaks();             // step 15
+    void loadReApply();            // step 16
+    void loadPowerModeSwitch();    // step 17
+    void loadBrightFix();          // step 18
+    void loadAutoBatteryMode();    // step 19
 
-    void autoBatteryModeTick();  // timerDone step 1
-    void refreshAudioDevice();   // timerDone step 2, last part
-    void installKeyHookOnce();   // timerDone step 3
+    void autoBatteryModeTick(); // timerDone step 1
+    void refreshAudioDevice();  // timerDone step 2, last part
+    void installKeyHookOnce();  // timerDone step 3
 
     // ---- display and devices: built on first use, since every entry point may come first
     DeviceSwitchPanel &devices();

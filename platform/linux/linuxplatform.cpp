@@ -4,25 +4,25 @@
 #include "backlight.h"
 #include "commandtable.h"
 #include "ddcmonitors.h"
-#include "devicecommands.h"
 #include "desktopsettings.h"
+#include "devicecommands.h"
 #include "dialogs.h"
+#include "linuxbattery.h"
 #include "linuxcommands.h"
 #include "linuxdesktop.h"
-#include "linuxbattery.h"
 #include "linuxidentity.h"
 #include "linuxregistry.h"
 #include "linuxsampler.h"
 #include "nvmlgpu.h"
 #include "placeholders.h"
-#include "pulseaudioendpoint.h"
-#include "rfkillswitch.h"
-#include "soundschemestore.h"
-#include "processcommands.h"
 #include "powercfgcommands.h"
 #include "powersupply.h"
+#include "processcommands.h"
+#include "pulseaudioendpoint.h"
+#include "rfkillswitch.h"
 #include "scheduler.h"
 #include "sleeplogind.h"
+#include "soundschemestore.h"
 #include "touchpadpreference.h"
 
 Platform linuxPlatform()
@@ -36,11 +36,12 @@ Platform linuxPlatform()
 
     auto registry = std::make_shared<LinuxRegistry>();
     auto userStore = std::make_shared<UserStoreRegistry>();
-    registry->addRoute(TouchpadRegistry::key, std::make_shared<TouchpadRegistry>(
-                                                  TouchpadRegistry::sessionPreference(), userStore));
-    registry->addRoute(SoundSchemeStore::prefix,
-                       std::make_shared<SoundSchemeStore>(userStore,
-                                                          SoundSchemeStore::sessionEventSounds()));
+    registry->addRoute(
+        TouchpadRegistry::key,
+        std::make_shared<TouchpadRegistry>(TouchpadRegistry::sessionPreference(), userStore));
+    registry->addRoute(
+        SoundSchemeStore::prefix,
+        std::make_shared<SoundSchemeStore>(userStore, SoundSchemeStore::sessionEventSounds()));
     registry->addRoute(AutostartEntries::runKey, std::make_shared<AutostartEntries>());
 
     Platform p;

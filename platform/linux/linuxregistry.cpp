@@ -44,8 +44,7 @@ Registry &LinuxRegistry::route(const QString &key)
     return *m_machine;
 }
 
-QVariant LinuxRegistry::value(const QString &key, const QString &name,
-                              const QVariant &defaultValue)
+QVariant LinuxRegistry::value(const QString &key, const QString &name, const QVariant &defaultValue)
 {
     return route(key).value(key, name, defaultValue);
 }
@@ -95,8 +94,7 @@ bool UserStoreRegistry::contains(const QString &key, const QString &name)
     return store.contains(storeKey(key, name));
 }
 
-QVariant WindowsOnlyRegistry::value(const QString &, const QString &,
-                                    const QVariant &defaultValue)
+QVariant WindowsOnlyRegistry::value(const QString &, const QString &, const QVariant &defaultValue)
 {
     return defaultValue;
 }

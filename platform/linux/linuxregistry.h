@@ -18,8 +18,7 @@ public:
     // A route owns every key that starts with prefix (case-insensitive).
     void addRoute(const QString &prefix, std::shared_ptr<Registry> target);
 
-    QVariant value(const QString &key, const QString &name,
-                   const QVariant &defaultValue) override;
+    QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;
@@ -40,8 +39,7 @@ private:
 // Per-user values in $XDG_CONFIG_HOME/varnel/registry.ini.
 class UserStoreRegistry : public Registry {
 public:
-    QVariant value(const QString &key, const QString &name,
-                   const QVariant &defaultValue) override;
+    QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;
@@ -52,8 +50,7 @@ public:
 // Machine-wide Windows settings: reads find nothing, writes are dropped (logged at debug).
 class WindowsOnlyRegistry : public Registry {
 public:
-    QVariant value(const QString &key, const QString &name,
-                   const QVariant &defaultValue) override;
+    QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;
     void setValue(const QString &key, const QString &name, const QVariant &value) override;
     void remove(const QString &key, const QString &name) override;
     bool contains(const QString &key, const QString &name) override;

@@ -10,4 +10,3 @@ public:
     bool install() override { return false; }
     void uninstall() override {}
 };
-

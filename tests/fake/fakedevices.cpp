@@ -92,8 +92,8 @@ quint32 FakeAudio::volumeOperation(int command, float value, bool mute)
     }
 }
 
-bool FakeSleepNotifier::decodeNativeMessage(const QByteArray &eventType, void *message,
-                                            quint32 *id, quintptr *code)
+bool FakeSleepNotifier::decodeNativeMessage(const QByteArray &eventType, void *message, quint32 *id,
+                                            quintptr *code)
 {
     if (eventType != "fake" || !message)
         return false;

@@ -14,7 +14,8 @@ quint16 crc16Iso3309(const QByteArray &data)
     for (char byte : data) {
         crc ^= static_cast<quint8>(byte);
         for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 1) ? static_cast<quint16>((crc >> 1) ^ 0x8408) : static_cast<quint16>(crc >> 1);
+            crc = (crc & 1) ? static_cast<quint16>((crc >> 1) ^ 0x8408)
+                            : static_cast<quint16>(crc >> 1);
     }
     return static_cast<quint16>(~crc);
 }
@@ -40,8 +41,8 @@ private slots:
     {
         const InstanceKeyInputs in = sampleInputs();
         // Only the first four bytes of the word, then names, version, lower-cased path, user.
-        QByteArray bytes = QByteArray("Varn") + "varnel" + "" + "" + "" + "/opt/varnel/varnel" +
-                           "alice";
+        QByteArray bytes =
+            QByteArray("Varn") + "varnel" + "" + "" + "" + "/opt/varnel/varnel" + "alice";
         QString expected = QString::fromLatin1(
             QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toBase64());
         expected.replace(QLatin1Char('/'), QLatin1Char('_'));
@@ -55,11 +56,16 @@ private slots:
         QTest::addColumn<QString>("otherUser");
         QTest::addColumn<quint32>("options");
         QTest::addColumn<bool>("same");
-        QTest::newRow("path differing only in case") << "/OPT/varnel/VARNEL" << "alice" << 1u << true;
-        QTest::newRow("different path") << "/opt/other/varnel" << "alice" << 1u << false;
-        QTest::newRow("different user") << "/opt/Varnel/varnel" << "bob" << 1u << false;
-        QTest::newRow("different user, not user scoped") << "/opt/Varnel/varnel" << "bob" << 0u << true;
-        QTest::newRow("different path, path excluded") << "/elsewhere/varnel" << "alice" << 17u << true;
+        QTest::newRow("path differing only in case") << "/OPT/varnel/VARNEL"
+                                                     << "alice" << 1u << true;
+        QTest::newRow("different path") << "/opt/other/varnel"
+                                        << "alice" << 1u << false;
+        QTest::newRow("different user") << "/opt/Varnel/varnel"
+                                        << "bob" << 1u << false;
+        QTest::newRow("different user, not user scoped") << "/opt/Varnel/varnel"
+                                                         << "bob" << 0u << true;
+        QTest::newRow("different path, path excluded") << "/elsewhere/varnel"
+                                                       << "alice" << 17u << true;
     }
 
     void keyRules()
@@ -111,7 +117,10 @@ private slots:
     void newInstanceMessageBytes()
     {
         const QByteArray message = encodeConnectionMessage(QStringLiteral("AB"), NewInstance, 0);
-        const QByteArray body = QByteArray::fromHex("00000002" "4142" "01" "00000000");
+        const QByteArray body = QByteArray::fromHex("00000002"
+                                                    "4142"
+                                                    "01"
+                                                    "00000000");
         QCOMPARE(message.size(), body.size() + 2);
         QCOMPARE(message.left(body.size()), body);
         const quint16 crc = crc16Iso3309(body);
@@ -132,7 +141,8 @@ private slots:
         QTest::newRow("valid") << good << true;
         QTest::newRow("wrong checksum") << badChecksum << false;
         QTest::newRow("body changed") << badBody << false;
-        QTest::newRow("other name") << encodeConnectionMessage(QStringLiteral("key+2"), 1, 0) << false;
+        QTest::newRow("other name")
+            << encodeConnectionMessage(QStringLiteral("key+2"), 1, 0) << false;
         QTest::newRow("truncated") << good.left(6) << false;
         QTest::newRow("empty") << QByteArray() << false;
     }

@@ -29,12 +29,14 @@ private slots:
         LinuxCommandRunner runner(table);
         const QString entry = m_config.path() + QStringLiteral("/autostart/varnel.desktop");
 
-        runner.start(QStringLiteral(R"(schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)"));
+        runner.start(
+            QStringLiteral(R"(schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)"));
         QFile file(entry);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(file.readAll());
         QVERIFY(text.startsWith(QStringLiteral("[Desktop Entry]\n")));
-        QVERIFY(text.contains(QStringLiteral("Exec=\"%1\"").arg(QCoreApplication::applicationFilePath())));
+        QVERIFY(text.contains(
+            QStringLiteral("Exec=\"%1\"").arg(QCoreApplication::applicationFilePath())));
         QVERIFY(text.contains(QStringLiteral("Path=") + QDir::currentPath()));
         file.close();
 
@@ -48,7 +50,8 @@ private slots:
         addStartupCommands(*table);
         LinuxCommandRunner runner(table);
         QVERIFY(!table->knows(QStringLiteral("schtasks /create /tn \"Other\" /XML x.xml")));
-        QVERIFY(runner.runAndRead(QStringLiteral("definitely-not-a-program --flag"), 30000).isEmpty());
+        QVERIFY(
+            runner.runAndRead(QStringLiteral("definitely-not-a-program --flag"), 30000).isEmpty());
         QVERIFY(!table->run(QStringLiteral("schtasks /Delete /tn \"Varnrel\"")).has_value());
     }
 
@@ -89,9 +92,10 @@ private slots:
         auto routed = std::make_shared<UserStoreRegistry>();
         registry.addRoute(QStringLiteral("HKEY_CURRENT_USER\\Routed"), routed);
         registry.setValue(QStringLiteral("hkey_current_user\\routed\\a"), QStringLiteral("v"), 3);
-        QCOMPARE(routed->value(QStringLiteral("hkey_current_user\\routed\\a"), QStringLiteral("v"), 0)
-                     .toInt(),
-                 3);
+        QCOMPARE(
+            routed->value(QStringLiteral("hkey_current_user\\routed\\a"), QStringLiteral("v"), 0)
+                .toInt(),
+            3);
     }
 
     void identity()

@@ -47,13 +47,12 @@ private slots:
         FakePlatform fake;
         MainWindow w(fake.bundle());
         Ui::MainWindow *ui = w.form();
-        for (QCheckBox *box : {ui->Check_CloseHides, ui->Check_ExitDialog,
-                               ui->Check_Startwithwindows, ui->Check_StartHidden,
-                               ui->Check_DisableAudio, ui->checkBox_2}) {
+        for (QCheckBox *box :
+             {ui->Check_CloseHides, ui->Check_ExitDialog, ui->Check_Startwithwindows,
+              ui->Check_StartHidden, ui->Check_DisableAudio, ui->checkBox_2}) {
             QVERIFY2(!box->isChecked(), qPrintable(box->objectName()));
         }
-        QCOMPARE(menuTexts(w.trayMenu()),
-                 QStringList({"---", "Show Window Center", "Exit"}));
+        QCOMPARE(menuTexts(w.trayMenu()), QStringList({"---", "Show Window Center", "Exit"}));
         QVERIFY(w.generalTimer());
         QCOMPARE(w.generalTimer()->interval(), 2500);
         QVERIFY(w.generalTimer()->isActive());
@@ -181,9 +180,10 @@ private slots:
         fake.log->clear();
         w.form()->Check_Startwithwindows->click();
         w.form()->Check_Startwithwindows->click();
-        QCOMPARE(fake.log->withPrefix(QStringLiteral("start: schtasks")),
-                 QStringList({R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)",
-                              R"(start: schtasks /Delete /tn "Varnrel" /f)"}));
+        QCOMPARE(
+            fake.log->withPrefix(QStringLiteral("start: schtasks")),
+            QStringList({R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)",
+                         R"(start: schtasks /Delete /tn "Varnrel" /f)"}));
         QCOMPARE(folder.ini(kGeneral, QStringLiteral("start_with_windows")).toBool(), false);
     }
 
@@ -229,7 +229,8 @@ private slots:
             w.setGeometry(40, 50, 1500, 1720);
             w.ShutdownQuit();
         }
-        QVERIFY(!folder.ini(kGeneral, QStringLiteral("mainWindowGeometry")).toByteArray().isEmpty());
+        QVERIFY(
+            !folder.ini(kGeneral, QStringLiteral("mainWindowGeometry")).toByteArray().isEmpty());
         QVERIFY(!folder.ini(kGeneral, QStringLiteral("mainWindowState")).toByteArray().isEmpty());
         MainWindow restored(fake.bundle());
         QCOMPARE(restored.geometry().size(), QSize(1500, 1720));
