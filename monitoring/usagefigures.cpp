@@ -3,7 +3,6 @@
 #include <QSet>
 #include <QStringList>
 
-#include <climits>
 #include <cmath>
 
 int memoryUsePercent(quint64 totalBytes, quint64 availableBytes)
@@ -17,6 +16,10 @@ int memoryUsePercent(quint64 totalBytes, quint64 availableBytes)
 
 quint32 timeDelta(quint64 now, quint64 before)
 {
+    // A counter that stood still moved by nothing; the old - new - 1 rule made that 2^32 - 1
+    // and the load thousands of percent below zero.
+    if (now == before)
+        return 0;
     return static_cast<quint32>(now > before ? now - before : before - now - 1);
 }
 
@@ -34,8 +37,8 @@ int processorLoad(const ProcessorTimes &now, const ProcessorTimes &before)
         return -1;
     const double share =
         (static_cast<double>(busyAndIdle) - static_cast<double>(idle)) / busyAndIdle * 100;
-    // An idle counter that stood still reads as a huge interval; keep the conversion defined.
-    return static_cast<int>(qBound<double>(INT_MIN, share, INT_MAX));
+    // Counters sampled a moment apart can disagree by a little; a share is never outside 0-100.
+    return static_cast<int>(qBound(0.0, share, 100.0));
 }
 
 OctetSums firstBusyPerType(const QVector<InterfaceCounters> &table)

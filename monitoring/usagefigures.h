@@ -13,7 +13,7 @@
 int memoryUsePercent(quint64 totalBytes, quint64 availableBytes);
 
 // Difference of two cumulative processor times as the widget takes it: a counter that went
-// backwards yields old - new - 1, and only the low 32 bits count.
+// backwards yields old - new - 1, one that stood still 0, and only the low 32 bits count.
 quint32 timeDelta(quint64 now, quint64 before);
 
 // Processor times as the platform reports them: idle, kernel (idle included) and user.
@@ -26,7 +26,7 @@ struct ProcessorTimes {
 // A previous idle time with a zero 32-bit half counts as no sample yet.
 bool isUsableSample(const ProcessorTimes &previous);
 
-// Busy share of the interval in whole percent, or -1 when the interval holds no time.
+// Busy share of the interval in whole percent, 0 to 100, or -1 when the interval holds no time.
 int processorLoad(const ProcessorTimes &now, const ProcessorTimes &before);
 
 // Received and sent octets of the first busy interface of each type, in table order: the same

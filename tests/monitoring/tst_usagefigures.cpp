@@ -12,6 +12,8 @@ private slots:
     void processorTimesWrapAsTheWidgetTakesThem_data();
     void processorTimesWrapAsTheWidgetTakesThem();
     void processorLoadNeedsAUsablePreviousSample();
+    void processorLoadStaysWithinAPercent_data();
+    void processorLoadStaysWithinAPercent();
     void onlyTheFirstBusyInterfaceOfEachTypeCounts_data();
     void onlyTheFirstBusyInterfaceOfEachTypeCounts();
     void octetRatesUseThirtyTwoBitCounters();
@@ -51,8 +53,7 @@ void UsageFiguresTest::processorTimesWrapAsTheWidgetTakesThem_data()
     QTest::addColumn<quint64>("before");
     QTest::addColumn<quint32>("delta");
     QTest::newRow("forward") << quint64(5000) << quint64(2000) << quint32(3000);
-    QTest::newRow("unchanged counts as backwards")
-        << quint64(7) << quint64(7) << quint32(0xFFFFFFFF);
+    QTest::newRow("unchanged moved by nothing") << quint64(7) << quint64(7) << quint32(0);
     QTest::newRow("backwards") << quint64(2000) << quint64(5000) << quint32(2999);
     QTest::newRow("only the low 32 bits") << (quint64(3) << 32) + 10 << quint64(1) << quint32(9);
 }
@@ -80,6 +81,31 @@ void UsageFiguresTest::processorLoadNeedsAUsablePreviousSample()
     // 33.33...% busy is truncated, not rounded.
     QCOMPARE(processorLoad({base + 2000000, base * 2 + 2000000, 1000 + 1000000}, before), 33);
     QCOMPARE(processorLoad({base + 1, base * 2 + 1000001, 1000 + 1000000}, before), 99);
+}
+
+void UsageFiguresTest::processorLoadStaysWithinAPercent_data()
+{
+    QTest::addColumn<quint64>("idle");   // movement of each counter during the tick
+    QTest::addColumn<quint64>("kernel"); // idle included
+    QTest::addColumn<quint64>("user");
+    QTest::addColumn<int>("load");
+    QTest::newRow("full load: the idle counter stood still")
+        << quint64(0) << quint64(4000000) << quint64(16000000) << 100;
+    QTest::newRow("idle ahead of the busy counters")
+        << quint64(9000000) << quint64(4000000) << quint64(1000000) << 0;
+    QTest::newRow("all idle") << quint64(20000000) << quint64(20000000) << quint64(0) << 0;
+    QTest::newRow("half") << quint64(10000000) << quint64(12000000) << quint64(8000000) << 50;
+}
+
+void UsageFiguresTest::processorLoadStaysWithinAPercent()
+{
+    QFETCH(quint64, idle);
+    QFETCH(quint64, kernel);
+    QFETCH(quint64, user);
+    QFETCH(int, load);
+    const quint64 base = (quint64(7) << 32) + 12345;
+    const ProcessorTimes before{base, base * 3, base / 2};
+    QCOMPARE(processorLoad({base + idle, base * 3 + kernel, base / 2 + user}, before), load);
 }
 
 void UsageFiguresTest::onlyTheFirstBusyInterfaceOfEachTypeCounts_data()
