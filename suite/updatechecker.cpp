@@ -2,11 +2,11 @@
 
 #include "commandrunner.h"
 #include "dialogs.h"
+#include "scheduler.h"
 #include "ui_mainwindow.h"
 #include "versioncompare.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
 #include <QLoggingCategory>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -20,12 +20,14 @@ const char kUpdateServer[] = "updateserver";
 const char kVersionPath[] = "/varnel/version";
 const char kPending[] = "Varnel";
 const char kTitle[] = "Update Information";
+const int kGiveUpMs = 10000;
 
 } // namespace
 
 UpdateChecker::UpdateChecker(Ui::MainWindow &ui, const Platform &platform, const Settings &settings,
                              QWidget *window)
-    : QObject(window), m_ui(ui), m_platform(platform), m_settings(settings), m_window(window)
+    : QObject(window), m_ui(ui), m_platform(platform), m_settings(settings), m_window(window),
+      m_network(new QNetworkAccessManager(this))
 {
 }
 
@@ -40,27 +42,39 @@ QUrl UpdateChecker::versionUrl() const
     return url;
 }
 
-QString UpdateChecker::fetchLatestVersion()
-{
-    const QUrl url = versionUrl();
-    if (url.isEmpty())
-        return QString();
-    QNetworkAccessManager network;
-    QNetworkReply *reply = network.get(QNetworkRequest(url));
-    QEventLoop loop;
-    connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    loop.exec();
-    // The body counts whatever the status; a failed connection has none.
-    const QString body = QString::fromUtf8(reply->readAll());
-    qCDebug(lcUpdates) << url << "answered" << reply->error() << body;
-    return body; // the reply goes with its manager
-}
-
 void UpdateChecker::check()
 {
     m_ui.Button_Update->setEnabled(false);
+    if (m_reply)
+        return;
+    const QUrl url = versionUrl();
+    if (url.isEmpty()) {
+        showResult(QString());
+        return;
+    }
+    // Waiting for the answer in a local event loop kept the window from appearing while a
+    // server held the connection open: the answer is taken when it comes, within 10 s.
+    m_reply = m_network->get(QNetworkRequest(url));
+    QNetworkReply *reply = m_reply;
+    connect(reply, &QNetworkReply::finished, this, [this, reply] { answered(reply); });
+    m_platform.scheduler->singleShot(kGiveUpMs, reply, "abort");
+}
+
+void UpdateChecker::answered(QNetworkReply *reply)
+{
+    reply->deleteLater();
+    if (reply != m_reply)
+        return;
+    m_reply = nullptr;
+    // The body counts whatever the status; a failed or abandoned connection has none.
+    const QByteArray body = reply->readAll();
+    qCDebug(lcUpdates) << reply->url() << "answered" << reply->error() << body.left(200);
+    showResult(versionFromAnswer(body));
+}
+
+void UpdateChecker::showResult(const QString &latest)
+{
     const QString installed = QCoreApplication::applicationVersion();
-    const QString latest = fetchLatestVersion();
     m_ui.Label_CurrentVersion->setText(QStringLiteral("Installed Version: ") + installed);
     m_ui.Label_LatestVersion->setText(QStringLiteral("Latest Version: ") + latest);
 
@@ -76,6 +90,7 @@ void UpdateChecker::check()
                            "tester?"),
             QStringLiteral("Your version is newer then the official latest! You are probably a "
                            "beta tester.\n"));
+    emit checked();
 }
 
 void UpdateChecker::checkByHand()

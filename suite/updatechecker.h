@@ -4,11 +4,14 @@
 #include "settingsfiles.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QUrl>
 
 namespace Ui {
 class MainWindow;
 }
+class QNetworkAccessManager;
+class QNetworkReply;
 class QWidget;
 
 // Compares this program's version with the one the reseller's update server publishes, shows
@@ -19,7 +22,8 @@ public:
     UpdateChecker(Ui::MainWindow &ui, const Platform &platform, const Settings &settings,
                   QWidget *window);
 
-    // One check; runs a local event loop until the server answers or the request fails.
+    // One check. It returns at once and the result is shown when the server answers; a server
+    // silent for 10 s counts as unreachable. A check asked for while one is under way joins it.
     void check();
     // The same check, started by the user: results without an update are announced too.
     void checkByHand();
@@ -30,8 +34,13 @@ public:
     // configured.
     QUrl versionUrl() const;
 
+signals:
+    // A check has shown its result.
+    void checked();
+
 private:
-    QString fetchLatestVersion();
+    void answered(QNetworkReply *reply);
+    void showResult(const QString &latest);
     void offerUpdate();
     void reportNoUpdate(const QString &label, const QString &message);
 
@@ -40,4 +49,6 @@ private:
     Settings m_settings;
     QWidget *m_window;
     bool m_manualUpdateCheck = false;
+    QNetworkAccessManager *m_network = nullptr;
+    QPointer<QNetworkReply> m_reply;
 };

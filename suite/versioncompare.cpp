@@ -1,6 +1,9 @@
 #include "versioncompare.h"
 
+#include <QRegularExpression>
 #include <QStringList>
+
+#include <climits>
 
 int compareVersions(const QString &installed, const QString &latest)
 {
@@ -11,8 +14,20 @@ int compareVersions(const QString &installed, const QString &latest)
         // toInt() yields 0 for anything that is not a number, which is the intended rank.
         const int left = a.at(i).toInt(nullptr, 10);
         const int right = b.at(i).toInt(nullptr, 10);
+        // Parts reach the whole int range ("-2147483648"): their difference may not.
         if (left != right)
-            return left - right;
+            return static_cast<int>(qBound<qint64>(INT_MIN, qint64(left) - right, INT_MAX));
     }
     return a.size() - b.size();
+}
+
+QString versionFromAnswer(const QByteArray &body)
+{
+    static const QRegularExpression version(QStringLiteral("^[0-9]{1,9}(\\.[0-9]{1,9}){0,7}$"));
+    const int kLongestVersion = 8 * 10;
+    const QByteArray trimmed = body.trimmed();
+    if (trimmed.size() > kLongestVersion)
+        return QString();
+    const QString text = QString::fromLatin1(trimmed);
+    return version.match(text).hasMatch() ? text : QString();
 }

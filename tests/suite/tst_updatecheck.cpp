@@ -24,6 +24,14 @@ QStringList updaterStarts(const OperationLog &log)
     return log.entries.filter(QStringLiteral("Update.exe"));
 }
 
+// Runs what starts a check and waits for its result.
+template <typename Start> bool checkAndWait(UpdateChecker *updates, Start start)
+{
+    QSignalSpy checked(updates, &UpdateChecker::checked);
+    start();
+    return checked.count() > 0 || checked.wait(5000);
+}
+
 QString pendingUpdate(const TestFolder &folder)
 {
     QSettings work(folder.file(kWorkFile), QSettings::IniFormat);
@@ -41,6 +49,7 @@ private slots:
     void checksAtStartAndByHand();
     void anUpdateIsOfferedOnEveryCheck();
     void theShippedPlaceholderIsNeverAsked();
+    void aSilentServerNeverDelaysTheWindow();
 };
 
 void TestUpdateCheck::checksAtStartAndByHand_data()
@@ -60,7 +69,17 @@ void TestUpdateCheck::checksAtStartAndByHand_data()
     QTest::newRow("older on the server")
         << 200 << QByteArray("2.3") << "Latest Version: 2.3" << kBetaText << betaBox;
     QTest::newRow("error status, body still read")
-        << 404 << QByteArray("Not Found") << "Latest Version: Not Found" << kBetaText << betaBox;
+        << 404 << QByteArray("3.0") << "Latest Version: 3.0" << kUpdateText << QString();
+    // An answer that is no version is no answer: never shown whole, never offering an update.
+    QTest::newRow("error page") << 404
+                                << QByteArray("<html><body><h1>Not Found</h1></body></html>\n")
+                                << "Latest Version: " << kBetaText << betaBox;
+    QTest::newRow("trailing line break")
+        << 200 << QByteArray("2.3.1\r\n") << "Latest Version: 2.3.1" << kLatestText << sameText;
+    QTest::newRow("ten kilobytes")
+        << 200 << QByteArray(10240, '7') << "Latest Version: " << kBetaText << betaBox;
+    QTest::newRow("lowest int") << 200 << QByteArray("-2147483648")
+                                << "Latest Version: " << kBetaText << betaBox;
     QTest::newRow("server error, empty body")
         << 500 << QByteArray() << "Latest Version: " << kBetaText << betaBox;
     QTest::newRow("connection refused")
@@ -84,22 +103,30 @@ void TestUpdateCheck::checksAtStartAndByHand()
                   status ? server.address() : VersionServer::refusingAddress());
 
     FakePlatform fake;
+    fake.dialogs->answers = {QMessageBox::No};
     MainWindow w(fake.bundle());
     Ui::MainWindow &ui = *w.form();
     auto *updates = w.findChild<UpdateChecker *>();
     QVERIFY(updates);
+    QVERIFY(checkAndWait(updates, [] {}));
 
-    // The check during start-up announces nothing unless there is an update.
     QCOMPARE(server.requests,
              status ? QStringList({"GET /varnel/version HTTP/1.1"}) : QStringList());
     QCOMPARE(ui.Label_CurrentVersion->text(), QStringLiteral("Installed Version: 2.3.1"));
     QCOMPARE(ui.Label_LatestVersion->text(), latestLabel);
     QCOMPARE(ui.Label_AboutVersion->text(), aboutLabel);
+    if (boxText.isEmpty()) {
+        // An update: offered at once, on the automatic check too.
+        QCOMPARE(fake.dialogs->shown.size(), 1);
+        QVERIFY(ui.Button_Update->isEnabled());
+        return;
+    }
+    // The check during start-up announces nothing unless there is an update.
     QVERIFY(!ui.Button_Update->isEnabled());
     QCOMPARE(pendingUpdate(folder), QStringLiteral("false"));
     QVERIFY(fake.dialogs->shown.isEmpty());
 
-    ui.Button_CheckForUpdates->click();
+    QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
     QCOMPARE(fake.dialogs->shown.size(), 1);
     QCOMPARE(fake.dialogs->shown.first().icon, QMessageBox::Information);
     QCOMPARE(fake.dialogs->shown.first().title, QStringLiteral("Update Information"));
@@ -109,7 +136,7 @@ void TestUpdateCheck::checksAtStartAndByHand()
     QCOMPARE(updaterStarts(*fake.log), QStringList());
 
     // Cleared: the next automatic check is quiet again.
-    QVERIFY(QMetaObject::invokeMethod(&w, "SetAppVersion"));
+    QVERIFY(checkAndWait(updates, [&] { QMetaObject::invokeMethod(&w, "SetAppVersion"); }));
     QCOMPARE(fake.dialogs->shown.size(), 1);
 }
 
@@ -126,6 +153,7 @@ void TestUpdateCheck::anUpdateIsOfferedOnEveryCheck()
     MainWindow w(fake.bundle());
     Ui::MainWindow &ui = *w.form();
     auto *updates = w.findChild<UpdateChecker *>();
+    QVERIFY(checkAndWait(updates, [] {}));
 
     // Start-up: asked at once, and Yes starts the updater.
     QCOMPARE(ui.Label_AboutVersion->text(), kUpdateText);
@@ -141,7 +169,7 @@ void TestUpdateCheck::anUpdateIsOfferedOnEveryCheck()
     QCOMPARE(updaterStarts(*fake.log), QStringList({kUpdater}));
 
     // By hand, answered No: nothing starts, and the manual flag stays set.
-    ui.Button_CheckForUpdates->click();
+    QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
     QCOMPARE(fake.dialogs->shown.size(), 2);
     QCOMPARE(updaterStarts(*fake.log).size(), 1);
     QVERIFY(updates->manualUpdateCheck());
@@ -150,7 +178,7 @@ void TestUpdateCheck::anUpdateIsOfferedOnEveryCheck()
 
     // The flag still set, the next result without an update is announced, then cleared.
     server.body = "2.3.1";
-    QVERIFY(QMetaObject::invokeMethod(&w, "SetAppVersion"));
+    QVERIFY(checkAndWait(updates, [&] { QMetaObject::invokeMethod(&w, "SetAppVersion"); }));
     QCOMPARE(fake.dialogs->shown.size(), 3);
     QCOMPARE(fake.dialogs->shown.last().text, kLatestText + QLatin1Char('\n'));
     QVERIFY(!updates->manualUpdateCheck());
@@ -172,6 +200,43 @@ void TestUpdateCheck::theShippedPlaceholderIsNeverAsked()
 
     folder.setIni(kBranding, "updateserver", "http://updates.example.com:8080");
     QCOMPARE(updates->versionUrl(), QUrl("http://updates.example.com:8080/varnel/version"));
+}
+
+void TestUpdateCheck::aSilentServerNeverDelaysTheWindow()
+{
+    TestFolder folder;
+    VersionServer server;
+    QVERIFY(server.listen());
+    server.silent = true;
+    folder.setIni(kBranding, "updateserver", server.address());
+
+    // Should the window wait for the answer, this ends the wait from inside its constructor.
+    bool constructing = true;
+    bool waitedInside = false;
+    QTimer release;
+    release.setSingleShot(true);
+    connect(&release, &QTimer::timeout, [&] {
+        waitedInside = constructing;
+        server.dropAll();
+    });
+    release.start(3000);
+
+    FakePlatform fake;
+    MainWindow w(fake.bundle());
+    constructing = false;
+    QVERIFY(!waitedInside);
+    auto *updates = w.findChild<UpdateChecker *>();
+    QTRY_COMPARE(server.requests.size(), 1);
+    QCOMPARE(w.form()->Label_AboutVersion->text(),
+             QStringLiteral("Your are running a Beta Version"));
+
+    // Ten seconds without an answer: unreachable.
+    QVERIFY(fake.scheduler->history.contains(QStringLiteral("10000 abort")));
+    QVERIFY(checkAndWait(updates, [&] { fake.scheduler->advance(10000); }));
+    release.stop();
+    QCOMPARE(w.form()->Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
+    QCOMPARE(w.form()->Label_AboutVersion->text(), kBetaText);
+    QVERIFY(fake.dialogs->shown.isEmpty());
 }
 
 QTEST_MAIN(TestUpdateCheck)

@@ -8,6 +8,8 @@ class TestVersionCompare : public QObject {
 private slots:
     void ranksVersions_data();
     void ranksVersions();
+    void versionFromAnswer_data();
+    void versionFromAnswer();
 };
 
 void TestVersionCompare::ranksVersions_data()
@@ -49,6 +51,31 @@ void TestVersionCompare::ranksVersions_data()
                                                         << 0;
     QTest::newRow("leading zeros") << "1.04"
                                    << "1.4" << 0;
+    // The difference of the parts does not fit an int: bounded, never turned into an update.
+    QTest::newRow("lowest int as latest") << "1.4.4"
+                                          << "-2147483648" << 2147483647;
+    QTest::newRow("lowest int as installed") << "-2147483648"
+                                             << "1" << -2147483647 - 1;
+}
+
+void TestVersionCompare::versionFromAnswer_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("version");
+    QTest::newRow("version") << QByteArray("1.4.5") << "1.4.5";
+    QTest::newRow("surrounding white space") << QByteArray(" 2.0\r\n") << "2.0";
+    QTest::newRow("error page") << QByteArray("<html><body>404 Not Found</body></html>") << "";
+    QTest::newRow("ten kilobytes of digits") << QByteArray(10240, '1') << "";
+    QTest::newRow("two lines") << QByteArray("1.4.5\n1.4.6") << "";
+    QTest::newRow("negative") << QByteArray("-2147483648") << "";
+    QTest::newRow("nine parts") << QByteArray("1.2.3.4.5.6.7.8.9") << "";
+    QTest::newRow("empty") << QByteArray() << "";
+}
+
+void TestVersionCompare::versionFromAnswer()
+{
+    QFETCH(QByteArray, body);
+    QTEST(::versionFromAnswer(body), "version");
 }
 
 void TestVersionCompare::ranksVersions()

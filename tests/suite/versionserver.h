@@ -12,6 +12,14 @@ public:
     int status = 200;
     QByteArray body;
     QStringList requests;
+    bool silent = false; // take the request, never answer
+
+    // Closes every connection still held open.
+    void dropAll()
+    {
+        for (QTcpSocket *socket : m_server.findChildren<QTcpSocket *>())
+            socket->abort();
+    }
 
     bool listen() { return m_server.listen(QHostAddress::LocalHost, 0); }
     QString address() const
@@ -46,6 +54,8 @@ private:
             if (!m_pending[socket].contains("\r\n\r\n"))
                 return;
             requests << QString::fromLatin1(m_pending.take(socket).split('\r').first());
+            if (silent)
+                return;
             socket->write("HTTP/1.1 " + QByteArray::number(status) + " Answer\r\n" +
                           "Content-Type: text/plain\r\nContent-Length: " +
                           QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body);
