@@ -72,7 +72,9 @@ std::optional<CpuProfileMatch> matchCpuProfile(const QString &cpuName, const QSt
 
 TurboLimits turboLimitsWithDefaults(TurboLimits limits)
 {
-    if (limits.max == 0)
+    // The slider's range is 8 ... max + 1: a max outside 8 ... 8000 (1 W ... 1000 W) would jam it
+    // at 1 W, or overflow, so it counts as missing.
+    if (limits.max < 8 || limits.max > kDefaultTurboPowerMax)
         limits.max = kDefaultTurboPowerMax;
     if (limits.unlimited.isEmpty())
         limits.unlimited = QLatin1String(kDefaultTurboPowerUnlimited);

@@ -21,7 +21,8 @@ struct CpuProfileMatch {
 // processor. All tests are case-sensitive substring tests; some rows also look at the model.
 std::optional<CpuProfileMatch> matchCpuProfile(const QString &cpuName, const QString &laptopModel);
 
-// The turbo-power limits a profile gives, with the built-in defaults for missing values.
+// The turbo-power limits a profile gives, with the built-in defaults for missing values. A
+// limit outside 8 ... 8000 (1 W ... 1000 W) counts as missing.
 struct TurboLimits {
     int max = 0;       // highest finite slider position, 1/8 W steps
     QString unlimited; // watts sent for the top position

@@ -10,6 +10,8 @@
 #include "ui_mainwindow.h"
 #include "xtuclient.h"
 
+#include <QSpinBox>
+
 Q_LOGGING_CATEGORY(lcCpuTuning, "varnel.cputuning", QtDebugMsg)
 
 namespace {
@@ -27,6 +29,10 @@ CpuTuning::CpuTuning(Ui::MainWindow &form, Platform platform, Settings settings,
 {
     for (int id : xtu::kReadOrder)
         m_readQueries << xtu::readArguments(id);
+    // Only the first spin box has a handler of its own; every one of them can be set.
+    for (int cores = 1; cores <= 8; ++cores)
+        connect(coreSpin(cores), qOverload<int>(&QSpinBox::valueChanged), this,
+                [this, cores] { markKnown(CoreRatio1 + cores - 1); });
 }
 
 QString CpuTuning::runQuery(const QString &commandLine)
@@ -108,6 +114,7 @@ void CpuTuning::loadRecommended()
 
 void CpuTuning::undervoltChanged(int position)
 {
+    markKnown(Undervolt);
     ui.Button_ApplyValues->setEnabled(true);
     undervoltText = undervoltTextFor(position);
     ui.Label_UnderVolt_Value->setText(undervoltText + QStringLiteral("mV"));
@@ -116,6 +123,7 @@ void CpuTuning::undervoltChanged(int position)
 
 void CpuTuning::turboPowerChanged(int position)
 {
+    markKnown(TurboPower);
     turboPowerText = turboPowerTextFor(position, turboPowerMax, turboPowerUnlimited);
     ui.Label_TurboPowerValue->setText(turboPowerText + QStringLiteral("W"));
     ui.Button_ApplyValues->setEnabled(true);
@@ -124,6 +132,7 @@ void CpuTuning::turboPowerChanged(int position)
 
 void CpuTuning::turboTimeChanged(int seconds)
 {
+    markKnown(TurboTime);
     turboTimeText = QString::number(seconds);
     ui.Label_BoostTimeValue->setText(turboTimeText + QStringLiteral("Sec"));
     ui.Button_ApplyValues->setEnabled(true);

@@ -10,6 +10,7 @@
 #include <QVector>
 
 #include <array>
+#include <bitset>
 
 namespace Ui {
 class MainWindow;
@@ -104,6 +105,12 @@ public:
     AsyncProcess *readProcess10 = nullptr;
     AsyncProcess *readProcess11 = nullptr;
 
+    // The values an apply may write and save: read from the client, or set since start-up (by
+    // hand, "Recommended", a power mode or the re-apply check). A control's start-up position
+    // is neither, so it never reaches the client or the saved settings.
+    enum TuningValue { Undervolt, TurboPower, TurboTime, CoreRatio1 };
+    bool isKnown(int tuningValue) const { return m_known.test(std::size_t(tuningValue)); }
+
     // The per-core members by active-core count (1 ... 8) and read order (1 ... 11).
     int &readCoreRatio(int cores);
     AsyncProcess *coreWriteProcess(int cores) const;
@@ -178,6 +185,9 @@ private:
     QString readAvailableOutput(int order);
     QString runQuery(const QString &commandLine);
 
+    void markKnown(int tuningValue) { m_known.set(std::size_t(tuningValue)); }
+    void saveKnownValues();
+
     QSpinBox *coreSpin(int cores) const;
     QLabel *coreLabel(int cores) const;
 
@@ -186,4 +196,5 @@ private:
     Platform m_platform;
     Settings m_settings;
     QWidget *m_window;
+    std::bitset<CoreRatio1 + 8> m_known;
 };

@@ -4,6 +4,7 @@
 #include "cpulog.h"
 #include "cputuning.h"
 #include "keys.h"
+#include "tuningformat.h"
 #include "tuningkeys.h"
 #include "ui_mainwindow.h"
 #include "xtuclient.h"
@@ -106,13 +107,26 @@ void CpuTuning::apply()
         return;
     serviceApplyProcess->startCommand(xtu::serviceStart);
     ui.Button_ApplyValues->setEnabled(false);
-    const SettingsFile general = m_settings.general();
-    general.setValue(keys::undervolt, ui.undervolt_slider->value());
-    general.setValue(keys::boostPower, turboPowerText);
-    general.setValue(keys::turboTime, ui.Slider_TurboTime->value());
-    for (int cores = 1; cores <= 8; ++cores)
-        general.setValue(coreMultiKey(cores), coreSpin(cores)->value());
+    saveKnownValues();
     ui.checkBox_ReApply->setEnabled(true);
+}
+
+// A start-up position saved here would replace what the user applied before, without a client
+// to ever read it: only known values are saved.
+void CpuTuning::saveKnownValues()
+{
+    const SettingsFile general = m_settings.general();
+    if (isKnown(Undervolt))
+        general.setValue(keys::undervolt, ui.undervolt_slider->value());
+    // With the override on, the turbo power is the power mode's; the tab's own stays saved.
+    if (isKnown(TurboPower) && !ui.turbo_override->isChecked())
+        general.setValue(keys::boostPower, turboPowerText);
+    if (isKnown(TurboTime))
+        general.setValue(keys::turboTime, ui.Slider_TurboTime->value());
+    for (int cores = 1; cores <= 8; ++cores) {
+        if (isKnown(CoreRatio1 + cores - 1))
+            general.setValue(coreMultiKey(cores), coreSpin(cores)->value());
+    }
 }
 
 void CpuTuning::getxtuvalues()
@@ -129,7 +143,8 @@ void CpuTuning::writeValue(AsyncProcess *process, int id, const QString &value)
 
 void CpuTuning::XTUOutputUnderVoltOut()
 {
-    if (readUndervolt == undervoltText) {
+    // A value never read nor set is skipped like an unchanged one: the processor keeps its own.
+    if (!isKnown(Undervolt) || readUndervolt == undervoltText) {
         XTUTurboPowerOut();
         return;
     }
@@ -139,7 +154,8 @@ void CpuTuning::XTUOutputUnderVoltOut()
 void CpuTuning::XTUTurboPowerOut()
 {
     undervoltWriteProcess->close();
-    if (QString(turboPowerText).replace(QLatin1Char('.'), QLatin1Char(',')) == readTurboPower) {
+    if (!isKnown(TurboPower) ||
+        QString(turboPowerText).replace(QLatin1Char('.'), QLatin1Char(',')) == readTurboPower) {
         XTUTurboTimeOut();
         return;
     }
@@ -152,7 +168,7 @@ void CpuTuning::XTUTurboPowerOut()
 void CpuTuning::XTUTurboTimeOut()
 {
     powerWriteProcess->close();
-    if (readTurboTime == ui.Slider_TurboTime->value()) {
+    if (!isKnown(TurboTime) || readTurboTime == ui.Slider_TurboTime->value()) {
         Core1Out();
         return;
     }
@@ -164,7 +180,8 @@ void CpuTuning::coreOut(int cores)
     (cores == 1 ? timeWriteProcess : coreWriteProcess(cores - 1))->close();
     QSpinBox *spin = coreSpin(cores);
     // A spin box in a disabled frame counts as disabled; a hidden one does not.
-    const bool skip = spin->value() == readCoreRatio(cores) || !spin->isEnabled();
+    const bool skip = spin->value() == readCoreRatio(cores) || !spin->isEnabled() ||
+                      !isKnown(CoreRatio1 + cores - 1);
     if (!skip) {
         writeValue(coreWriteProcess(cores), xtu::kCoreIds[cores - 1],
                    QString::number(spin->value()));
@@ -292,36 +309,44 @@ void CpuTuning::terminateprocess()
 void CpuTuning::comprareXTU()
 {
     const SettingsFile general = m_settings.general();
-    // Each control that differs from what was last applied takes the saved value.
-    auto restore = [this](auto saved, auto shown, auto set) {
-        if (saved == shown)
+    // Each control that differs from what was last applied takes the saved value. A key that
+    // was never saved is no value to restore (it would read as 0).
+    auto restore = [this, &general](const QString &key, auto saved, auto shown, auto set) {
+        if (!general.contains(key) || saved == shown)
             return;
         set();
         reapplyPending = true;
     };
 
     const int undervolt = general.value(keys::undervolt).toInt();
-    restore(undervolt, ui.undervolt_slider->value(),
+    restore(QLatin1String(keys::undervolt), undervolt, ui.undervolt_slider->value(),
             [&] { ui.undervolt_slider->setValue(undervolt); });
 
     if (ui.turbo_override->isChecked()) {
         const int target = ui.power_mode_turbo_boost->value();
-        restore(target, ui.Slider_TurboBoost->value(),
-                [&] { ui.Slider_TurboBoost->setValue(target); });
+        if (target != ui.Slider_TurboBoost->value()) {
+            ui.Slider_TurboBoost->setValue(target);
+            reapplyPending = true;
+        }
     } else {
         const QString saved = general.value(keys::boostPower)
                                   .toString()
                                   .remove(QLatin1Char('W'))
                                   .replace(QLatin1Char(','), QLatin1Char('.'));
-        restore(saved, ui.Label_TurboPowerValue->text().remove(QLatin1Char('W')),
-                [&] { ui.Slider_TurboBoost->setValue(static_cast<int>(saved.toDouble() * 8)); });
+        // A saved figure that is no power (1e300) restores nothing.
+        if (const auto position = turboPowerPosition(saved))
+            restore(QLatin1String(keys::boostPower), saved,
+                    ui.Label_TurboPowerValue->text().remove(QLatin1Char('W')),
+                    [&] { ui.Slider_TurboBoost->setValue(*position); });
     }
 
     const int seconds = general.value(keys::turboTime).toInt();
-    restore(seconds, ui.Slider_TurboTime->value(), [&] { ui.Slider_TurboTime->setValue(seconds); });
+    restore(QLatin1String(keys::turboTime), seconds, ui.Slider_TurboTime->value(),
+            [&] { ui.Slider_TurboTime->setValue(seconds); });
     for (int cores = 1; cores <= 8; ++cores) {
-        const int ratio = general.value(coreMultiKey(cores)).toInt();
-        restore(ratio, coreSpin(cores)->value(), [&] { coreSpin(cores)->setValue(ratio); });
+        const QString key = coreMultiKey(cores);
+        const int ratio = general.value(key).toInt();
+        restore(key, ratio, coreSpin(cores)->value(), [&] { coreSpin(cores)->setValue(ratio); });
     }
 
     if (reapplyPending) {

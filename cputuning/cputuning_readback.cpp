@@ -15,6 +15,7 @@ void CpuTuning::get1out()
     const auto reading = parseUndervolt(readAvailableOutput(1));
     if (!reading)
         return;
+    markKnown(Undervolt);
     ui.undervolt_slider->setValue(reading->sliderValue);
     ui.Label_UnderVolt_Value->setText(reading->label);
     readUndervolt = reading->readUndervolt;
@@ -27,6 +28,7 @@ void CpuTuning::get2out()
         decimalComma = true;
     if (!parse.reading)
         return;
+    markKnown(TurboPower);
     ui.Label_TurboPowerValue->setText(parse.reading->label);
     ui.Slider_TurboBoost->setValue(parse.reading->sliderValue);
     readTurboPower = parse.reading->readTurboPower;
@@ -37,6 +39,7 @@ void CpuTuning::get3out()
     const auto reading = parseTurboTime(readAvailableOutput(3));
     if (!reading)
         return;
+    markKnown(TurboTime);
     ui.Slider_TurboTime->setRange(0, reading->maximum);
     ui.Label_BoostTimeValue->setText(reading->label);
     ui.Slider_TurboTime->setValue(reading->value);
@@ -48,6 +51,7 @@ void CpuTuning::readCoreRatioRow(int cores)
     // Reads 4 ... 11 are the ratios for 1 ... 8 active cores.
     const CoreRatioParse parse = parseCoreRatio(readAvailableOutput(cores + 3), cores);
     if (parse.reading) {
+        markKnown(CoreRatio1 + cores - 1);
         QSpinBox *spin = coreSpin(cores);
         spin->setRange(parse.reading->minimum, parse.reading->maximum);
         spin->setValue(parse.reading->value);

@@ -1,5 +1,7 @@
 #include "tuningformat.h"
 
+#include <cmath>
+
 QString milliwattsAsWatts(qint64 milliwatts)
 {
     // A thousand watts and more is the fixed whole figure; only decimals lose their trailing
@@ -30,4 +32,15 @@ QString undervoltTextFor(int position)
     if (position >= 2)
         return QStringLiteral("-") + QString::number(position);
     return QStringLiteral("0");
+}
+
+std::optional<int> turboPowerPosition(const QString &watts)
+{
+    const double kHighestWatts = 4096;
+    bool ok = false;
+    const double value = watts.toDouble(&ok);
+    // toDouble() also takes "nan", "inf" and exponents; check before converting.
+    if (!ok || !std::isfinite(value) || value < 0 || value > kHighestWatts)
+        return std::nullopt;
+    return static_cast<int>(value * 8);
 }

@@ -1,5 +1,7 @@
 #include "tuningparsers.h"
 
+#include "tuningformat.h"
+
 #include <QStringList>
 
 const QString kClientTableHeader = QStringLiteral(
@@ -90,10 +92,15 @@ TurboPowerParse parseTurboPower(const QString &output)
     text.replace(QStringLiteral("48,Turbo,Boost,Power,"), kComma);
     const QString value = field(text.split(QLatin1Char(','), Qt::SkipEmptyParts), 0);
 
+    const QString watts = QString(value).remove(QLatin1Char('W'));
+    // A figure that is no power at all ("nanW", "1e10W") is no reading: taking it as 0 would
+    // later write 1 W to the processor.
+    const auto position = turboPowerPosition(watts);
+    if (!position)
+        return parse;
     TurboPowerReading reading;
     reading.label = value;
-    const QString watts = QString(value).remove(QLatin1Char('W'));
-    reading.sliderValue = static_cast<int>(watts.toDouble() * 8);
+    reading.sliderValue = *position;
     reading.readTurboPower = QString(watts).replace(kPoint, kComma);
     parse.reading = reading;
     return parse;

@@ -19,7 +19,8 @@ struct UndervoltReading {
 };
 std::optional<UndervoltReading> parseUndervolt(const QString &output);
 
-// Turbo Boost Power Max (query 48).
+// Turbo Boost Power Max (query 48). A value that is not a power from 0 to 4096 W gives no
+// reading.
 struct TurboPowerReading {
     QString label;          // the value as the client printed it, unit included
     int sliderValue = 0;    // 1/8 W steps

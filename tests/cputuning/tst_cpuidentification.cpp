@@ -255,6 +255,14 @@ void CpuIdentificationTest::turboLimits_data()
                            << "1000W";
     QTest::newRow("no profile file") << QVariantMap{} << 8001 << "4095.875W"
                                      << "1000W";
+    // Limits no slider can hold count as missing instead of jamming it at 1 W.
+    QTest::newRow("max at the integer limit")
+        << QVariantMap{{"max", "2147483647"}} << 8001 << "4095.875W"
+        << "1000W";
+    QTest::newRow("max negative") << QVariantMap{{"max", -40}} << 8001 << "4095.875W"
+                                  << "1000W";
+    QTest::newRow("max above a thousand watts") << QVariantMap{{"max", 8200}} << 8001 << "4095.875W"
+                                                << "1000W";
 }
 
 void CpuIdentificationTest::turboLimits()

@@ -39,6 +39,9 @@ private slots:
     void silentClientChangesNothing();
     void rowSplitAcrossTwoReadsChangesNothing();
     void reapplyRunsAtMostOncePerRun();
+    void reapplyRestoresOnlyWhatWasSavedAndMakesSense();
+    void valuesNeverReadNorSetAreNeitherWrittenNorSaved_data();
+    void valuesNeverReadNorSetAreNeitherWrittenNorSaved();
     void stopXtuServicesAfterEachRead();
     void manageCpuSwitchedOn();
     void checkBoxesAreSaved();
@@ -355,6 +358,57 @@ void TuningChainsTest::reapplyRunsAtMostOncePerRun()
     QVERIFY(rig.waitForReadChains(4));
     QCOMPARE(rig.writes(), reapplied);
     QCOMPARE(rig.ui()->undervolt_slider->value(), 0);
+}
+
+void TuningChainsTest::reapplyRestoresOnlyWhatWasSavedAndMakesSense()
+{
+    ClientRig rig;
+    rig.saved("Re-ApplyXTU", true);
+    rig.saved("undervolt", 60);
+    rig.saved("boostpower", "1e300");
+    rig.start();
+    QVERIFY(rig.waitForReadChains(2));
+    // No turbo time or ratios were ever saved, and the saved turbo power is no power.
+    QCOMPARE(rig.writes(), QStringList{"-t -id 34 -v -60"});
+    QCOMPARE(rig.ui()->Slider_TurboBoost->value(), 360);
+    QCOMPARE(rig.ui()->Slider_TurboTime->value(), 28);
+}
+
+void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved_data()
+{
+    QTest::addColumn<bool>("byPowerMode");
+    QTest::addColumn<QStringList>("writes");
+    QTest::addColumn<int>("undervolt");
+    QTest::newRow("turbo override of a power mode")
+        << true << QStringList{"-t -id 48 -v 25"} << 100;
+    QTest::newRow("undervolt set by hand") << false << QStringList{"-t -id 34 -v -90"} << 90;
+}
+
+void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved()
+{
+    QFETCH(bool, byPowerMode);
+    ClientRig rig;
+    qputenv("FAKE_XTU_SILENT", "1"); // no row is ever read
+    rig.saved("undervolt", 100);
+    rig.saved("boostpower", "45");
+    rig.saved("turbotime", 28);
+    rig.start();
+    QVERIFY(rig.waitForReadChains(1));
+    Ui::MainWindow *ui = rig.ui();
+    if (byPowerMode) {
+        ui->turbo_override->setChecked(true);
+        ui->power_mode_turbo_boost->setValue(200);
+        QVERIFY(QMetaObject::invokeMethod(rig.window.get(), "ApplyPowerTurboBoost"));
+    } else {
+        ui->undervolt_slider->setValue(90);
+        rig.clickApply();
+    }
+    QVERIFY(rig.waitForReadChains(2));
+    QTEST(rig.writes(), "writes");
+    QTEST(rig.savedValue("undervolt").toInt(), "undervolt");
+    QCOMPARE(rig.savedValue("boostpower").toString(), QStringLiteral("45"));
+    QCOMPARE(rig.savedValue("turbotime").toInt(), 28);
+    QVERIFY(!rig.savedValue("core1multi").isValid());
 }
 
 void TuningChainsTest::stopXtuServicesAfterEachRead()

@@ -60,6 +60,8 @@ private slots:
     void undervoltParser();
     void turboPowerParser_data();
     void turboPowerParser();
+    void turboPowerThatIsNoPowerIsNoReading_data();
+    void turboPowerThatIsNoPowerIsNoReading();
     void turboTimeParser_data();
     void turboTimeParser();
     void coreRatioParser_data();
@@ -177,6 +179,27 @@ void TuningTextTest::turboPowerParser()
     QTEST(parse.reading->label, "label");
     QTEST(parse.reading->sliderValue, "slider");
     QTEST(parse.reading->readTurboPower, "read");
+}
+
+void TuningTextTest::turboPowerThatIsNoPowerIsNoReading_data()
+{
+    QTest::addColumn<QString>("value");
+    QTest::newRow("not a number") << "nanW";
+    QTest::newRow("infinite") << "infW";
+    QTest::newRow("ten gigawatts") << "1e10W";
+    QTest::newRow("thirty digits") << "123456789012345678901234567890W";
+    QTest::newRow("negative") << "-5W";
+    QTest::newRow("text") << "N/AW";
+}
+
+void TuningTextTest::turboPowerThatIsNoPowerIsNoReading()
+{
+    QFETCH(QString, value);
+    const TurboPowerParse parse = parseTurboPower(kHeader + powerRow(value));
+    QVERIFY(!parse.reading);
+    // Saved settings are range-checked the same way before they move the slider.
+    QVERIFY(!turboPowerPosition(value.chopped(1)));
+    QCOMPARE(turboPowerPosition(QStringLiteral("4095.875")), std::optional<int>(32767));
 }
 
 void TuningTextTest::turboTimeParser_data()
