@@ -23,11 +23,13 @@ int compareVersions(const QString &installed, const QString &latest)
 
 QString versionFromAnswer(const QByteArray &body)
 {
-    static const QRegularExpression version(QStringLiteral("^[0-9]{1,9}(\\.[0-9]{1,9}){0,7}$"));
+    // \z, not $: "$" also matches before a final line break.
+    static const QRegularExpression version(QStringLiteral("\\A[0-9]{1,9}(\\.[0-9]{1,9}){0,7}\\z"));
     const int kLongestVersion = 8 * 10;
     const QByteArray trimmed = body.trimmed();
     if (trimmed.size() > kLongestVersion)
         return QString();
-    const QString text = QString::fromLatin1(trimmed);
+    // Every byte counts: the QByteArray overload would stop at the first zero byte.
+    const QString text = QString::fromLatin1(trimmed.constData(), trimmed.size());
     return version.match(text).hasMatch() ? text : QString();
 }

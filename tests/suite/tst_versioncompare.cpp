@@ -67,6 +67,8 @@ void TestVersionCompare::versionFromAnswer_data()
     QTest::newRow("error page") << QByteArray("<html><body>404 Not Found</body></html>") << "";
     QTest::newRow("ten kilobytes of digits") << QByteArray(10240, '1') << "";
     QTest::newRow("two lines") << QByteArray("1.4.5\n1.4.6") << "";
+    QTest::newRow("a version, a zero byte and more")
+        << QByteArray("1.4.6\n\0\0\0\x07\xff\xff\r", 13) << "";
     QTest::newRow("negative") << QByteArray("-2147483648") << "";
     QTest::newRow("nine parts") << QByteArray("1.2.3.4.5.6.7.8.9") << "";
     QTest::newRow("empty") << QByteArray() << "";
