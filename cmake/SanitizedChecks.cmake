@@ -1,5 +1,5 @@
 # The sanitizer lane's own build (see SanitizerLane.cmake): the code that reads text from
-# outside the program, its unit tests under AddressSanitizer and UndefinedBehaviorSanitizer,
+# outside the program (tool output, the instance message, update answers, /sys text), its unit tests under AddressSanitizer and UndefinedBehaviorSanitizer,
 # and a libFuzzer harness per reader. Nothing else of the program is built here.
 set(_varnel_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all
                        -fno-omit-frame-pointer)
@@ -14,14 +14,18 @@ add_library(varnel_readers STATIC
   ${_root}/cputuning/tuningparsers.cpp
   ${_root}/monitoring/batteryreadings.cpp
   ${_root}/monitoring/usagefigures.cpp
+  ${_root}/platform/linux/commandtable.cpp
+  ${_root}/platform/linux/linuxbattery.cpp
   ${_root}/suite/versioncompare.cpp)
 target_include_directories(varnel_readers PUBLIC ${_root}/app ${_root}/cputuning
-                           ${_root}/monitoring ${_root}/suite ${_root}/platform)
+                           ${_root}/monitoring ${_root}/suite ${_root}/platform
+                           ${_root}/platform/linux)
 target_link_libraries(varnel_readers PUBLIC Qt5::Core)
 
 set(_environment "QT_QPA_PLATFORM=offscreen;UBSAN_OPTIONS=print_stacktrace=1")
 foreach(test tests/suite/tst_versioncompare tests/monitoring/tst_usagefigures
-             tests/cputuning/tst_tuningtext tests/shell/tst_instancekey)
+             tests/cputuning/tst_tuningtext tests/shell/tst_instancekey
+             tests/monitoring/tst_batteryreadings)
   get_filename_component(name ${test} NAME)
   add_executable(${name} ${_root}/${test}.cpp)
   target_link_libraries(${name} PRIVATE varnel_readers Qt5::Test)
