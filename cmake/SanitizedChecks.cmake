@@ -1,6 +1,7 @@
 # The sanitizer lane's own build (see SanitizerLane.cmake): the code that reads text from
-# outside the program (tool output, the instance message, update answers, /sys text), its unit tests under AddressSanitizer and UndefinedBehaviorSanitizer,
-# and a libFuzzer harness per reader. Nothing else of the program is built here.
+# outside the program (tool output, the instance message, update answers, /sys text) and its
+# unit tests under AddressSanitizer and UndefinedBehaviorSanitizer, and a libFuzzer harness
+# per reader. Nothing else of the program is built here.
 set(_varnel_sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all
                        -fno-omit-frame-pointer)
 add_compile_options(${_varnel_sanitizers})
