@@ -1,5 +1,7 @@
 #include "darkstyle.h"
 
+#include "keys.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QFont>
@@ -59,9 +61,17 @@ void DarkStyle::polish(QPalette &palette)
 {
     const Settings settings(m_files);
     const SettingsFile branding = settings.branding();
-    palette = darkPalette(QColor(branding.value(QStringLiteral("highlightcolor_RED")).toInt(),
-                                 branding.value(QStringLiteral("highlightcolor_GREEN")).toInt(),
-                                 branding.value(QStringLiteral("highlightcolor_BLUE")).toInt()));
+    palette = darkPalette(brandingHighlight(branding));
+}
+
+QColor DarkStyle::brandingHighlight(const SettingsFile &branding)
+{
+    // Out of range, QColor turns invalid and prints a warning: a typo in a reseller's file
+    // must neither blank the highlight nor reach the console.
+    auto part = [&branding](const char *key) {
+        return qBound(0, branding.value(QLatin1String(key)).toInt(), 255);
+    };
+    return QColor(part(keys::highlightRed), part(keys::highlightGreen), part(keys::highlightBlue));
 }
 
 void DarkStyle::polish(QApplication *app)

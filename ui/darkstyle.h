@@ -24,6 +24,8 @@ public:
     // The shared base style, created once.
     static QStyle *styleBase();
     static QPalette darkPalette(const QColor &highlight);
+    // The branding file's highlight colour, each part held to 0 ... 255.
+    static QColor brandingHighlight(const SettingsFile &branding);
 
 private:
     SettingsFileSet m_files;

@@ -90,10 +90,7 @@ MainWindow::~MainWindow()
 void MainWindow::applyPalette()
 {
     const SettingsFile branding = m_settings.branding();
-    const QColor highlight(branding.value(keys::highlightRed).toInt(),
-                           branding.value(keys::highlightGreen).toInt(),
-                           branding.value(keys::highlightBlue).toInt());
-    QApplication::setPalette(DarkStyle::darkPalette(highlight));
+    QApplication::setPalette(DarkStyle::darkPalette(DarkStyle::brandingHighlight(branding)));
 }
 
 void MainWindow::SetStyle()

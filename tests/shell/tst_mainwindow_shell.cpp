@@ -236,22 +236,31 @@ private slots:
         QCOMPARE(restored.geometry().size(), QSize(1500, 1720));
     }
 
+    void brandingHighlightReachesThePalette_data()
+    {
+        QTest::addColumn<QVariantList>("parts"); // red, green, blue as written in the file
+        QTest::addColumn<QColor>("highlight");
+        QTest::newRow("reseller red") << QVariantList{255, 0, 0} << QColor(255, 0, 0);
+        QTest::newRow("out of range, held to 0 ... 255")
+            << QVariantList{300, -5, "2147483647"} << QColor(255, 0, 255);
+        QTest::newRow("not a number reads as 0")
+            << QVariantList{"1e300", 128, "x"} << QColor(0, 128, 0);
+    }
+
     void brandingHighlightReachesThePalette()
     {
+        QFETCH(QVariantList, parts);
         TestFolder folder;
-        folder.setIni(QStringLiteral("branding/varnel_branding.ini"),
-                      QStringLiteral("highlightcolor_RED"), 255);
-        folder.setIni(QStringLiteral("branding/varnel_branding.ini"),
-                      QStringLiteral("highlightcolor_GREEN"), 0);
-        folder.setIni(QStringLiteral("branding/varnel_branding.ini"),
-                      QStringLiteral("highlightcolor_BLUE"), 0);
-        folder.setIni(QStringLiteral("branding/varnel_branding.ini"), QStringLiteral("appname"),
-                      QStringLiteral("Reseller Center"));
+        const QString branding = QStringLiteral("branding/varnel_branding.ini");
+        folder.setIni(branding, QStringLiteral("highlightcolor_RED"), parts.at(0));
+        folder.setIni(branding, QStringLiteral("highlightcolor_GREEN"), parts.at(1));
+        folder.setIni(branding, QStringLiteral("highlightcolor_BLUE"), parts.at(2));
+        folder.setIni(branding, QStringLiteral("appname"), QStringLiteral("Reseller Center"));
         FakePlatform fake;
         MainWindow w(fake.bundle());
         const QPalette p = QApplication::palette();
-        QCOMPARE(p.color(QPalette::Active, QPalette::Highlight), QColor(255, 0, 0));
-        QCOMPARE(p.color(QPalette::Inactive, QPalette::Highlight), QColor(255, 0, 0));
+        QTEST(p.color(QPalette::Active, QPalette::Highlight), "highlight");
+        QTEST(p.color(QPalette::Inactive, QPalette::Highlight), "highlight");
         QCOMPARE(p.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
         QCOMPARE(p.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
         QCOMPARE(w.form()->Title->text(), QStringLiteral("Reseller Center"));
