@@ -66,8 +66,9 @@ void UpdateChecker::answered(QNetworkReply *reply)
     if (reply != m_reply)
         return;
     m_reply = nullptr;
-    // The body counts whatever the status; a failed or abandoned connection has none.
-    const QByteArray body = reply->readAll();
+    // The body counts whatever the status; a failed or abandoned connection has none (and an
+    // abandoned reply is closed: reading it would only print a warning).
+    const QByteArray body = reply->isOpen() ? reply->readAll() : QByteArray();
     qCDebug(lcUpdates) << reply->url() << "answered" << reply->error() << body.left(200);
     showResult(versionFromAnswer(body));
 }
