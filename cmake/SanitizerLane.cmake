@@ -15,10 +15,12 @@ set(_varnel_san_dir ${CMAKE_BINARY_DIR}/asan)
 set(_varnel_san_tests ${CMAKE_BINARY_DIR}/asan-tests.cmake)
 find_program(VARNEL_CLANGXX NAMES clang++ clang++-14)
 if(NOT VARNEL_CLANGXX)
-  set(_varnel_san_message
-      "Sanitizer lane: clang++ is missing (clang, libclang-rt-14-dev). Install them, or configure with -DVARNEL_SANITIZER_LANE=OFF.")
+  string(CONCAT _varnel_san_message
+         "Sanitizer lane: clang++ is missing (clang, libclang-rt-14-dev). Install them, or "
+         "configure with -DVARNEL_SANITIZER_LANE=OFF.")
   message(WARNING ${_varnel_san_message})
-  file(WRITE ${CMAKE_BINARY_DIR}/asan-missing.cmake "message(FATAL_ERROR \"${_varnel_san_message}\")\n")
+  file(WRITE ${CMAKE_BINARY_DIR}/asan-missing.cmake
+       "message(FATAL_ERROR \"${_varnel_san_message}\")\n")
   add_test(NAME sanitizer_lane_missing
            COMMAND ${CMAKE_COMMAND} -P ${CMAKE_BINARY_DIR}/asan-missing.cmake)
   return()
@@ -40,7 +42,8 @@ ExternalProject_Add(
   USES_TERMINAL_BUILD TRUE)
 
 file(WRITE ${CMAKE_BINARY_DIR}/asan-not-built.cmake
-     "message(FATAL_ERROR \"The sanitizer lane has not been built yet: build the project first.\")\n")
+     "message(FATAL_ERROR \"The sanitizer lane has not been built yet: build the project "
+     "first.\")\n")
 file(WRITE ${_varnel_san_tests}
      "if(EXISTS \"${_varnel_san_dir}/CTestTestfile.cmake\")\n"
      "  subdirs(\"${_varnel_san_dir}\")\n"
