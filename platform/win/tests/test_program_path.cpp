@@ -225,6 +225,7 @@ WINTEST_CASE(helpersStartFromTheInstallFolder)
     SetEnvironmentVariableW(L"PATH", savedPath.c_str());
     SetCurrentDirectoryW(savedDir);
     DeleteFileW((install + L"\\Libs\\" + helper).c_str());
+    RemoveDirectoryW((install + L"\\Libs").c_str()); // only if nothing else is in it
 }
 
 // A tool put into the system folder (as a machine's maker installs devcon) is found there.
