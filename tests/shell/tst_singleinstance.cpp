@@ -188,7 +188,7 @@ private slots:
         // Every start but one hands over; copies that stay are what this guards against.
         QTRY_VERIFY2_WITH_TIMEOUT(
             runningProbes() <= 1,
-            qPrintable(QStringLiteral("%1 copies running").arg(runningProbes())), 15000);
+            qPrintable(QStringLiteral("%1 copies running").arg(runningProbes())), 30000);
         QCOMPARE(runningProbes(), 1);
         for (const auto &p : m_probes) {
             if (p->state() == QProcess::NotRunning)
