@@ -39,6 +39,12 @@ QByteArray encodeConnectionMessage(const QString &blockServerName, quint8 type,
     return message;
 }
 
+int connectionMessageSize(const QString &blockServerName)
+{
+    // Name length, name, type, instance number, checksum.
+    return 4 + blockServerName.toLatin1().size() + 1 + 4 + 2;
+}
+
 ConnectionMessage decodeConnectionMessage(const QByteArray &data, const QString &blockServerName)
 {
     ConnectionMessage result;

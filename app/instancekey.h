@@ -1,5 +1,7 @@
 #pragma once
 
+#include "instanceblock.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -27,14 +29,6 @@ enum InstanceOption : quint32 {
 
 QString instanceKey(const InstanceKeyInputs &in);
 
-// The instance block shared between starts; its layout is fixed.
-struct InstanceBlock {
-    bool primary;
-    quint32 secondary;
-    qint64 primaryPid;
-};
-static_assert(sizeof(InstanceBlock) == 16, "the instance block is 16 bytes");
-
 enum ConnectionType : quint8 {
     InvalidConnection = 0,
     NewInstance = 1,
@@ -45,6 +39,10 @@ enum ConnectionType : quint8 {
 // The message a second start sends to the first: name, type, instance number, checksum.
 QByteArray encodeConnectionMessage(const QString &blockServerName, quint8 type,
                                    quint32 instanceNumber);
+
+// The length of that message for this name: a reader knows when it has all of it without a
+// length header, and never buffers more.
+int connectionMessageSize(const QString &blockServerName);
 
 struct ConnectionMessage {
     bool valid = false;

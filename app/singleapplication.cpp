@@ -3,19 +3,20 @@
 
 #include "identity.h"
 
+#include <QElapsedTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QSharedMemory>
 #include <QStandardPaths>
+#include <QThread>
+#include <QTimer>
 
 #include <cstdlib>
 
 namespace {
 
-InstanceBlock *blockOf(QSharedMemory *memory)
-{
-    return static_cast<InstanceBlock *>(memory->data());
-}
+// A connecting start has this long to send its whole message (not only its first byte), timed
+// in the event loop so that silent clients cannot stall the window.
+const int kMessageTimeoutMs = 100;
 
 } // namespace
 
@@ -32,20 +33,13 @@ SingleApplicationPrivate::~SingleApplicationPrivate()
         delete socket;
         socket = nullptr;
     }
-    if (!memory)
-        return;
-    memory->lock();
     if (server) {
         server->close();
         delete server;
         server = nullptr;
-        if (InstanceBlock *block = blockOf(memory)) {
-            block->primary = false;
-            block->primaryPid = -1;
-        }
+        if (block)
+            block->release();
     }
-    memory->unlock();
-    delete memory;
 }
 
 void SingleApplicationPrivate::genBlockServerName()
@@ -66,37 +60,44 @@ void SingleApplicationPrivate::genBlockServerName()
     blockServerName = instanceKey(in);
 }
 
-void SingleApplicationPrivate::startPrimary(bool resetMemory)
+// Called once the block names this process as the primary, so no other start can be removing
+// or replacing the server at the same time.
+void SingleApplicationPrivate::startPrimary()
 {
-    QLocalServer::removeServer(blockServerName);
+    const QString name = block->serverName();
     server = new QLocalServer();
+    if (name.isEmpty())
+        return;
+    QLocalServer::removeServer(name);
     server->setSocketOptions((options & UserScope) ? QLocalServer::UserAccessOption
                                                    : QLocalServer::WorldAccessOption);
-    server->listen(blockServerName);
+    server->listen(name);
     connect(server, &QLocalServer::newConnection, this,
             &SingleApplicationPrivate::slotConnectionEstablished);
-
-    memory->lock();
-    InstanceBlock *block = blockOf(memory);
-    if (resetMemory)
-        block->secondary = 0;
-    block->primary = true;
-    block->primaryPid = QCoreApplication::applicationPid();
-    memory->unlock();
     instanceNumber = 0;
 }
 
 void SingleApplicationPrivate::connectToPrimary(int timeout, quint8 connectionType)
 {
+    const QString name = block->serverName();
+    if (name.isEmpty())
+        return;
     if (!socket)
         socket = new QLocalSocket();
-    if (socket->state() == QLocalSocket::ConnectedState)
-        return;
-    if (socket->state() == QLocalSocket::UnconnectedState ||
-        socket->state() == QLocalSocket::ClosingState)
-        socket->connectToServer(blockServerName, QIODevice::ReadWrite);
-    if (socket->state() == QLocalSocket::ConnectingState)
-        socket->waitForConnected(timeout);
+    // A primary that won at the same moment may not be listening yet: try again until the
+    // time-out rather than lose the wake.
+    QElapsedTimer clock;
+    clock.start();
+    while (socket->state() != QLocalSocket::ConnectedState) {
+        if (socket->state() == QLocalSocket::UnconnectedState ||
+            socket->state() == QLocalSocket::ClosingState)
+            socket->connectToServer(name, QIODevice::ReadWrite);
+        if (socket->state() == QLocalSocket::ConnectingState)
+            socket->waitForConnected(timeout);
+        if (socket->state() == QLocalSocket::ConnectedState || clock.elapsed() >= timeout)
+            break;
+        QThread::msleep(10);
+    }
     if (socket->state() == QLocalSocket::ConnectedState) {
         socket->write(encodeConnectionMessage(blockServerName, connectionType, instanceNumber));
         socket->flush();
@@ -106,28 +107,57 @@ void SingleApplicationPrivate::connectToPrimary(int timeout, quint8 connectionTy
 
 void SingleApplicationPrivate::slotConnectionEstablished()
 {
-    QLocalSocket *next = server->nextPendingConnection();
-    if (!next)
-        return;
-    ConnectionMessage message;
-    if (next->waitForReadyRead(100))
-        message = decodeConnectionMessage(next->readAll(), blockServerName);
-    if (!message.valid || message.type == InvalidConnection) {
-        next->close();
-        delete next;
-        return;
-    }
+    while (QLocalSocket *next = server->nextPendingConnection())
+        watchForMessage(next);
+}
+
+// The message is read as it arrives, never waited for: a silent or slow client must not stall
+// the window, nor hold up the clients behind it.
+void SingleApplicationPrivate::watchForMessage(QLocalSocket *connection)
+{
+    const int size = connectionMessageSize(blockServerName);
+    auto received = std::make_shared<QByteArray>();
+    auto *deadline = new QTimer(connection);
+    deadline->setSingleShot(true);
+
+    auto drop = [connection] {
+        QObject::disconnect(connection, nullptr, nullptr, nullptr);
+        connection->close();
+        connection->deleteLater();
+    };
+    auto readSome = [this, connection, size, received, deadline, drop] {
+        received->append(connection->read(size - received->size()));
+        if (received->size() < size)
+            return;
+        QObject::disconnect(connection, &QLocalSocket::readyRead, this, nullptr);
+        deadline->stop();
+        const ConnectionMessage message = decodeConnectionMessage(*received, blockServerName);
+        if (!message.valid || message.type == InvalidConnection) {
+            drop();
+            return;
+        }
+        acceptMessage(connection, message);
+    };
+    connect(deadline, &QTimer::timeout, this, drop);
+    connect(connection, &QLocalSocket::readyRead, this, readSome);
+    deadline->start(kMessageTimeoutMs);
+    readSome();
+}
+
+void SingleApplicationPrivate::acceptMessage(QLocalSocket *connection,
+                                             const ConnectionMessage &message)
+{
     const quint32 id = message.instanceId;
-    connect(next, &QLocalSocket::aboutToClose, this,
-            [this, next, id] { slotClientConnectionClosed(next, id); });
-    connect(next, &QLocalSocket::readyRead, this,
-            [this, next, id] { slotDataAvailable(next, id); });
+    connect(connection, &QLocalSocket::aboutToClose, this,
+            [this, connection, id] { slotClientConnectionClosed(connection, id); });
+    connect(connection, &QLocalSocket::readyRead, this,
+            [this, connection, id] { slotDataAvailable(connection, id); });
 
     if (message.type == NewInstance ||
         (message.type == SecondaryInstance && (options & SecondaryNotification)))
         emit q->instanceStarted();
-    if (next->bytesAvailable() > 0)
-        emit q->receivedMessage(id, next->readAll());
+    if (connection->bytesAvailable() > 0)
+        emit q->receivedMessage(id, connection->readAll());
 }
 
 void SingleApplicationPrivate::slotDataAvailable(QLocalSocket *dataSocket, quint32 instanceId)
@@ -149,35 +179,17 @@ SingleApplication::SingleApplication(int &argc, char *argv[], bool allowSecondar
       d(new SingleApplicationPrivate(this, options, identity ? identity : nativeIdentity()))
 {
     d->genBlockServerName();
-    d->memory = new QSharedMemory(d->blockServerName);
+    d->block = nativeInstanceBlock(d->blockServerName);
 
-    if (d->memory->create(sizeof(InstanceBlock), QSharedMemory::ReadWrite)) {
-        d->memory->lock();
-        *blockOf(d->memory) = InstanceBlock{false, 0, -1};
-        d->memory->unlock();
-        d->startPrimary(true);
+    if (d->block->claimPrimary(QCoreApplication::applicationPid())) {
+        d->startPrimary();
         return;
     }
-
-    if (d->memory->attach(QSharedMemory::ReadWrite)) {
-        d->memory->lock();
-        InstanceBlock *block = blockOf(d->memory);
-        // A first instance that was killed leaves its mark behind where the block outlives it.
-        const bool primaryAlive = block->primary && !d->identity->primaryIsGone(block->primaryPid);
-        if (!primaryAlive) {
-            d->memory->unlock();
-            d->startPrimary(false);
-            return;
-        }
-        if (allowSecondary) {
-            block->secondary += 1;
-            d->instanceNumber = block->secondary;
-            if (options & SecondaryNotification)
-                d->connectToPrimary(timeout, SecondaryInstance);
-            d->memory->unlock();
-            return;
-        }
-        d->memory->unlock();
+    if (allowSecondary) {
+        d->instanceNumber = d->block->addSecondary();
+        if (options & SecondaryNotification)
+            d->connectToPrimary(timeout, SecondaryInstance);
+        return;
     }
 
     d->connectToPrimary(timeout, NewInstance);
@@ -204,4 +216,9 @@ quint32 SingleApplication::instanceId() const
 QString SingleApplication::blockServerName() const
 {
     return d ? d->blockServerName : QString();
+}
+
+QString SingleApplication::serverName() const
+{
+    return d && d->block ? d->block->serverName() : QString();
 }

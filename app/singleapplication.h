@@ -21,6 +21,8 @@ public:
     bool isPrimary() const;
     quint32 instanceId() const;
     QString blockServerName() const;
+    // Where the primary listens for later starts.
+    QString serverName() const;
 
 signals:
     void instanceStarted();

@@ -8,7 +8,6 @@
 
 class QLocalServer;
 class QLocalSocket;
-class QSharedMemory;
 class SingleApplication;
 class UserIdentity;
 
@@ -21,11 +20,11 @@ public:
     ~SingleApplicationPrivate() override;
 
     void genBlockServerName();
-    void startPrimary(bool resetMemory);
+    void startPrimary();
     void connectToPrimary(int timeout, quint8 connectionType);
 
     SingleApplication *q;
-    QSharedMemory *memory = nullptr;
+    std::unique_ptr<InstanceBlockHost> block;
     QLocalSocket *socket = nullptr;
     QLocalServer *server = nullptr;
     quint32 instanceNumber = 0;
@@ -37,4 +36,8 @@ private slots:
     void slotConnectionEstablished();
     void slotDataAvailable(QLocalSocket *socket, quint32 instanceId);
     void slotClientConnectionClosed(QLocalSocket *socket, quint32 instanceId);
+
+private:
+    void watchForMessage(QLocalSocket *connection);
+    void acceptMessage(QLocalSocket *connection, const ConnectionMessage &message);
 };

@@ -1,10 +1,13 @@
 #include "identity.h"
+#include "instanceblock.h"
 #include "platform.h"
 
 #ifdef Q_OS_WIN
+#include "sharedmemoryblock.h"
 Platform windowsPlatform();
 std::shared_ptr<UserIdentity> windowsIdentity();
 #else
+#include "linux/instancefile.h"
 #include "linux/linuxidentity.h"
 Platform linuxPlatform();
 #endif
@@ -24,5 +27,17 @@ std::shared_ptr<UserIdentity> nativeIdentity()
     return windowsIdentity();
 #else
     return std::make_shared<LinuxIdentity>();
+#endif
+}
+
+std::unique_ptr<InstanceBlockHost> nativeInstanceBlock(const QString &key)
+{
+#ifdef Q_OS_WIN
+    return std::make_unique<SharedMemoryInstanceBlock>(key);
+#else
+    // System V blocks are named through key files in the shared temporary folder, which any
+    // local user can create first or delete.
+    return std::make_unique<FileInstanceBlock>(
+        privateInstanceDirectory(instanceDirectoryCandidates()), key);
 #endif
 }

@@ -25,7 +25,7 @@ void QtAsyncProcess::startCommand(const QString &commandLine)
         m_process.start(QString(), {}, QIODevice::ReadWrite);
         return;
     }
-    m_process.start(parts.first(), parts.mid(1), QIODevice::ReadWrite);
+    start(parts.first(), parts.mid(1));
 }
 
 bool QtAsyncProcess::isRunning() const

@@ -10,6 +10,15 @@ namespace {
 const char kBrandWord[] = "QIRA";
 const char kWebsiteUrl[] = "websiteURL";
 
+// The branding file is outside the program's control and the program runs elevated: a link
+// that is not a web address (a file, a share, another program's scheme) is not opened.
+bool isWebAddress(const QUrl &url)
+{
+    const QString scheme = url.scheme();
+    return url.isValid() && !url.host().isEmpty() &&
+           (scheme == QLatin1String("http") || scheme == QLatin1String("https"));
+}
+
 } // namespace
 
 SupportPage::SupportPage(Ui::MainWindow &ui, std::shared_ptr<CommandRunner> commands,
@@ -49,14 +58,20 @@ void SupportPage::applyBrandButton()
     m_ui.Label_Updater->setText(QStringLiteral("Website"));
 }
 
+void SupportPage::openWebAddress(const QUrl &url)
+{
+    if (isWebAddress(url))
+        m_desktop->openUrl(url);
+}
+
 void SupportPage::openSupportPage()
 {
-    m_desktop->openUrl(m_supportPage);
+    openWebAddress(m_supportPage);
 }
 
 void SupportPage::openOnlineChat()
 {
-    m_desktop->openUrl(m_onlineChat);
+    openWebAddress(m_onlineChat);
 }
 
 void SupportPage::startRemoteControl()
@@ -66,5 +81,5 @@ void SupportPage::startRemoteControl()
 
 void SupportPage::openWebsite()
 {
-    m_desktop->openUrl(QUrl(m_settings.branding().value(QLatin1String(kWebsiteUrl)).toString()));
+    openWebAddress(QUrl(m_settings.branding().value(QLatin1String(kWebsiteUrl)).toString()));
 }

@@ -37,6 +37,8 @@ public:
     QUrl onlineChatUrl() const { return m_onlineChat; }
 
 private:
+    void openWebAddress(const QUrl &url);
+
     Ui::MainWindow &m_ui;
     std::shared_ptr<CommandRunner> m_commands;
     std::shared_ptr<Desktop> m_desktop;

@@ -1,8 +1,6 @@
 #include "linuxidentity.h"
 
-#include <cerrno>
 #include <pwd.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <vector>
@@ -16,13 +14,4 @@ QString LinuxIdentity::userName()
     if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &result) != 0 || !result)
         return QString();
     return QString::fromLocal8Bit(result->pw_name);
-}
-
-bool LinuxIdentity::primaryIsGone(qint64 primaryPid)
-{
-    if (primaryPid <= 0)
-        return true;
-    if (::kill(static_cast<pid_t>(primaryPid), 0) == 0)
-        return false;
-    return errno == ESRCH;
 }

@@ -44,18 +44,21 @@ namespace pulsevolume {
 quint32 percent(const pa_cvolume &volume)
 {
     const float scalar =
-        static_cast<float>(pa_cvolume_avg(&volume)) / static_cast<float>(PA_VOLUME_NORM);
+        static_cast<float>(pa_cvolume_max(&volume)) / static_cast<float>(PA_VOLUME_NORM);
     return static_cast<quint32>(scalar * 100.0f + 0.5f);
 }
 
 pa_cvolume scaledTo(const pa_cvolume &volume, float level)
 {
+    // The loudest channel lands on the level, so none can pass 100 % and the others keep their
+    // distance to it.
     const double target = std::lround(double(qBound(0.0f, level, 1.0f)) * PA_VOLUME_NORM);
-    const pa_volume_t mean = pa_cvolume_avg(&volume);
+    const pa_volume_t loudest = pa_cvolume_max(&volume);
     pa_cvolume out = volume;
     for (unsigned i = 0; i < volume.channels; ++i) {
-        const double scaled = mean == 0 ? target : std::round(volume.values[i] * target / mean);
-        out.values[i] = static_cast<pa_volume_t>(qMin(scaled, double(PA_VOLUME_MAX)));
+        const double scaled =
+            loudest == 0 ? target : std::round(double(volume.values[i]) * target / loudest);
+        out.values[i] = static_cast<pa_volume_t>(qMin(scaled, target));
     }
     return out;
 }

@@ -31,9 +31,9 @@ private:
 // The rules between libpulse's volumes and the program's percentages, free of any server.
 namespace pulsevolume {
 
-// Mean of the channels as a percentage of the nominal volume, rounded as the scalar level is.
+// The loudest channel as a percentage of the nominal volume, rounded as the scalar level is.
 quint32 percent(const pa_cvolume &volume);
-// The channels scaled so that their mean is level (0..1 of nominal) and their balance is kept.
+// The channels scaled so that the loudest is level (0..1 of nominal) and their balance is kept.
 pa_cvolume scaledTo(const pa_cvolume &volume, float level);
 // An active port that is a headphone jack not known to be unplugged. Servers that do not type
 // their ports name them ("analog-output-headphones").

@@ -1,5 +1,6 @@
 #include "win_commands.h"
 
+#include "program_path.h"
 #include "win_text.h"
 
 #include <windows.h>
@@ -48,16 +49,19 @@ bool drainPipe(HANDLE pipe, std::string &output)
     }
 }
 
+// The program is always named by its full path: an elevated process must not run whatever a
+// user put first on the search path or into the working folder.
 bool launch(const std::wstring &commandLine, DWORD flags, const STARTUPINFOW &startup,
             bool inheritHandles, const wchar_t *workingDirectory, PROCESS_INFORMATION &info)
 {
-    if (commandLine.empty())
+    const ResolvedCommand resolved = resolveCommand(commandLine, programFolders());
+    if (resolved.application.empty())
         return false;
     // CreateProcessW may write into the command line it is given.
-    std::wstring line = commandLine;
+    std::wstring line = resolved.commandLine;
     STARTUPINFOW si = startup;
-    return CreateProcessW(nullptr, line.data(), nullptr, nullptr, inheritHandles, flags, nullptr,
-                          workingDirectory, &si, &info) != FALSE;
+    return CreateProcessW(resolved.application.c_str(), line.data(), nullptr, nullptr,
+                          inheritHandles, flags, nullptr, workingDirectory, &si, &info) != FALSE;
 }
 
 bool needsQuotes(const std::wstring &argument)
@@ -138,12 +142,19 @@ bool startCommand(const std::wstring &commandLine)
     return true;
 }
 
+// What WinExec does, minus its search along the path and the working folder.
 bool startShown(const std::wstring &commandLine, int showMode)
 {
-    if (commandLine.empty())
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESHOWWINDOW;
+    startup.wShowWindow = static_cast<WORD>(showMode);
+    PROCESS_INFORMATION info{};
+    if (!launch(commandLine, 0, startup, false, nullptr, info))
         return false;
-    const std::string ansi = toCodePage(commandLine, CP_ACP);
-    return WinExec(ansi.c_str(), static_cast<UINT>(showMode)) > 31;
+    CloseHandle(info.hThread);
+    CloseHandle(info.hProcess);
+    return true;
 }
 
 bool startDetached(const std::wstring &program, const std::vector<std::wstring> &arguments,

@@ -5,8 +5,9 @@
 
 namespace varnel::win {
 
-// The four ways the program runs a command. Command lines are passed to Windows as they stand;
-// none of these report why a start failed, because the program never tells the user.
+// The four ways the program runs a command. The program of each line is first resolved to a
+// full path (program_path.h), the rest of the line is passed to Windows as it stands; none of
+// these report why a start failed, because the program never tells the user.
 
 // Starts commandLine, waits up to timeoutMs (negative: no limit) and returns the bytes it wrote
 // to standard output. Standard input reads as empty and standard error is discarded. A command
@@ -17,8 +18,8 @@ std::string runAndRead(const std::wstring &commandLine, int timeoutMs);
 // Starts commandLine without a window and does not wait. False when it could not start.
 bool startCommand(const std::wstring &commandLine);
 
-// WinExec(commandLine, showMode) with the line in the ANSI code page. False when it could not
-// start (WinExec answered 31 or less).
+// Starts commandLine with a window show mode, as WinExec(commandLine, showMode) would, and does
+// not wait. False when it could not start.
 bool startShown(const std::wstring &commandLine, int showMode);
 
 // Starts program with arguments in workingDirectory (empty: this process's) and does not wait.

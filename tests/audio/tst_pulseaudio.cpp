@@ -122,15 +122,39 @@ private slots:
         QCOMPARE(channelPercents(), QList<int>({int(percent), int(percent)}));
     }
 
+    // The slider is the loudest channel; moving it keeps the balance and never takes a channel
+    // above 100 %, even when another program had set one there.
+    void settingKeepsTheBalance_data()
+    {
+        QTest::addColumn<QString>("left");
+        QTest::addColumn<QString>("right");
+        QTest::addColumn<quint32>("shown");
+        QTest::addColumn<float>("level");
+        QTest::addColumn<QList<int>>("after");
+        QTest::newRow("left full, right half") << "100%"
+                                               << "50%" << 100u << 1.0f << QList<int>({100, 50});
+        QTest::newRow("one to two") << "30%"
+                                    << "60%" << 60u << 0.9f << QList<int>({45, 90});
+        QTest::newRow("above nominal") << "150%"
+                                       << "75%" << 150u << 1.0f << QList<int>({100, 50});
+        QTest::newRow("balanced") << "40%"
+                                  << "40%" << 40u << 0.7f << QList<int>({70, 70});
+    }
+
     void settingKeepsTheBalance()
     {
-        pactl({QStringLiteral("set-sink-volume"), QLatin1String(kSink), QStringLiteral("30%"),
-               QStringLiteral("60%")});
+        QFETCH(QString, left);
+        QFETCH(QString, right);
+        QFETCH(quint32, shown);
+        QFETCH(float, level);
+        QFETCH(QList<int>, after);
+        pactl({QStringLiteral("set-sink-volume"), QLatin1String(kSink), left, right});
         PulseAudioEndpoint endpoint;
-        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 45u);
-        endpoint.volumeOperation(AudioEndpoint::SetVolume, 0.9f, false);
-        QCOMPARE(channelPercents(), QList<int>({60, 120}));
-        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 90u);
+        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), shown);
+        endpoint.volumeOperation(AudioEndpoint::SetVolume, level, false);
+        QCOMPARE(channelPercents(), after);
+        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false),
+                 quint32(qRound(level * 100)));
     }
 
     void mutesAndUnmutes()
@@ -191,21 +215,23 @@ private slots:
         endpoint.volumeOperation(AudioEndpoint::SetMute, 0, true);
     }
 
-    void percentIsTheRoundedMean_data()
+    void percentIsTheLoudestChannel_data()
     {
         QTest::addColumn<quint32>("left");
         QTest::addColumn<quint32>("right");
         QTest::addColumn<quint32>("percent");
         QTest::newRow("silent") << 0u << 0u << 0u;
         QTest::newRow("nominal") << quint32(PA_VOLUME_NORM) << quint32(PA_VOLUME_NORM) << 100u;
-        QTest::newRow("unbalanced") << quint32(PA_VOLUME_NORM) << 0u << 50u;
-        QTest::newRow("half step rounds up") << 327u << 327u << 0u;
-        QTest::newRow("just over half") << 328u << 328u << 1u;
+        QTest::newRow("one side silent") << quint32(PA_VOLUME_NORM) << 0u << 100u;
+        QTest::newRow("right louder")
+            << quint32(PA_VOLUME_NORM / 4) << quint32(PA_VOLUME_NORM / 2) << 50u;
+        QTest::newRow("half step rounds up") << 327u << 0u << 0u;
+        QTest::newRow("just over half") << 0u << 328u << 1u;
         QTest::newRow("above nominal")
             << quint32(PA_VOLUME_NORM * 3 / 2) << quint32(PA_VOLUME_NORM * 3 / 2) << 150u;
     }
 
-    void percentIsTheRoundedMean()
+    void percentIsTheLoudestChannel()
     {
         QFETCH(quint32, left);
         QFETCH(quint32, right);
@@ -222,10 +248,12 @@ private slots:
         QTest::addColumn<quint32>("newRight");
         const quint32 n = PA_VOLUME_NORM;
         QTest::newRow("balanced") << n / 2 << n / 2 << 1.0f << n << n;
-        // Target 0.6 of 65536 is 39322; the channels keep their one-to-two ratio around it.
-        QTest::newRow("one to two") << n / 4 << n / 2 << 0.6f << 26215u << 52429u;
+        // Target 0.6 of 65536 is 39322: the louder channel takes it, the other keeps half of it.
+        QTest::newRow("one to two") << n / 4 << n / 2 << 0.6f << 19661u << 39322u;
         QTest::newRow("from silence") << 0u << 0u << 0.5f << n / 2 << n / 2;
         QTest::newRow("to silence") << n << n / 2 << 0.0f << 0u << 0u;
+        QTest::newRow("left full, right half") << n << n / 2 << 1.0f << n << n / 2;
+        QTest::newRow("above nominal") << n * 2 << n << 1.0f << n << n / 2;
         QTest::newRow("level clamped") << n << n << 1.5f << n << n;
     }
 

@@ -34,9 +34,7 @@ private:
 class FakeIdentity : public UserIdentity {
 public:
     QString userName() override { return name; }
-    bool primaryIsGone(qint64) override { return primaryGone; }
     QString name = QStringLiteral("tester");
-    bool primaryGone = false;
 };
 
 class FakePanel : public PanelBrightness {

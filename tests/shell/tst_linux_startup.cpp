@@ -1,12 +1,15 @@
 // The Linux side of the shell: the command table and its log-on entry, the registry routes,
 // the identity used in the instance key.
 #include "commandtable.h"
+#include "instancefile.h"
 #include "linuxcommands.h"
 #include "linuxidentity.h"
 #include "linuxregistry.h"
 
 #include <QtTest>
 
+#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 class TestLinuxStartup : public QObject {
@@ -98,20 +101,67 @@ private slots:
             3);
     }
 
+    // The instance block and server go only where no other user can write or plant a link.
+    void instanceFolderIsPrivate_data()
+    {
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<int>("chosen"); // index into the two candidates, -1 for none
+        QTest::newRow("private") << "private" << 0;
+        QTest::newRow("missing, made private") << "missing" << 0;
+        QTest::newRow("others may write") << "shared" << 1;
+        QTest::newRow("a link to a private folder") << "link" << 1;
+        QTest::newRow("a file") << "file" << 1;
+        QTest::newRow("another user's") << "foreign" << 1;
+        QTest::newRow("nothing usable") << "shared-both" << -1;
+    }
+
+    void instanceFolderIsPrivate()
+    {
+        QFETCH(QString, first);
+        QFETCH(int, chosen);
+        QTemporaryDir root;
+        const QString a = root.filePath(QStringLiteral("a"));
+        const QString b = root.filePath(QStringLiteral("b"));
+        const QByteArray pathA = QFile::encodeName(a);
+        QVERIFY(QDir().mkdir(b));
+        if (first == QLatin1String("private")) {
+            QVERIFY(QDir().mkdir(a));
+            ::chmod(pathA.constData(), 0700);
+        } else if (first.startsWith(QLatin1String("shared"))) {
+            QVERIFY(QDir().mkdir(a));
+            ::chmod(pathA.constData(), 0777);
+            if (first == QLatin1String("shared-both"))
+                ::chmod(QFile::encodeName(b).constData(), 0770);
+        } else if (first == QLatin1String("link")) {
+            QVERIFY(QFile::link(b, a));
+        } else if (first == QLatin1String("file")) {
+            QFile file(a);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        } else if (first == QLatin1String("foreign")) {
+            if (geteuid() != 0)
+                QSKIP("needs root to make a folder of another user");
+            QVERIFY(QDir().mkdir(a));
+            const passwd *nobody = getpwnam("nobody");
+            QVERIFY(nobody && ::chown(pathA.constData(), nobody->pw_uid, nobody->pw_gid) == 0);
+        }
+        const QStringList candidates{a, b};
+        QCOMPARE(privateInstanceDirectory(candidates),
+                 chosen < 0 ? QString() : candidates.at(chosen));
+        if (first == QLatin1String("missing"))
+            QCOMPARE(QFileInfo(a).permissions() & 0x0077, QFileDevice::Permissions());
+    }
+
+    void noPrivateFolderStillStarts()
+    {
+        FileInstanceBlock nowhere(QString(), QStringLiteral("key"));
+        QVERIFY(nowhere.claimPrimary(QCoreApplication::applicationPid()));
+        QVERIFY(nowhere.serverName().isEmpty());
+    }
+
     void identity()
     {
         LinuxIdentity identity;
         QVERIFY(!identity.userName().isEmpty());
-        QVERIFY(!identity.primaryIsGone(QCoreApplication::applicationPid()));
-        // A child that has ended and been reaped no longer runs.
-        QProcess child;
-        child.start(QStringLiteral("sleep"), {QStringLiteral("0.2")});
-        QVERIFY(child.waitForStarted(5000));
-        const qint64 pid = child.processId();
-        QVERIFY(!identity.primaryIsGone(pid));
-        QVERIFY(child.waitForFinished(5000));
-        QVERIFY(identity.primaryIsGone(pid));
-        QVERIFY(identity.primaryIsGone(-1));
     }
 };
 

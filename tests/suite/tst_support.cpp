@@ -19,6 +19,8 @@ private slots:
     void chatButtonRule();
     void withoutBrandingFileTheTabIsEmpty();
     void aQiraBrandTurnsTheUpdaterIntoItsWebsite();
+    void onlyWebAddressesAreOpened_data();
+    void onlyWebAddressesAreOpened();
     void otherBrandsKeepTheUpdater();
     void remoteControlStartsTheTool();
 };
@@ -87,7 +89,7 @@ void TestSupport::withoutBrandingFileTheTabIsEmpty()
     QVERIFY(support->supportPageUrl().isEmpty());
     fake.log->clear();
     ui.Button_SupportPage->click();
-    QCOMPARE(fake.log->entries, QStringList({"open url: "}));
+    QCOMPARE(fake.log->entries, QStringList());
 }
 
 void TestSupport::aQiraBrandTurnsTheUpdaterIntoItsWebsite()
@@ -105,6 +107,53 @@ void TestSupport::aQiraBrandTurnsTheUpdaterIntoItsWebsite()
     fake.log->clear();
     ui.Button_Updater->click();
     QCOMPARE(fake.log->entries, QStringList({"open url: https://qira.example/"}));
+}
+
+// Every link of the branding file: the support page, the chat and the brand's website.
+void TestSupport::onlyWebAddressesAreOpened_data()
+{
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("opened"); // empty: not opened
+    QTest::newRow("https") << "https://help.example.org/a?b=1"
+                           << "https://help.example.org/a?b=1";
+    QTest::newRow("http") << "http://help.example.org/"
+                          << "http://help.example.org/";
+    QTest::newRow("upper-case scheme") << "HTTPS://help.example.org/"
+                                       << "https://help.example.org/";
+    QTest::newRow("local program") << R"(C:\Windows\System32\cmd.exe)"
+                                   << "";
+    QTest::newRow("file") << "file:///C:/Users/Public/run.bat"
+                          << "";
+    QTest::newRow("share") << R"(\\server\share\tool.exe)"
+                           << "";
+    QTest::newRow("script") << "javascript:alert(1)"
+                            << "";
+    QTest::newRow("other scheme") << "ms-settings:display"
+                                  << "";
+    QTest::newRow("no host") << "https:///path"
+                             << "";
+}
+
+void TestSupport::onlyWebAddressesAreOpened()
+{
+    QFETCH(QString, link);
+    QFETCH(QString, opened);
+    TestFolder folder;
+    folder.setIni(kBranding, "appname", "QIRA Control");
+    folder.setIni(kBranding, "showonlinechatbutton", true);
+    for (const char *key : {"supportpageURL", "onlinechatURL", "websiteURL"})
+        folder.setIni(kBranding, key, link);
+    FakePlatform fake;
+    MainWindow w(fake.bundle());
+    const Ui::MainWindow &ui = *w.form();
+    fake.log->clear();
+    ui.Button_SupportPage->click();
+    ui.Button_OnlineChat->click();
+    ui.Button_Updater->click();
+    const QString entry = QStringLiteral("open url: ") + opened;
+    const QStringList expected =
+        opened.isEmpty() ? QStringList() : QStringList{entry, entry, entry};
+    QCOMPARE(fake.log->withPrefix("open url"), expected);
 }
 
 void TestSupport::otherBrandsKeepTheUpdater()

@@ -30,8 +30,6 @@ public:
 class WinIdentity : public UserIdentity {
 public:
     QString userName() override;
-    // Windows frees the instance block with its last user; a stale block cannot occur.
-    bool primaryIsGone(qint64) override { return false; }
 };
 
 class WinDesktop : public Desktop {

@@ -1,6 +1,7 @@
 #include "winmonitoring.h"
 
 #include "battery.h"
+#include "program_path.h"
 
 #include <QThread>
 
@@ -37,6 +38,16 @@ WinBatteryQueryProcess::~WinBatteryQueryProcess()
 {
     if (m_worker)
         m_worker->wait();
+}
+
+// The process object would otherwise search the working folder and the path, and this program
+// runs elevated.
+void WinBatteryQueryProcess::start(const QString &program, const QStringList &arguments)
+{
+    const std::wstring resolved =
+        varnel::win::resolveProgram(program.toStdWString(), varnel::win::programFolders());
+    QtAsyncProcess::start(resolved.empty() ? QString() : QString::fromStdWString(resolved),
+                          arguments);
 }
 
 void WinBatteryQueryProcess::startCommand(const QString &commandLine)

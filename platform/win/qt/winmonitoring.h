@@ -52,13 +52,15 @@ private:
 };
 
 // A process that answers the battery widget's two wmic queries through WMI where wmic.exe is
-// gone, off the GUI thread; every other command line runs as a real process.
+// gone, off the GUI thread; every other command line runs as a real process, its program
+// named by full path as the command runner names it.
 class WinBatteryQueryProcess : public QtAsyncProcess {
     Q_OBJECT
 public:
     using QtAsyncProcess::QtAsyncProcess;
     ~WinBatteryQueryProcess() override;
 
+    void start(const QString &program, const QStringList &arguments) override;
     void startCommand(const QString &commandLine) override;
     bool isRunning() const override;
     QByteArray readAllStandardOutput() override;

@@ -1,0 +1,387 @@
+// One instance per user, under real processes: many starts at once, first instances that died
+// in odd ways, blocks and key files tampered with, and clients that talk slowly or not at all.
+// This test program is itself a first instance, so its own server is tried in-process.
+#include "instancefile.h"
+#include "instancekey.h"
+#include "sharedmemoryblock.h"
+#include "singleapplication.h"
+
+#include <QDir>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QSharedMemory>
+#include <QSignalSpy>
+#include <QUuid>
+#include <QtTest>
+
+#include <memory>
+#include <pwd.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+const QString kProbe = QStringLiteral(VARNEL_TEST_BIN_DIR "/shell/instance_probe");
+
+QString userName()
+{
+    const passwd *entry = getpwuid(getuid());
+    return entry ? QString::fromLocal8Bit(entry->pw_name) : QString();
+}
+
+// The key every probe start computes: the application object's defaults, the probe's path and
+// this user.
+QString probeKey()
+{
+    InstanceKeyInputs in;
+    in.applicationName = QStringLiteral("instance_probe");
+    in.applicationFilePath = QFileInfo(kProbe).canonicalFilePath();
+    in.userName = userName();
+    return instanceKey(in);
+}
+
+char processState(qint64 pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = stat.readAll();
+    const int close = text.lastIndexOf(')');
+    return close > 0 && close + 2 < text.size() ? text.at(close + 2) : 0;
+}
+
+} // namespace
+
+class TestSingleInstance : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TestSingleInstance(SingleApplication &app) : m_app(app) {}
+
+private:
+    SingleApplication &m_app;
+    std::unique_ptr<QTemporaryDir> m_runtime; // the probes' private runtime folder
+    std::unique_ptr<QTemporaryDir> m_temp;    // the probes' shared temporary folder
+    std::vector<std::unique_ptr<QProcess>> m_probes;
+    std::unique_ptr<QSharedMemory> m_heldSegment; // kept, as a segment outlives a killed start
+
+    QProcess *startProbe(const QString &program = kProbe, const QStringList &arguments = {})
+    {
+        auto process = std::make_unique<QProcess>();
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime->path());
+        env.insert(QStringLiteral("TMPDIR"), m_temp->path());
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        process->setProcessEnvironment(env);
+        process->start(program, arguments);
+        m_probes.push_back(std::move(process));
+        return m_probes.back().get();
+    }
+
+    // Starts one probe that must become the first instance; returns its process id.
+    qint64 startPrimary(QProcess **out = nullptr)
+    {
+        QProcess *probe = startProbe();
+        if (out)
+            *out = probe;
+        if (!probe->waitForReadyRead(15000))
+            return 0;
+        const QByteArray line = probe->readLine().trimmed();
+        return line.startsWith("primary ") ? line.mid(8).toLongLong() : 0;
+    }
+
+    // A later start: it must hand over and end with status 0 while the first keeps running.
+    bool handsOver()
+    {
+        QProcess *later = startProbe();
+        return later->waitForFinished(15000) && later->exitStatus() == QProcess::NormalExit &&
+               later->exitCode() == 0 && later->readAllStandardOutput().isEmpty();
+    }
+
+    // The block wherever a start may look for one: the file in the private folder, and a
+    // System V segment named through the temporary folder.
+    void writeBlock(const InstanceBlock &value)
+    {
+        QFile file(m_runtime->path() + QLatin1Char('/') + probeKey() + QStringLiteral(".block"));
+        if (file.open(QIODevice::ReadWrite))
+            file.write(reinterpret_cast<const char *>(&value), sizeof(value));
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", m_temp->path().toUtf8());
+        if (!m_heldSegment)
+            m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
+        if ((m_heldSegment->isAttached() || m_heldSegment->attach()) && m_heldSegment->lock()) {
+            *static_cast<InstanceBlock *>(m_heldSegment->data()) = value;
+            m_heldSegment->unlock();
+        }
+        qputenv("TMPDIR", savedTemp);
+    }
+
+    int runningProbes()
+    {
+        int running = 0;
+        for (const auto &p : m_probes)
+            running += p->state() != QProcess::NotRunning ? 1 : 0;
+        return running;
+    }
+
+private slots:
+    void init()
+    {
+        m_runtime = std::make_unique<QTemporaryDir>();
+        m_temp = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_runtime->isValid() && m_temp->isValid());
+        // Shared like /tmp, so a start could be tempted to keep its key files there.
+        ::chmod(QFile::encodeName(m_temp->path()).constData(), 01777);
+        QVERIFY(QFile::exists(kProbe));
+    }
+
+    void cleanup()
+    {
+        for (const auto &p : m_probes) {
+            p->kill();
+            p->waitForFinished(5000);
+        }
+        m_probes.clear();
+        // A System V block left by a killed start goes with its last user.
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", m_temp->path().toUtf8());
+        if (!m_heldSegment)
+            m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
+        if (m_heldSegment->isAttached() || m_heldSegment->attach())
+            m_heldSegment->detach();
+        m_heldSegment.reset();
+        qputenv("TMPDIR", savedTemp);
+    }
+
+    void fiftyStartsAtOnceLeaveExactlyOne_data()
+    {
+        QTest::addColumn<bool>("overKilledFirst");
+        for (int round = 1; round <= 8; ++round)
+            QTest::addRow("round %d, from nothing", round) << false;
+        for (int round = 1; round <= 2; ++round)
+            QTest::addRow("round %d, over a killed first instance", round) << true;
+    }
+
+    void fiftyStartsAtOnceLeaveExactlyOne()
+    {
+        QFETCH(bool, overKilledFirst);
+        if (overKilledFirst) {
+            QProcess *first = nullptr;
+            QVERIFY(startPrimary(&first) > 0);
+            first->kill();
+            first->waitForFinished(5000);
+            m_probes.clear();
+        }
+        // On one processor the starts take turns in the middle of their checks, which is where
+        // two of them could both decide to be first.
+        cpu_set_t saved, one;
+        QCOMPARE(sched_getaffinity(0, sizeof saved, &saved), 0);
+        CPU_ZERO(&one);
+        CPU_SET(sched_getcpu(), &one);
+        QCOMPARE(sched_setaffinity(0, sizeof one, &one), 0);
+        for (int i = 0; i < 50; ++i)
+            startProbe();
+        sched_setaffinity(0, sizeof saved, &saved);
+        // Every start but one hands over; copies that stay are what this guards against.
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            runningProbes() <= 1,
+            qPrintable(QStringLiteral("%1 copies running").arg(runningProbes())), 30000);
+        QCOMPARE(runningProbes(), 1);
+        for (const auto &p : m_probes) {
+            if (p->state() == QProcess::NotRunning)
+                QCOMPARE(p->exitCode(), 0);
+            else
+                QVERIFY(p->readLine().startsWith("primary "));
+        }
+    }
+
+    void deadFirstInstanceDoesNotLockOut_data()
+    {
+        QTest::addColumn<bool>("zombie");
+        QTest::newRow("zombie, never reaped") << true;
+        QTest::newRow("killed, its process id now another program's") << false;
+    }
+
+    void deadFirstInstanceDoesNotLockOut()
+    {
+        QFETCH(bool, zombie);
+        qint64 deadPid = 0;
+        if (zombie) {
+            // The probe's parent becomes a program that never reaps it.
+            QProcess *shell = startProbe(
+                QStringLiteral("/bin/sh"),
+                {QStringLiteral("-c"), QStringLiteral("\"$0\" & exec sleep 120"), kProbe});
+            QVERIFY(shell->waitForReadyRead(15000));
+            deadPid = shell->readLine().trimmed().mid(8).toLongLong();
+            QVERIFY(deadPid > 0);
+            ::kill(static_cast<pid_t>(deadPid), SIGKILL);
+            QTRY_COMPARE(processState(deadPid), 'Z');
+        } else {
+            QProcess *first = nullptr;
+            QVERIFY(startPrimary(&first) > 0);
+            first->kill();
+            first->waitForFinished(5000);
+            // The block still says "running" and names a live process that is not ours.
+            writeBlock(InstanceBlock{true, 0, QCoreApplication::applicationPid()});
+        }
+        QVERIFY(startPrimary() > 0);
+        QVERIFY(handsOver());
+    }
+
+    void tamperingWhileTheFirstRunsAdmitsNoSecond_data()
+    {
+        QTest::addColumn<QString>("tamper");
+        QTest::newRow("block zeroed") << "zero";
+        QTest::newRow("key files deleted from the temporary folder") << "delete";
+    }
+
+    void tamperingWhileTheFirstRunsAdmitsNoSecond()
+    {
+        QFETCH(QString, tamper);
+        QProcess *first = nullptr;
+        QVERIFY(startPrimary(&first) > 0);
+        if (tamper == QLatin1String("zero"))
+            writeBlock(InstanceBlock{false, 0, 0});
+        else
+            for (const QString &name :
+                 QDir(m_temp->path())
+                     .entryList({QStringLiteral("qipc_*")}, QDir::Files | QDir::System))
+                QFile::remove(m_temp->filePath(name));
+        // Other programs take the freed file numbers, as they would in a busy /tmp.
+        for (int i = 0; i < 4; ++i) {
+            QFile other(m_temp->filePath(QStringLiteral("other-%1").arg(i)));
+            QVERIFY(other.open(QIODevice::WriteOnly));
+        }
+        QVERIFY(handsOver());
+        QVERIFY(first->waitForReadyRead(5000));
+        QCOMPARE(first->readLine().trimmed(), QByteArray("wake"));
+        QCOMPARE(runningProbes(), 1);
+    }
+
+    void nothingIsKeptInTheSharedTemporaryFolder()
+    {
+        QVERIFY(startPrimary() > 0);
+        QVERIFY(handsOver());
+        QCOMPARE(
+            QDir(m_temp->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+            QStringList());
+        const QFileInfo block(m_runtime->path() + QLatin1Char('/') + probeKey() +
+                              QStringLiteral(".block"));
+        QVERIFY(block.exists());
+        QCOMPARE(block.ownerId(), uint(geteuid()));
+    }
+
+    // Another local user made the block first, claiming a first instance that is alive.
+    void anotherUsersBlockIsNotTrusted()
+    {
+        if (geteuid() != 0)
+            QSKIP("needs root to make files of another user");
+        const passwd *nobody = getpwnam("nobody");
+        QVERIFY(nobody);
+        const QString key = probeKey();
+        const QByteArray savedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", m_temp->path().toUtf8());
+        QSharedMemory foreign(key);
+        QVERIFY(foreign.create(sizeof(InstanceBlock)));
+        qputenv("TMPDIR", savedTemp);
+        for (const QString &name : QDir(m_temp->path()).entryList(QDir::Files | QDir::System))
+            QVERIFY(::chown(QFile::encodeName(m_temp->filePath(name)).constData(), nobody->pw_uid,
+                            nobody->pw_gid) == 0);
+        const QString blockFile = m_runtime->path() + QLatin1Char('/') + key + ".block";
+        QFile planted(blockFile);
+        QVERIFY(planted.open(QIODevice::WriteOnly));
+        planted.close();
+        QVERIFY(::chown(QFile::encodeName(blockFile).constData(), nobody->pw_uid, nobody->pw_gid) ==
+                0);
+        writeBlock(InstanceBlock{true, 0, 1});
+
+        QVERIFY(startPrimary() > 0);
+        QVERIFY(handsOver());
+        QCOMPARE(QFileInfo(blockFile).ownerId(), uint(geteuid()));
+    }
+
+    // Both kinds of block, two starts in one process: one first instance at a time, and the
+    // place is free again after a clean shutdown.
+    void blockSettlesOneFirstInstance_data()
+    {
+        QTest::addColumn<bool>("sharedMemory");
+        QTest::newRow("named shared memory") << true;
+        QTest::newRow("file in a private folder") << false;
+    }
+
+    void blockSettlesOneFirstInstance()
+    {
+        QFETCH(bool, sharedMemory);
+        const QString key = QUuid::createUuid().toString(QUuid::WithoutBraces);
+        auto make = [&]() -> std::unique_ptr<InstanceBlockHost> {
+            if (sharedMemory)
+                return std::make_unique<SharedMemoryInstanceBlock>(key);
+            return std::make_unique<FileInstanceBlock>(m_runtime->path(), key);
+        };
+        auto first = make();
+        auto second = make();
+        QVERIFY(first->claimPrimary(101));
+        QVERIFY(!second->claimPrimary(102));
+        QCOMPARE(second->addSecondary(), 1u);
+        QCOMPARE(second->addSecondary(), 2u);
+        first->release();
+        QVERIFY(second->claimPrimary(102));
+        QVERIFY(!first->claimPrimary(101));
+        QCOMPARE(first->serverName(), second->serverName());
+    }
+
+    // The message is read as it comes; this thread writes the second half only after the
+    // first instance, on the same thread, has seen the first.
+    void messageInPiecesStillWakes()
+    {
+        QSignalSpy woken(&m_app, &SingleApplication::instanceStarted);
+        const QByteArray message = encodeConnectionMessage(m_app.blockServerName(), NewInstance, 0);
+        QLocalSocket client;
+        client.connectToServer(m_app.serverName());
+        QVERIFY(client.waitForConnected(2000));
+        client.write(message.left(10));
+        client.flush();
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents();
+        client.write(message.mid(10));
+        client.flush();
+        QTRY_COMPARE(woken.count(), 1);
+    }
+
+    // Clients that connect and say nothing are dropped after 100 ms each, without holding up
+    // the window or the real start queued behind them.
+    void silentClientsAreDroppedAndTheRealOneWakes()
+    {
+        QSignalSpy woken(&m_app, &SingleApplication::instanceStarted);
+        std::vector<std::unique_ptr<QLocalSocket>> silent;
+        for (int i = 0; i < 200; ++i) {
+            silent.push_back(std::make_unique<QLocalSocket>());
+            silent.back()->connectToServer(m_app.serverName());
+        }
+        QLocalSocket real;
+        real.connectToServer(m_app.serverName());
+        QTRY_COMPARE_WITH_TIMEOUT(real.state(), QLocalSocket::ConnectedState, 4000);
+        real.write(encodeConnectionMessage(m_app.blockServerName(), NewInstance, 0));
+        QTRY_COMPARE_WITH_TIMEOUT(woken.count(), 1, 4000);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            std::all_of(silent.begin(), silent.end(),
+                        [](const auto &s) { return s->state() == QLocalSocket::UnconnectedState; }),
+            4000);
+        QCOMPARE(real.state(), QLocalSocket::ConnectedState);
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    // This program's own first-instance files go to a folder of its own.
+    QTemporaryDir runtime;
+    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
+    SingleApplication app(argc, argv, false, 1, 100);
+    TestSingleInstance test(app);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_singleinstance.moc"
