@@ -6,8 +6,12 @@ Platform windowsPlatform();
 std::shared_ptr<UserIdentity> windowsIdentity();
 #else
 #include "linux/linuxidentity.h"
+#include "linux/workingfolder.h"
 Platform linuxPlatform();
 #endif
+
+#include <QCoreApplication>
+#include <QDir>
 
 Platform nativePlatform()
 {
@@ -24,5 +28,16 @@ std::shared_ptr<UserIdentity> nativeIdentity()
     return windowsIdentity();
 #else
     return std::make_shared<LinuxIdentity>();
+#endif
+}
+
+QString nativeWorkingFolder()
+{
+#ifdef Q_OS_WIN
+    // Started by its log-on task or shortcut in the install folder, as administrator.
+    return QDir::currentPath();
+#else
+    const QString installFolder = QCoreApplication::applicationDirPath();
+    return prepareWorkingFolder(installFolder, userWorkingFolder(), folderWritable(installFolder));
 #endif
 }

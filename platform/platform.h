@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <memory>
 
 class CommandRunner;
@@ -17,6 +19,7 @@ class SleepNotifier;
 class Desktop;
 class Dialogs;
 class Scheduler;
+class Availability;
 
 // One implementation of every operating-system concern. The native bundle is chosen in one
 // place (nativePlatform()); tests build the window over a fake bundle.
@@ -36,6 +39,10 @@ struct Platform {
     std::shared_ptr<Desktop> desktop;
     std::shared_ptr<Dialogs> dialogs;
     std::shared_ptr<Scheduler> scheduler;
+    std::shared_ptr<Availability> availability;
 };
 
 Platform nativePlatform();
+
+// The folder the program's relative paths are taken from, made ready for use.
+QString nativeWorkingFolder();

@@ -16,6 +16,8 @@ private slots:
     void readsAsPercent();
     void writtenValueReadsBack_data();
     void writtenValueReadsBack();
+    void lowestWrittenLevelKeepsThePanelLit_data();
+    void lowestWrittenLevelKeepsThePanelLit();
     void sessionWriterIsTriedFirst();
     void noDeviceReadsMinusOneAndIgnoresWrites();
     void providerCountsAsInstalled();
@@ -123,6 +125,34 @@ void SysfsBacklightTest::writtenValueReadsBack()
     // Levels above 100 are taken as 100.
     panel.write(250);
     QCOMPARE(f.raw("intel_backlight"), max);
+}
+
+void SysfsBacklightTest::lowestWrittenLevelKeepsThePanelLit_data()
+{
+    QTest::addColumn<int>("max");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<int>("raw");
+    QTest::newRow("7 steps, 0%") << 7 << 0 << 1;
+    QTest::newRow("7 steps, 5% rounds to off") << 7 << 5 << 1;
+    QTest::newRow("7 steps, 10%") << 7 << 10 << 1;
+    QTest::newRow("255, 0%") << 255 << 0 << 1;
+    QTest::newRow("255, 1%") << 255 << 1 << 3;
+    QTest::newRow("96000, 0%") << 96000 << 0 << 1;
+    QTest::newRow("1 step, 0%") << 1 << 0 << 1;
+    QTest::newRow("255, full") << 255 << 100 << 255;
+}
+
+void SysfsBacklightTest::lowestWrittenLevelKeepsThePanelLit()
+{
+    QFETCH(int, max);
+    QFETCH(int, percent);
+    QFETCH(int, raw);
+    Fixture f;
+    f.device("acpi_video0", "firmware", max, max);
+    SysfsBacklight panel(f.dir.path(), noSession);
+    panel.write(static_cast<quint32>(percent));
+    QCOMPARE(f.raw("acpi_video0"), raw);
+    QCOMPARE(panel.read(), percent);
 }
 
 void SysfsBacklightTest::sessionWriterIsTriedFirst()

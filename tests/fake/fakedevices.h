@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio.h"
+#include "availability.h"
 #include "brightness.h"
 #include "desktop.h"
 #include "devices.h"
@@ -150,4 +151,17 @@ public:
 
 private:
     SharedLog m_log;
+};
+
+// Everything works unless a test names a reason.
+class FakeAvailability : public Availability {
+public:
+    QString whyUnavailable(Feature feature) override { return features.value(feature); }
+    QString whyCannotStart(const QString &commandLine) override
+    {
+        return programs.value(commandLine);
+    }
+
+    QMap<Feature, QString> features;
+    QMap<QString, QString> programs; // command line -> reason
 };

@@ -11,7 +11,8 @@ FakePlatform::FakePlatform()
       powerSource(std::make_shared<FakePowerSource>()), audio(std::make_shared<FakeAudio>(log)),
       gpu(std::make_shared<FakeGpu>()), sampler(std::make_shared<FakeSampler>()),
       sleep(std::make_shared<FakeSleepNotifier>()), desktop(std::make_shared<FakeDesktop>(log)),
-      dialogs(std::make_shared<FakeDialogs>(log)), scheduler(std::make_shared<ManualScheduler>())
+      dialogs(std::make_shared<FakeDialogs>(log)), scheduler(std::make_shared<ManualScheduler>()),
+      availability(std::make_shared<FakeAvailability>())
 {
 }
 
@@ -33,5 +34,6 @@ Platform FakePlatform::bundle() const
     p.desktop = desktop;
     p.dialogs = dialogs;
     p.scheduler = scheduler;
+    p.availability = availability;
     return p;
 }

@@ -33,4 +33,5 @@ struct FakePlatform {
     std::shared_ptr<FakeDesktop> desktop;
     std::shared_ptr<FakeDialogs> dialogs;
     std::shared_ptr<ManualScheduler> scheduler;
+    std::shared_ptr<FakeAvailability> availability;
 };

@@ -1,5 +1,6 @@
 #include "platform.h"
 
+#include "availability.h"
 #include "dialogs.h"
 #include "identity.h"
 #include "placeholders_win.h"
@@ -32,6 +33,7 @@ Platform windowsPlatform()
     p.sleep = std::make_shared<WinSleepNotifier>();
     p.desktop = std::make_shared<WinDesktop>();
     p.dialogs = std::make_shared<QtDialogs>();
+    p.availability = std::make_shared<EverythingAvailable>();
     p.scheduler = std::make_shared<TimerScheduler>();
     return p;
 }

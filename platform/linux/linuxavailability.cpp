@@ -1,0 +1,102 @@
+#include "linuxavailability.h"
+
+#include "backlight.h"
+#include "commandtable.h"
+#include "nativeprogram.h"
+#include "nvmlgpu.h"
+#include "systemhelper.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <dlfcn.h>
+
+namespace {
+
+QString needsHelper()
+{
+    return QStringLiteral("Needs the Varnel system helper, which is not installed.");
+}
+
+} // namespace
+
+LinuxAvailability::LinuxAvailability(Probes probes, std::shared_ptr<const CommandTable> table)
+    : m_probes(std::move(probes)), m_table(std::move(table))
+{
+}
+
+bool LinuxAvailability::once(std::optional<bool> &answer, const std::function<bool()> &check)
+{
+    if (!answer)
+        answer = check && check();
+    return *answer;
+}
+
+QString LinuxAvailability::whyUnavailable(Feature feature)
+{
+    switch (feature) {
+    case Feature::PanelBacklight:
+        // Asked afresh: an external screen's backlight can come and go.
+        if (m_probes.backlight && m_probes.backlight())
+            return QString();
+        return QStringLiteral("This screen has no backlight that can be adjusted.");
+    case Feature::NvidiaGpu:
+        if (!once(m_gpu, m_probes.nvidiaGpu))
+            return QStringLiteral("No NVIDIA GPU in this computer.");
+        if (!once(m_gpuLibrary, m_probes.nvidiaLibrary))
+            return QStringLiteral("The NVIDIA driver, which reports the GPU's sensors, is not "
+                                  "installed.");
+        return QString();
+    case Feature::ProcessorLimits:
+    case Feature::LidShutdown:
+    case Feature::CameraSwitch:
+    case Feature::CpuTuning:
+        return once(m_helper, m_probes.systemHelper) ? QString() : needsHelper();
+    case Feature::WindowsOnlyFix:
+        return QStringLiteral("A Windows-only fix: Linux has no such setting.");
+    case Feature::SuperKeyBlocker:
+        return once(m_superKey, m_probes.superKeySetting)
+                   ? QString()
+                   : QStringLiteral("Blocking the Super key needs a GNOME desktop.");
+    case Feature::ScreenTimeouts:
+        return once(m_timeouts, m_probes.desktopTimeouts)
+                   ? QString()
+                   : QStringLiteral("Screen and sleep timeouts need a GNOME desktop.");
+    }
+    return QString();
+}
+
+QString LinuxAvailability::whyCannotStart(const QString &commandLine)
+{
+    if (m_table && m_table->knows(commandLine)) {
+        if (m_table->canRun(commandLine))
+            return QString();
+        return QStringLiteral("No program for this is installed on this computer.");
+    }
+    const NativeProgram program = nativeProgramFor(commandLine, m_probes.installFolder);
+    if (!program.path.isEmpty())
+        return QString();
+    if (program.name.isEmpty())
+        return QStringLiteral("Not available on Linux.");
+    return QStringLiteral("%1 has no Linux version in %2.")
+        .arg(program.name, QDir::toNativeSeparators(m_probes.installFolder));
+}
+
+LinuxAvailability::Probes LinuxAvailability::nativeProbes()
+{
+    Probes probes;
+    probes.backlight = [] { return !SysfsBacklight().deviceName().isEmpty(); };
+    probes.nvidiaGpu = [] {
+        return !NvmlGpuSensors::scanPci(QStringLiteral("/sys")).devices.isEmpty();
+    };
+    probes.nvidiaLibrary = [] {
+        // Loading the library wakes no GPU; only its calls do.
+        void *library = dlopen("libnvidia-ml.so.1", RTLD_LAZY | RTLD_LOCAL);
+        if (library)
+            dlclose(library);
+        return library != nullptr;
+    };
+    probes.systemHelper = systemHelperAvailable;
+    probes.installFolder = QCoreApplication::applicationDirPath();
+    return probes;
+}
