@@ -34,7 +34,7 @@ add_custom_command(OUTPUT ${varnel_changelog}
   DEPENDS ${PROJECT_SOURCE_DIR}/dist/linux/changelog VERBATIM)
 add_custom_target(varnel_changelog ALL DEPENDS ${varnel_changelog})
 install(FILES ${PROJECT_SOURCE_DIR}/dist/linux/copyright ${varnel_changelog}
-        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/varnel)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME varnel)
@@ -43,8 +43,7 @@ set(CPACK_PACKAGE_VENDOR "TALVERON-PC")
 set(CPACK_PACKAGE_CONTACT "TALVERON-PC Support <support@talveron-pc.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "control centre for gaming laptops")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-  "control centre for gaming laptops\n\
-Varnel switches power modes, sets panel and external-monitor brightness and\n\
+  "Varnel switches power modes, sets panel and external-monitor brightness and\n\
 volume, switches the laptop's devices, shows GPU sensors and offers two small\n\
 desktop widgets, from one window and a tray icon.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

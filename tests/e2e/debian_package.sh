@@ -34,7 +34,7 @@ rm -f "$build"/package/varnel_*.deb
   { cat "$work/cpack.log"; fail "cpack could not build the package"; }
 deb=$(ls "$build"/package/varnel_*.deb 2>/dev/null | head -1)
 [ -f "$deb" ] || fail "no package in $build/package"
-lintian --fail-on error --no-tag-display-limit "$deb" >"$work/lintian.log" 2>&1
+lintian --fail-on error --tag-display-limit 0 "$deb" >"$work/lintian.log" 2>&1
 lintian_status=$?
 cat "$work/lintian.log"
 [ "$lintian_status" -eq 0 ] || fail "lintian reports errors"
