@@ -13,6 +13,9 @@ enum class Feature {
     WindowsOnlyFix,  // registry fixes and helper tools that exist only on Windows
     SuperKeyBlocker, // the Windows (Super) key blocker
     ScreenTimeouts,  // screen-off and sleep timeouts of a power mode
+    TouchpadSwitch,  // the touchpad's on/off switch
+    AmbientLight,    // adaptive (light-sensor) brightness
+    MonitorControl,  // external monitors' brightness over DDC/CI
 };
 
 // Whether a control's action has an equivalent on the running machine. A control whose

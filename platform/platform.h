@@ -11,6 +11,7 @@ class PanelBrightness;
 class DeviceSwitches;
 class MonitorControl;
 class KeyBlocker;
+class KeyboardLight;
 class PowerSource;
 class AudioEndpoint;
 class GpuSensors;
@@ -31,6 +32,7 @@ struct Platform {
     std::shared_ptr<DeviceSwitches> switches;
     std::shared_ptr<MonitorControl> monitors;
     std::shared_ptr<KeyBlocker> keyBlocker;
+    std::shared_ptr<KeyboardLight> keyboardLight;
     std::shared_ptr<PowerSource> powerSource;
     std::shared_ptr<AudioEndpoint> audio;
     std::shared_ptr<GpuSensors> gpu;

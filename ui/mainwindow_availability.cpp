@@ -39,6 +39,9 @@ void MainWindow::applyAvailability()
     holdItemUnavailable(ui->LidClose_Combo, 2, machine.whyUnavailable(Feature::LidShutdown));
     hold(Feature::CameraSwitch, {ui->Radio_CameraON, ui->Radio_CameraOFF});
     hold(Feature::SuperKeyBlocker, {ui->Check_DisableWinKey});
+    hold(Feature::TouchpadSwitch, {ui->Radio_TouchpadON, ui->Radio_TouchpadOFF});
+    hold(Feature::AmbientLight, {ui->Check_Adaptive});
+    hold(Feature::MonitorControl, {ui->Slider_SecondBRight});
     hold(Feature::WindowsOnlyFix,
          {ui->CheckTDRdelay, ui->CheckDisableFastStartup, ui->check_hkfilter});
 

@@ -9,7 +9,10 @@
 #include <QCoreApplication>
 #include <QDir>
 
+#include <QFile>
+
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace {
 
@@ -62,6 +65,20 @@ QString LinuxAvailability::whyUnavailable(Feature feature)
         return once(m_timeouts, m_probes.desktopTimeouts)
                    ? QString()
                    : QStringLiteral("Screen and sleep timeouts need a GNOME desktop.");
+    case Feature::TouchpadSwitch:
+        return once(m_touchpad, m_probes.touchpadSetting)
+                   ? QString()
+                   : QStringLiteral("Switching the touchpad needs a GNOME or KDE Plasma "
+                                    "desktop.");
+    case Feature::AmbientLight:
+        return once(m_ambient, m_probes.ambientSetting)
+                   ? QString()
+                   : QStringLiteral("This desktop has no adaptive brightness setting.");
+    case Feature::MonitorControl:
+        return once(m_ddc, m_probes.monitorChannel)
+                   ? QString()
+                   : QStringLiteral("External monitors cannot be controlled: that needs "
+                                    "libddcutil and access to /dev/i2c-* (the i2c group).");
     }
     return QString();
 }
@@ -97,6 +114,24 @@ LinuxAvailability::Probes LinuxAvailability::nativeProbes()
         return library != nullptr;
     };
     probes.systemHelper = systemHelperAvailable;
+    probes.monitorChannel = [] {
+        void *library = nullptr;
+        for (const char *name : {"libddcutil.so.5", "libddcutil.so.4", "libddcutil.so"}) {
+            if ((library = dlopen(name, RTLD_LAZY | RTLD_LOCAL)))
+                break;
+        }
+        if (!library)
+            return false;
+        dlclose(library);
+        const QStringList buses =
+            QDir(QStringLiteral("/dev")).entryList({QStringLiteral("i2c-*")}, QDir::System);
+        for (const QString &bus : buses) {
+            if (::access(QFile::encodeName(QStringLiteral("/dev/") + bus).constData(),
+                         R_OK | W_OK) == 0)
+                return true;
+        }
+        return false;
+    };
     probes.installFolder = QCoreApplication::applicationDirPath();
     return probes;
 }

@@ -19,6 +19,9 @@ public:
         std::function<bool()> systemHelper;    // the root helper can be started
         std::function<bool()> superKeySetting; // the desktop has a Super-key setting
         std::function<bool()> desktopTimeouts; // the desktop takes idle and sleep timeouts
+        std::function<bool()> touchpadSetting; // the desktop switches the touchpad
+        std::function<bool()> ambientSetting;  // the desktop has adaptive brightness
+        std::function<bool()> monitorChannel;  // libddcutil loads and an I2C bus is usable
         QString installFolder;
     };
 
@@ -35,5 +38,6 @@ private:
 
     Probes m_probes;
     std::shared_ptr<const CommandTable> m_table;
-    std::optional<bool> m_gpu, m_gpuLibrary, m_helper, m_superKey, m_timeouts;
+    std::optional<bool> m_gpu, m_gpuLibrary, m_helper, m_superKey, m_timeouts, m_touchpad,
+        m_ambient, m_ddc;
 };

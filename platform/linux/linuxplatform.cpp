@@ -8,6 +8,7 @@
 #include "desktopsettings.h"
 #include "devicecommands.h"
 #include "dialogs.h"
+#include "keyboardlight.h"
 #include "linuxavailability.h"
 #include "linuxbattery.h"
 #include "linuxcommands.h"
@@ -39,9 +40,9 @@ Platform linuxPlatform()
 
     auto registry = std::make_shared<LinuxRegistry>();
     auto userStore = std::make_shared<UserStoreRegistry>();
-    registry->addRoute(
-        TouchpadRegistry::key,
-        std::make_shared<TouchpadRegistry>(TouchpadRegistry::sessionPreference(), userStore));
+    const auto touchpad = TouchpadRegistry::sessionPreference();
+    registry->addRoute(TouchpadRegistry::key,
+                       std::make_shared<TouchpadRegistry>(touchpad, userStore));
     registry->addRoute(
         SoundSchemeStore::prefix,
         std::make_shared<SoundSchemeStore>(userStore, SoundSchemeStore::sessionEventSounds()));
@@ -55,6 +56,7 @@ Platform linuxPlatform()
     p.switches = std::make_shared<LinuxDeviceSwitches>();
     p.monitors = std::make_shared<DdcMonitorControl>(std::make_unique<LibDdcutilBus>());
     p.keyBlocker = std::make_shared<OverlayKeyBlocker>();
+    p.keyboardLight = std::make_shared<LedKeyboardLight>();
     p.powerSource = std::make_shared<SysfsPowerSupply>();
     p.audio = std::make_shared<PulseAudioEndpoint>();
     p.gpu = std::make_shared<NvmlGpuSensors>();
@@ -66,6 +68,8 @@ Platform linuxPlatform()
     LinuxAvailability::Probes probes = LinuxAvailability::nativeProbes();
     probes.desktopTimeouts = [timeouts] { return timeouts->available(); };
     probes.superKeySetting = OverlayKeyBlocker::available;
+    probes.touchpadSetting = [touchpad] { return touchpad != nullptr; };
+    probes.ambientSetting = SessionDesktopSettings::hasAmbientBrightness;
     p.availability = std::make_shared<LinuxAvailability>(probes, table);
     return p;
 }

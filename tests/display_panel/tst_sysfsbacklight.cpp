@@ -1,5 +1,6 @@
 // The Linux panel backlight against fixture trees shaped like /sys/class/backlight.
 #include "backlight.h"
+#include "keyboardlight.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,6 +22,8 @@ private slots:
     void sessionWriterIsTriedFirst();
     void noDeviceReadsMinusOneAndIgnoresWrites();
     void providerCountsAsInstalled();
+    void keyboardLightLevels_data();
+    void keyboardLightLevels();
 };
 
 namespace {
@@ -188,6 +191,52 @@ void SysfsBacklightTest::providerCountsAsInstalled()
 {
     Fixture f;
     QVERIFY(SysfsBacklight(f.dir.path(), noSession).providerInstalled());
+}
+
+void SysfsBacklightTest::keyboardLightLevels_data()
+{
+    QTest::addColumn<int>("max");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<int>("raw");
+    QTest::newRow("3 steps, dark") << 3 << 0 << 0;
+    QTest::newRow("3 steps, half") << 3 << 50 << 2;
+    QTest::newRow("3 steps, full") << 3 << 100 << 3;
+    QTest::newRow("255, 40%") << 255 << 40 << 102;
+    QTest::newRow("above 100") << 255 << 140 << 255;
+}
+
+void SysfsBacklightTest::keyboardLightLevels()
+{
+    QFETCH(int, max);
+    QFETCH(int, percent);
+    QFETCH(int, raw);
+    Fixture f;
+    f.device("input3::capslock", "", 1, 0);
+    f.device("rgb:kbd_backlight", "", max, 7); // not the keyboard's name pattern
+    f.device("tpacpi::kbd_backlight", "", max, 7);
+
+    QStringList calls;
+    LedKeyboardLight viaSession(f.dir.path(), [&](const QString &led, quint32 value) {
+        calls << QStringLiteral("%1 %2").arg(led).arg(value);
+        return true;
+    });
+    viaSession.setLevel(percent);
+    QCOMPARE(calls, QStringList{QStringLiteral("tpacpi::kbd_backlight %1").arg(raw)});
+    QCOMPARE(f.raw("tpacpi::kbd_backlight"), 7);
+
+    LedKeyboardLight direct(f.dir.path(), [](const QString &, quint32) { return false; });
+    direct.setLevel(percent);
+    QCOMPARE(f.raw("tpacpi::kbd_backlight"), raw);
+    QCOMPARE(f.raw("input3::capslock"), 0);
+
+    Fixture none;
+    none.device("input3::capslock", "", 1, 0);
+    LedKeyboardLight absent(none.dir.path(), [&](const QString &, quint32) {
+        calls << QStringLiteral("called");
+        return true;
+    });
+    absent.setLevel(percent);
+    QCOMPARE(calls.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(SysfsBacklightTest)

@@ -84,6 +84,18 @@ private:
     SharedLog m_log;
 };
 
+class FakeKeyboardLight : public KeyboardLight {
+public:
+    explicit FakeKeyboardLight(SharedLog log) : m_log(std::move(log)) {}
+    void setLevel(int percent) override
+    {
+        m_log->add(QStringLiteral("keyboard light %1").arg(percent));
+    }
+
+private:
+    SharedLog m_log;
+};
+
 class FakePowerSource : public PowerSource {
 public:
     int acLineStatus() override { return status; }

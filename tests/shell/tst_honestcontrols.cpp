@@ -148,6 +148,10 @@ void HonestControlsTest::linuxReasons_data()
         << Feature::SuperKeyBlocker << false << "Blocking the Super key needs a GNOME desktop.";
     QTest::newRow("no timeouts") << Feature::ScreenTimeouts << false
                                  << "Screen and sleep timeouts need a GNOME desktop.";
+    QTest::newRow("no touchpad setting")
+        << Feature::TouchpadSwitch << false
+        << "Switching the touchpad needs a GNOME or KDE Plasma desktop.";
+    QTest::newRow("adaptive brightness") << Feature::AmbientLight << true << "";
 }
 
 void HonestControlsTest::linuxReasons()
@@ -160,7 +164,8 @@ void HonestControlsTest::linuxReasons()
         ++asked;
         return probesSay;
     };
-    LinuxAvailability::Probes probes{answer, answer, answer, answer, answer, answer, {}};
+    LinuxAvailability::Probes probes{answer, answer, answer, answer, answer,
+                                     answer, answer, answer, answer, {}};
     LinuxAvailability machine(probes, nullptr);
     QCOMPARE(machine.whyUnavailable(feature), reason);
     const int first = asked;

@@ -26,6 +26,7 @@ Platform windowsPlatform()
     p.switches = std::make_shared<WinDeviceSwitches>();
     p.monitors = std::make_shared<WinMonitorControl>();
     p.keyBlocker = std::make_shared<WinKeyBlocker>();
+    p.keyboardLight = std::make_shared<CompanionKeyboardLight>();
     p.powerSource = std::make_shared<WinPowerSource>();
     p.audio = std::make_shared<WinAudioEndpoint>();
     p.gpu = std::make_shared<WinGpuSensors>();
