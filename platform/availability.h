@@ -16,6 +16,7 @@ enum class Feature {
     TouchpadSwitch,  // the touchpad's on/off switch
     AmbientLight,    // adaptive (light-sensor) brightness
     MonitorControl,  // external monitors' brightness over DDC/CI
+    EventSounds,     // the sound scheme (stock sounds or none)
 };
 
 // Whether a control's action has an equivalent on the running machine. A control whose

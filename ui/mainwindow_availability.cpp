@@ -42,6 +42,7 @@ void MainWindow::applyAvailability()
     hold(Feature::TouchpadSwitch, {ui->Radio_TouchpadON, ui->Radio_TouchpadOFF});
     hold(Feature::AmbientLight, {ui->Check_Adaptive});
     hold(Feature::MonitorControl, {ui->Slider_SecondBRight});
+    hold(Feature::EventSounds, {ui->comboBox_SoundCheme});
     hold(Feature::WindowsOnlyFix,
          {ui->CheckTDRdelay, ui->CheckDisableFastStartup, ui->check_hkfilter});
 

@@ -79,6 +79,10 @@ QString LinuxAvailability::whyUnavailable(Feature feature)
                    ? QString()
                    : QStringLiteral("External monitors cannot be controlled: that needs "
                                     "libddcutil and access to /dev/i2c-* (the i2c group).");
+    case Feature::EventSounds:
+        return once(m_sounds, m_probes.eventSounds)
+                   ? QString()
+                   : QStringLiteral("This desktop has no switch for its event sounds.");
     }
     return QString();
 }

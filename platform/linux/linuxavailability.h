@@ -22,6 +22,7 @@ public:
         std::function<bool()> touchpadSetting; // the desktop switches the touchpad
         std::function<bool()> ambientSetting;  // the desktop has adaptive brightness
         std::function<bool()> monitorChannel;  // libddcutil loads and an I2C bus is usable
+        std::function<bool()> eventSounds;     // the desktop switches its event sounds
         QString installFolder;
     };
 
@@ -39,5 +40,5 @@ private:
     Probes m_probes;
     std::shared_ptr<const CommandTable> m_table;
     std::optional<bool> m_gpu, m_gpuLibrary, m_helper, m_superKey, m_timeouts, m_touchpad,
-        m_ambient, m_ddc;
+        m_ambient, m_ddc, m_sounds;
 };

@@ -43,9 +43,9 @@ Platform linuxPlatform()
     const auto touchpad = TouchpadRegistry::sessionPreference();
     registry->addRoute(TouchpadRegistry::key,
                        std::make_shared<TouchpadRegistry>(touchpad, userStore));
-    registry->addRoute(
-        SoundSchemeStore::prefix,
-        std::make_shared<SoundSchemeStore>(userStore, SoundSchemeStore::sessionEventSounds()));
+    const auto eventSounds = SoundSchemeStore::sessionEventSounds();
+    registry->addRoute(SoundSchemeStore::prefix,
+                       std::make_shared<SoundSchemeStore>(userStore, eventSounds));
     registry->addRoute(AutostartEntries::runKey, std::make_shared<AutostartEntries>());
 
     Platform p;
@@ -70,6 +70,7 @@ Platform linuxPlatform()
     probes.superKeySetting = OverlayKeyBlocker::available;
     probes.touchpadSetting = [touchpad] { return touchpad != nullptr; };
     probes.ambientSetting = SessionDesktopSettings::hasAmbientBrightness;
+    probes.eventSounds = [eventSounds] { return eventSounds != nullptr; };
     p.availability = std::make_shared<LinuxAvailability>(probes, table);
     return p;
 }

@@ -164,7 +164,7 @@ void HonestControlsTest::linuxReasons()
         ++asked;
         return probesSay;
     };
-    LinuxAvailability::Probes probes{answer, answer, answer, answer, answer,
+    LinuxAvailability::Probes probes{answer, answer, answer, answer, answer, answer,
                                      answer, answer, answer, answer, {}};
     LinuxAvailability machine(probes, nullptr);
     QCOMPARE(machine.whyUnavailable(feature), reason);
