@@ -65,8 +65,15 @@ void MainWindow::applyAvailability()
         {Companions::FanControl, ui->Button_FanControl},
         {Companions::KeyboardLed, ui->Button_KeyboardLed},
     };
-    for (const auto &companion : companions)
-        holdUnavailable(companion.second, m_companions->whyCannotLaunch(companion.first));
+    bool anyCompanion = false;
+    for (const auto &companion : companions) {
+        const QString why = m_companions->whyCannotLaunch(companion.first);
+        holdUnavailable(companion.second, why);
+        anyCompanion = anyCompanion || why.isEmpty();
+    }
+    // Starting the suite's apps at log-on means nothing while none of them can start.
+    if (!anyCompanion)
+        holdUnavailable(ui->checkstart, QStringLiteral("None of the suite's apps is installed."));
 
     openOnAWorkingTab();
 }

@@ -21,6 +21,8 @@ app_pid=
 cleanup() {
   [ -n "$app_pid" ] && kill "$app_pid" 2>/dev/null
   if id "$user" >/dev/null 2>&1; then
+    # Whatever the user's session left running ends with it; wait, then remove the user.
+    for _ in $(seq 1 50); do pgrep -u "$user" >/dev/null || break; sleep 0.2; done
     userdel -r "$user" >/dev/null 2>&1
   fi
   rm -rf "$work"
@@ -53,9 +55,13 @@ done
 [ -x "$(readlink -f /usr/bin/varnel)" ] || fail "/usr/bin/varnel does not lead to the program"
 
 # 3. Start the installed program as an ordinary user, from the menu's command line.
+# A user left by an interrupted run is taken over.
+id "$user" >/dev/null 2>&1 && userdel -r "$user" >/dev/null 2>&1
 useradd --create-home --home-dir "$work/home" --shell /bin/bash "$user" || fail "useradd"
 chmod 755 "$work"
+# No session bus: nothing may be started on the user's behalf that outlives the test.
 runuser -u "$user" -- env -i HOME="$work/home" PATH=/usr/bin:/bin LANG=C.UTF-8 \
+  DBUS_SESSION_BUS_ADDRESS=disabled: \
   xvfb-run -a -s "-screen 0 1280x1024x24" sh -c \
   'cd /; varnel >"$HOME/varnel.log" 2>&1 & app=$!
    for i in $(seq 1 200); do
