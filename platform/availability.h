@@ -17,6 +17,7 @@ enum class Feature {
     AmbientLight,    // adaptive (light-sensor) brightness
     MonitorControl,  // external monitors' brightness over DDC/CI
     EventSounds,     // the sound scheme (stock sounds or none)
+    KeyboardLight,   // the keyboard backlight set by the program itself
 };
 
 // Whether a control's action has an equivalent on the running machine. A control whose

@@ -75,6 +75,21 @@ void MainWindow::applyAvailability()
     if (!anyCompanion)
         holdUnavailable(ui->checkstart, QStringLiteral("None of the suite's apps is installed."));
 
+    // A power mode's fan and keyboard levels reach the hardware through the suite's apps,
+    // and the keyboard level also directly where the machine lets the program set it.
+    const QString noFanControl = m_companions->whyCannotLaunch(Companions::FanControl);
+    if (!noFanControl.isEmpty())
+        holdUnavailable(ui->comboBox_5,
+                        QStringLiteral("Fan modes are set by Fan Control: ") + noFanControl);
+    const QString noKeyboardApp = m_companions->whyCannotLaunch(Companions::KeyboardLed);
+    const QString noKeyboardLight = machine.whyUnavailable(Feature::KeyboardLight);
+    if (!noKeyboardApp.isEmpty() && !noKeyboardLight.isEmpty())
+        holdUnavailable(ui->horizontalSlider_2, noKeyboardLight);
+    const QString noPanel = machine.whyUnavailable(Feature::PanelBacklight);
+    for (QWidget *control : {static_cast<QWidget *>(ui->PowerModeBrightSlider),
+                             static_cast<QWidget *>(ui->ignore_lcd_bright)})
+        holdUnavailable(control, noPanel);
+
     openOnAWorkingTab();
 }
 

@@ -2,6 +2,7 @@
 
 #include "backlight.h"
 #include "commandtable.h"
+#include "keyboardlight.h"
 #include "nativeprogram.h"
 #include "nvmlgpu.h"
 #include "systemhelper.h"
@@ -83,6 +84,10 @@ QString LinuxAvailability::whyUnavailable(Feature feature)
         return once(m_sounds, m_probes.eventSounds)
                    ? QString()
                    : QStringLiteral("This desktop has no switch for its event sounds.");
+    case Feature::KeyboardLight:
+        return m_probes.keyboardLight && m_probes.keyboardLight()
+                   ? QString()
+                   : QStringLiteral("This keyboard has no backlight.");
     }
     return QString();
 }
@@ -118,6 +123,7 @@ LinuxAvailability::Probes LinuxAvailability::nativeProbes()
         return library != nullptr;
     };
     probes.systemHelper = systemHelperAvailable;
+    probes.keyboardLight = [] { return !LedKeyboardLight().ledName().isEmpty(); };
     probes.monitorChannel = [] {
         void *library = nullptr;
         for (const char *name : {"libddcutil.so.5", "libddcutil.so.4", "libddcutil.so"}) {

@@ -23,6 +23,7 @@ public:
         std::function<bool()> ambientSetting;  // the desktop has adaptive brightness
         std::function<bool()> monitorChannel;  // libddcutil loads and an I2C bus is usable
         std::function<bool()> eventSounds;     // the desktop switches its event sounds
+        std::function<bool()> keyboardLight;   // the keyboard has a backlight LED
         QString installFolder;
     };
 

@@ -300,6 +300,9 @@ void HonestControlsTest::windowHoldsUnavailableControlsDisabled()
     QVERIFY(ui.Button_KeyboardLed->isEnabled());
     QVERIFY(ui.checkstart->isEnabled()); // two of the three apps can still start
     QVERIFY(ui.silent_cpu_min->isEnabled());
+    QVERIFY(!ui.comboBox_5->isEnabled());
+    QCOMPARE(ui.comboBox_5->toolTip(), QStringLiteral("Fan modes are set by Fan Control: no fans"));
+    QVERIFY(ui.horizontalSlider_2->isEnabled()); // the keyboard app can still start
 
     // Only the shutdown entry of the lid action is off.
     auto *lid = qobject_cast<QStandardItemModel *>(ui.LidClose_Combo->model());
