@@ -5,6 +5,7 @@
 #include "commandtable.h"
 #include "desktoppower.h"
 #include "linuxavailability.h"
+#include "linuxcommands.h"
 #include "nativeprogram.h"
 #include "powercommands.h"
 #include "unavailablecontrols.h"
@@ -24,6 +25,7 @@ private slots:
     void linuxReasons_data();
     void linuxReasons();
     void programButtonsAskTheCommandTable();
+    void nativeCounterpartIsStartedInTheWorkingFolder();
     void powerSchemeLinesReachTheDesktop_data();
     void powerSchemeLinesReachTheDesktop();
     void systemWideInstallWorksInAUserFolder();
@@ -199,6 +201,30 @@ void HonestControlsTest::programButtonsAskTheCommandTable()
              QStringLiteral("LatencyFix has no Linux version in %1.").arg(install.path()));
     QCOMPARE(machine.whyCannotStart("explorer shell:unknown"),
              QStringLiteral("Not available on Linux."));
+}
+
+void HonestControlsTest::nativeCounterpartIsStartedInTheWorkingFolder()
+{
+    QTemporaryDir install, working;
+    const QString marker = working.filePath("started");
+    QDir().mkpath(install.filePath("updates"));
+    QFile script(install.filePath("updates/Update"));
+    QVERIFY(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\necho \"$PWD $*\" > started.tmp && mv started.tmp started\n");
+    script.close();
+    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
+
+    const QString previous = QDir::currentPath();
+    QDir::setCurrent(working.path());
+    LinuxCommandRunner runner(std::make_shared<CommandTable>(), install.path());
+    runner.startShown(R"(updates\Update.exe --quiet)", ShowMode::Normal);
+    runner.startShown("Remote.exe", ShowMode::Normal); // not installed: nothing happens
+    QDir::setCurrent(previous);
+
+    QTRY_VERIFY(QFileInfo::exists(marker));
+    QFile answer(marker);
+    QVERIFY(answer.open(QIODevice::ReadOnly));
+    QCOMPARE(answer.readAll().trimmed(), (working.path() + " --quiet").toUtf8());
 }
 
 void HonestControlsTest::powerSchemeLinesReachTheDesktop_data()
