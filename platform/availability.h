@@ -18,6 +18,7 @@ enum class Feature {
     MonitorControl,  // external monitors' brightness over DDC/CI
     EventSounds,     // the sound scheme (stock sounds or none)
     KeyboardLight,   // the keyboard backlight set by the program itself
+    SystemTray,      // a tray to hide the window in
 };
 
 // Whether a control's action has an equivalent on the running machine. A control whose

@@ -43,6 +43,7 @@ void MainWindow::applyAvailability()
     hold(Feature::AmbientLight, {ui->Check_Adaptive});
     hold(Feature::MonitorControl, {ui->Slider_SecondBRight});
     hold(Feature::EventSounds, {ui->comboBox_SoundCheme});
+    hold(Feature::SystemTray, {ui->Check_CloseHides, ui->Check_StartHidden});
     hold(Feature::WindowsOnlyFix,
          {ui->CheckTDRdelay, ui->CheckDisableFastStartup, ui->check_hkfilter});
 

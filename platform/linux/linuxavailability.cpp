@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSystemTrayIcon>
 
 #include <QFile>
 
@@ -88,6 +89,11 @@ QString LinuxAvailability::whyUnavailable(Feature feature)
         return m_probes.keyboardLight && m_probes.keyboardLight()
                    ? QString()
                    : QStringLiteral("This keyboard has no backlight.");
+    case Feature::SystemTray:
+        return m_probes.systemTray && m_probes.systemTray()
+                   ? QString()
+                   : QStringLiteral("This desktop shows no tray icons: a hidden window could "
+                                    "only be brought back by starting the program again.");
     }
     return QString();
 }
@@ -124,6 +130,7 @@ LinuxAvailability::Probes LinuxAvailability::nativeProbes()
     };
     probes.systemHelper = systemHelperAvailable;
     probes.keyboardLight = [] { return !LedKeyboardLight().ledName().isEmpty(); };
+    probes.systemTray = QSystemTrayIcon::isSystemTrayAvailable;
     probes.monitorChannel = [] {
         void *library = nullptr;
         for (const char *name : {"libddcutil.so.5", "libddcutil.so.4", "libddcutil.so"}) {

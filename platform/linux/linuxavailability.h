@@ -24,6 +24,7 @@ public:
         std::function<bool()> monitorChannel;  // libddcutil loads and an I2C bus is usable
         std::function<bool()> eventSounds;     // the desktop switches its event sounds
         std::function<bool()> keyboardLight;   // the keyboard has a backlight LED
+        std::function<bool()> systemTray;      // the desktop shows tray icons
         QString installFolder;
     };
 
