@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   qtbase5-dev qtbase5-dev-tools libqt5svg5-dev
   # Linux backends
-  libpulse-dev libddcutil-dev
+  libpulse-dev libddcutil-dev libxcb1-dev
   # running and testing headless
   xvfb xauth x11-utils imagemagick dbus pulseaudio gsettings-desktop-schemas libglib2.0-bin
   # the Debian package and its checks

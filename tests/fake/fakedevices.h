@@ -134,8 +134,10 @@ public:
     void openUrl(const QUrl &url) override;
     bool systemFileExists(const QString &path) override { return existing.contains(path); }
     bool copySystemFile(const QString &from, const QString &to) override;
+    bool translucentWindows() override { return translucent; }
 
     QStringList existing; // system paths that exist
+    bool translucent = true;
 
 private:
     SharedLog m_log;
