@@ -9,9 +9,8 @@
 #include <QVector>
 
 namespace Ui {
-class Availability;
 class MainWindow;
-} // namespace Ui
+}
 
 // One companion application of the suite.
 struct Companion {
