@@ -9,9 +9,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QSystemTrayIcon>
-
 #include <QFile>
+#include <QSystemTrayIcon>
 
 #include <dlfcn.h>
 #include <unistd.h>
