@@ -2,10 +2,12 @@
 #include "densityfont.h"
 #include "keys.h"
 #include "mainwindow.h"
+#include "platform.h"
 #include "settingsfiles.h"
 #include "singleapplication.h"
 
 #include <QDesktopWidget>
+#include <QDir>
 #include <QLoggingCategory>
 
 namespace {
@@ -33,6 +35,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(QStringLiteral("Varnel"));
     QApplication::setApplicationVersion(QStringLiteral("1.4.4"));
     QApplication::setStyle(new DarkStyle);
+    QDir::setCurrent(nativeWorkingFolder());
 
     auto *window = new MainWindow();
     QObject::connect(&app, &QApplication::aboutToQuit, window, &MainWindow::ShutdownQuit);

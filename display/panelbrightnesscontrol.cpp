@@ -1,6 +1,7 @@
 #include "panelbrightnesscontrol.h"
 
 #include "adaptivebrightness.h"
+#include "availability.h"
 #include "brightness.h"
 #include "commandrunner.h"
 #include "desktop.h"
@@ -43,11 +44,36 @@ void PanelBrightnessControl::refresh()
         m_current = level;
         if (level != m_last)
             runBrightnessFixIfChecked();
-        ui.Label_Brightness->setText(brightnessLabel(level));
-        ui.Slider_Brightness->setValue(level);
+        showReadable(level >= 0);
+        if (level >= 0) {
+            ui.Label_Brightness->setText(brightnessLabel(level));
+            ui.Slider_Brightness->setValue(level);
+        }
         m_last = level;
     }
     m_reading = false;
+}
+
+// A panel that cannot be read shows no figure: "-1%" would be nonsense, and a slider that
+// moves nothing would pretend.
+void PanelBrightnessControl::showReadable(bool readable)
+{
+    if (readable == ui.Slider_Brightness->isEnabled())
+        return;
+    ui.Slider_Brightness->setEnabled(readable);
+    if (readable) {
+        ui.Slider_Brightness->setToolTip(QString());
+        ui.Label_Brightness->setToolTip(QString());
+        return;
+    }
+    QString why = m_platform.availability
+                      ? m_platform.availability->whyUnavailable(Feature::PanelBacklight)
+                      : QString();
+    if (why.isEmpty())
+        why = QStringLiteral("The panel's brightness cannot be read right now.");
+    ui.Label_Brightness->setText(QStringLiteral("Brightness: not adjustable"));
+    ui.Slider_Brightness->setToolTip(why);
+    ui.Label_Brightness->setToolTip(why);
 }
 
 void PanelBrightnessControl::sliderChanged(int value)

@@ -39,6 +39,7 @@ public:
 
 private:
     void runBrightnessFixIfChecked();
+    void showReadable(bool readable);
 
     Ui::MainWindow &ui;
     Settings m_settings;

@@ -34,6 +34,48 @@ void DesktopWidget::makeFloating(float scale)
     setFixedSize(static_cast<int>(800 * scale), static_cast<int>(600 * scale));
 }
 
+void DesktopWidget::fitToDesktop(bool translucent)
+{
+    if (!translucent) {
+        setAttribute(Qt::WA_TranslucentBackground, false);
+        QPalette backing = palette();
+        backing.setColor(QPalette::Window, QColor(32, 32, 32));
+        setPalette(backing);
+        setAutoFillBackground(true);
+    }
+    if (!m_fitted) {
+        for (QLabel *label : findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly))
+            label->installEventFilter(this);
+        m_fitted = true;
+    }
+    maskToLabels();
+}
+
+void DesktopWidget::maskToLabels()
+{
+    QRegion shown;
+    for (QLabel *label : findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!label->isHidden())
+            shown += label->geometry();
+    }
+    setMask(shown);
+}
+
+bool DesktopWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Resize:
+    case QEvent::Move:
+    case QEvent::Show:
+    case QEvent::Hide:
+        maskToLabels();
+        break;
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
 void DesktopWidget::applyTextColor(const QList<QLabel *> &labels, int cor)
 {
     QString sheet;

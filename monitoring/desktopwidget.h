@@ -18,6 +18,11 @@ public:
     // The primary screen's logical DPI on the x axis over 120.
     static float screenScaleFactor();
 
+    // Only the labels' area belongs to the widget, so clicks anywhere else reach the desktop.
+    // Where windows cannot be see-through, that area gets a dark backing instead of the black
+    // of a transparent window without a compositor.
+    void fitToDesktop(bool translucent);
+
 protected:
     static SettingsFile widgetFile();
     void restoreSavedGeometry();
@@ -29,8 +34,12 @@ protected:
 
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void maskToLabels();
+
     const char *m_geometryKey;
+    bool m_fitted = false;
     QPoint m_dragOffset;
 };

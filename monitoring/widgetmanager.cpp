@@ -1,6 +1,7 @@
 #include "widgetmanager.h"
 
 #include "batterywidget.h"
+#include "desktop.h"
 #include "keys.h"
 #include "ui_mainwindow.h"
 #include "usagewidget.h"
@@ -52,6 +53,7 @@ void WidgetManager::restoreControls()
 void WidgetManager::createUsageWidget(QWidget *parent)
 {
     m_usage = new UsageWidget(m_platform.sampler, parent);
+    m_usage->fitToDesktop(m_platform.desktop->translucentWindows());
     m_usage->show();
     connect(m_window, SIGNAL(fontsize(int)), m_usage, SLOT(fontsize(int)));
     connect(m_window, SIGNAL(color(int)), m_usage, SLOT(color(int)));
@@ -61,6 +63,7 @@ void WidgetManager::createUsageWidget(QWidget *parent)
 void WidgetManager::createBatteryWidget()
 {
     m_battery = new BatteryWidget(m_platform);
+    m_battery->fitToDesktop(m_platform.desktop->translucentWindows());
     m_battery->show();
 }
 

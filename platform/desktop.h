@@ -11,4 +11,6 @@ public:
     // Whether a file at a system path (for example under "C://Program Files") exists.
     virtual bool systemFileExists(const QString &path) = 0;
     virtual bool copySystemFile(const QString &from, const QString &to) = 0;
+    // Whether a window's transparent parts show what lies behind it (a compositor runs).
+    virtual bool translucentWindows() { return true; }
 };

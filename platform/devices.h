@@ -31,3 +31,16 @@ public:
     virtual ~PowerSource() = default;
     virtual int acLineStatus() = 0;
 };
+
+// The keyboard's backlight, where the program sets it itself (0..100). Elsewhere the level
+// reaches the keyboard-light companion through the status record alone.
+class KeyboardLight {
+public:
+    virtual ~KeyboardLight() = default;
+    virtual void setLevel(int percent) = 0;
+};
+
+class CompanionKeyboardLight : public KeyboardLight {
+public:
+    void setLevel(int) override {}
+};

@@ -9,8 +9,12 @@ std::shared_ptr<UserIdentity> windowsIdentity();
 #else
 #include "linux/instancefile.h"
 #include "linux/linuxidentity.h"
+#include "linux/workingfolder.h"
 Platform linuxPlatform();
 #endif
+
+#include <QCoreApplication>
+#include <QDir>
 
 Platform nativePlatform()
 {
@@ -39,5 +43,16 @@ std::unique_ptr<InstanceBlockHost> nativeInstanceBlock(const QString &key)
     // local user can create first or delete.
     return std::make_unique<FileInstanceBlock>(
         privateInstanceDirectory(instanceDirectoryCandidates()), key);
+#endif
+}
+
+QString nativeWorkingFolder()
+{
+#ifdef Q_OS_WIN
+    // Started by its log-on task or shortcut in the install folder, as administrator.
+    return QDir::currentPath();
+#else
+    const QString installFolder = QCoreApplication::applicationDirPath();
+    return prepareWorkingFolder(installFolder, userWorkingFolder(), folderWritable(installFolder));
 #endif
 }

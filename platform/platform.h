@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <memory>
 
 class CommandRunner;
@@ -9,6 +11,7 @@ class PanelBrightness;
 class DeviceSwitches;
 class MonitorControl;
 class KeyBlocker;
+class KeyboardLight;
 class PowerSource;
 class AudioEndpoint;
 class GpuSensors;
@@ -17,6 +20,7 @@ class SleepNotifier;
 class Desktop;
 class Dialogs;
 class Scheduler;
+class Availability;
 
 // One implementation of every operating-system concern. The native bundle is chosen in one
 // place (nativePlatform()); tests build the window over a fake bundle.
@@ -28,6 +32,7 @@ struct Platform {
     std::shared_ptr<DeviceSwitches> switches;
     std::shared_ptr<MonitorControl> monitors;
     std::shared_ptr<KeyBlocker> keyBlocker;
+    std::shared_ptr<KeyboardLight> keyboardLight;
     std::shared_ptr<PowerSource> powerSource;
     std::shared_ptr<AudioEndpoint> audio;
     std::shared_ptr<GpuSensors> gpu;
@@ -36,6 +41,10 @@ struct Platform {
     std::shared_ptr<Desktop> desktop;
     std::shared_ptr<Dialogs> dialogs;
     std::shared_ptr<Scheduler> scheduler;
+    std::shared_ptr<Availability> availability;
 };
 
 Platform nativePlatform();
+
+// The folder the program's relative paths are taken from, made ready for use.
+QString nativeWorkingFolder();

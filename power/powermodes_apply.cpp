@@ -3,6 +3,7 @@
 #include "powermodes.h"
 
 #include "commandrunner.h"
+#include "devices.h"
 #include "ui_mainwindow.h"
 
 #include <QMetaObject>
@@ -68,6 +69,8 @@ void PowerModes::applyKeyboardLed()
     if (m_loading || ui.checkBox->isChecked())
         return;
     m_keyboardLedCode = QLatin1Char(',') + QString::number(ui.horizontalSlider_2->value());
+    if (m_platform.keyboardLight)
+        m_platform.keyboardLight->setLevel(ui.horizontalSlider_2->value());
 }
 
 void PowerModes::applyTurboBoost()

@@ -7,11 +7,13 @@ packages=(
   build-essential cmake ninja-build pkg-config git
   qtbase5-dev qtbase5-dev-tools libqt5svg5-dev
   # Linux backends
-  libpulse-dev libddcutil-dev
+  libpulse-dev libddcutil-dev libxcb1-dev
   # running and testing headless
   xvfb xauth x11-utils imagemagick dbus pulseaudio gsettings-desktop-schemas libglib2.0-bin
   # the sanitizer lane: clang with its sanitizer and libFuzzer runtimes
   clang libclang-rt-14-dev
+  # the Debian package and its checks
+  lintian file
   # the Windows lane: cross compiler and Wine
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
 )

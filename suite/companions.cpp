@@ -1,5 +1,6 @@
 #include "companions.h"
 
+#include "availability.h"
 #include "keys.h"
 #include "registry.h"
 #include "ui_mainwindow.h"
@@ -30,7 +31,7 @@ const QVector<Companion> &Companions::table()
 Companions::Companions(Ui::MainWindow &ui, const Platform &platform, const Settings &settings,
                        QObject *window)
     : QObject(window), m_ui(ui), m_commands(platform.commands), m_registry(platform.registry),
-      m_settings(settings), m_window(window)
+      m_availability(platform.availability), m_settings(settings), m_window(window)
 {
 }
 
@@ -41,11 +42,24 @@ QString Companions::documentsFolder()
     return folder;
 }
 
+QString Companions::locatedProgram(const Companion &c)
+{
+    const QSettings locator(localPath(documentsFolder() + c.locator), QSettings::IniFormat);
+    return locator.value(QStringLiteral("settings/appurl")).toString();
+}
+
+QString Companions::whyCannotLaunch(App app) const
+{
+    const Companion &c = table().at(app);
+    if (QFileInfo(localPath(locatedProgram(c))).isFile() || !m_availability)
+        return QString();
+    return m_availability->whyCannotStart(c.executable);
+}
+
 void Companions::launch(App app, ShowMode fallbackMode)
 {
     const Companion &c = table().at(app);
-    const QSettings locator(localPath(documentsFolder() + c.locator), QSettings::IniFormat);
-    QString appUrl = locator.value(QStringLiteral("settings/appurl")).toString();
+    QString appUrl = locatedProgram(c);
 
     if (!QFileInfo(localPath(appUrl)).isFile()) {
         // The platform's search for a bare program name looks in the program's folder first.

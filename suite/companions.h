@@ -35,6 +35,9 @@ public:
     // Starts the application where its locator file says; the bare image name otherwise, with
     // fallbackMode.
     void launch(App app, ShowMode fallbackMode = ShowMode::ShowNoActivate);
+    // Empty when launch() starts something: the program its locator file names, or else one
+    // the platform can start by the bare name.
+    QString whyCannotLaunch(App app) const;
     // Starts the registered applications that the task list does not show.
     void startRegistered();
     void rememberCheckStart();
@@ -43,9 +46,13 @@ public:
     static QString documentsFolder();
 
 private:
+    // What the companion's locator file under Documents names; empty without one.
+    static QString locatedProgram(const Companion &c);
+
     Ui::MainWindow &m_ui;
     std::shared_ptr<CommandRunner> m_commands;
     std::shared_ptr<Registry> m_registry;
+    std::shared_ptr<Availability> m_availability;
     Settings m_settings;
     QObject *m_window;
 };

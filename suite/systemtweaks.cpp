@@ -37,8 +37,8 @@ void SystemTweaks::showWhereTheyApply()
     label->setWordWrap(true);
     label->setText(here ? QString()
                         : QStringLiteral("Windows only: the five fixes below change Windows "
-                                         "settings and start Windows helper programs. On this "
-                                         "system they are only remembered."));
+                                         "settings and start Windows helper programs, so they "
+                                         "are switched off here."));
 }
 
 void SystemTweaks::loadRegistryBoxes()

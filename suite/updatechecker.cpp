@@ -1,5 +1,6 @@
 #include "updatechecker.h"
 
+#include "availability.h"
 #include "commandrunner.h"
 #include "dialogs.h"
 #include "scheduler.h"
@@ -21,6 +22,7 @@ const char kVersionPath[] = "/varnel/version";
 const char kPending[] = "Varnel";
 const char kTitle[] = "Update Information";
 const int kGiveUpMs = 10000;
+const char kUpdaterCommand[] = R"(updates\Update.exe)";
 
 } // namespace
 
@@ -110,6 +112,10 @@ void UpdateChecker::offerUpdate()
     m_window->raise();
     m_window->setFocus(Qt::OtherFocusReason);
     m_window->activateWindow();
+    // Asking to update where the updater cannot start would promise what the button can't do.
+    if (m_platform.availability &&
+        !m_platform.availability->whyCannotStart(QLatin1String(kUpdaterCommand)).isEmpty())
+        return;
     const auto answer = m_platform.dialogs->message(
         m_window, QMessageBox::Question, QLatin1String(kTitle),
         QStringLiteral("There is an update for this software! Do you want to update now?\n"),
@@ -131,5 +137,5 @@ void UpdateChecker::reportNoUpdate(const QString &label, const QString &message)
 
 void UpdateChecker::startUpdater()
 {
-    m_platform.commands->startShown(QStringLiteral(R"(updates\Update.exe)"), ShowMode::Normal);
+    m_platform.commands->startShown(QLatin1String(kUpdaterCommand), ShowMode::Normal);
 }

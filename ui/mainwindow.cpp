@@ -77,6 +77,7 @@ MainWindow::MainWindow(Platform platform, QWidget *parent)
     else
         installmof();
 
+    applyAvailability();
     m_platform.scheduler->singleShot(61000, this, "tscheckstatus");
     startStatusPublisher();
     m_hidden = m_settings.general().value(keys::startHidden).toBool();

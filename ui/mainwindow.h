@@ -260,6 +260,9 @@ private:
     void LoadSettings();
     void applyDensitySizing();
     void applyPalette();
+    // Disables, with the reason as tool tip, every control the machine cannot back.
+    void applyAvailability();
+    void openOnAWorkingTab();
 
     // Construction and start-up hooks of each subsystem, called in the window's fixed order.
     // Each is defined in the subsystem's part of the window (mainwindow_<area>.cpp).

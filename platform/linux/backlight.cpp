@@ -49,7 +49,8 @@ int backlightPercentToRaw(int percent, int max)
     if (max <= 0)
         return 0;
     const int clamped = qBound(0, percent, 100);
-    return static_cast<int>(std::lround(clamped * double(max) / 100.0));
+    // Raw 0 switches many panels off altogether; the lowest level keeps the screen readable.
+    return qMax(1, static_cast<int>(std::lround(clamped * double(max) / 100.0)));
 }
 
 int backlightRawToPercent(int raw, int max)

@@ -2,10 +2,10 @@
 
 #include <QDir>
 
-void CommandTable::add(const QString &pattern, Handler handler)
+void CommandTable::add(const QString &pattern, Handler handler, std::function<bool()> available)
 {
-    m_rows.push_back(
-        {QRegularExpression(QRegularExpression::anchoredPattern(pattern)), std::move(handler)});
+    m_rows.push_back({QRegularExpression(QRegularExpression::anchoredPattern(pattern)),
+                      std::move(handler), std::move(available)});
 }
 
 const CommandTable::Row *CommandTable::find(const QString &commandLine,
@@ -34,6 +34,13 @@ bool CommandTable::knows(const QString &commandLine) const
 {
     QRegularExpressionMatch match;
     return find(commandLine, &match) != nullptr;
+}
+
+bool CommandTable::canRun(const QString &commandLine) const
+{
+    QRegularExpressionMatch match;
+    const Row *row = find(commandLine, &match);
+    return row && (!row->available || row->available());
 }
 
 QString LinuxPaths::configHome()

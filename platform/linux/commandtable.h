@@ -15,15 +15,20 @@ class CommandTable {
 public:
     using Handler = std::function<QString(const QRegularExpressionMatch &match)>;
 
-    void add(const QString &pattern, Handler handler);
+    // available tells whether the row can do its work on this machine (a program it starts
+    // is installed); rows without one always can.
+    void add(const QString &pattern, Handler handler, std::function<bool()> available = {});
     // The output of the matching row, or nothing when no row matches.
     std::optional<QString> run(const QString &commandLine) const;
     bool knows(const QString &commandLine) const;
+    // A known row that can do its work here.
+    bool canRun(const QString &commandLine) const;
 
 private:
     struct Row {
         QRegularExpression pattern;
         Handler handler;
+        std::function<bool()> available;
     };
     const Row *find(const QString &commandLine, QRegularExpressionMatch *match) const;
     QVector<Row> m_rows;

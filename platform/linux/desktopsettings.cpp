@@ -56,6 +56,11 @@ bool SessionDesktopSettings::setAmbientBrightness(bool enabled)
     return ambient.setBoolean(enabled);
 }
 
+bool SessionDesktopSettings::hasAmbientBrightness()
+{
+    return GSettingsKey(kPowerSchema, kAmbientKey).available();
+}
+
 QStringList SessionDesktopSettings::displayCommand()
 {
     return firstInstalled(true);

@@ -26,6 +26,7 @@ public:
     // The first settings program that is installed, with its arguments for one page; empty
     // when none is.
     static QStringList displayCommand();
+    static bool hasAmbientBrightness();
     static QStringList powerCommand();
 
 private:

@@ -79,3 +79,30 @@ bool GSettingsKey::setBoolean(bool value)
     g_settings_sync();
     return ok;
 }
+
+bool GSettingsKey::setUnsigned(quint32 value)
+{
+    if (!m_settings)
+        return false;
+    const bool ok = g_settings_set_uint(m_settings, m_key.constData(), value);
+    g_settings_sync();
+    return ok;
+}
+
+bool GSettingsKey::setInteger(int value)
+{
+    if (!m_settings)
+        return false;
+    const bool ok = g_settings_set_int(m_settings, m_key.constData(), value);
+    g_settings_sync();
+    return ok;
+}
+
+bool GSettingsKey::reset()
+{
+    if (!m_settings)
+        return false;
+    g_settings_reset(m_settings, m_key.constData());
+    g_settings_sync();
+    return true;
+}

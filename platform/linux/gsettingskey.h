@@ -22,6 +22,10 @@ public:
     bool setText(const QString &value);
     std::optional<bool> boolean() const;
     bool setBoolean(bool value);
+    bool setUnsigned(quint32 value);
+    bool setInteger(int value);
+    // Back to the schema's default.
+    bool reset();
 
 private:
     GSettings *m_settings = nullptr;

@@ -1,7 +1,10 @@
 #include "linuxcommands.h"
 
+#include "nativeprogram.h"
 #include "qtprocess.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QProcess>
@@ -9,9 +12,12 @@
 
 Q_LOGGING_CATEGORY(lcCommands, "varnel.commands")
 
-LinuxCommandRunner::LinuxCommandRunner(std::shared_ptr<const CommandTable> table)
-    : m_table(std::move(table))
+LinuxCommandRunner::LinuxCommandRunner(std::shared_ptr<const CommandTable> table,
+                                       QString installFolder)
+    : m_table(std::move(table)), m_installFolder(std::move(installFolder))
 {
+    if (m_installFolder.isEmpty())
+        m_installFolder = QCoreApplication::applicationDirPath();
 }
 
 QString LinuxCommandRunner::runAndRead(const QString &commandLine, int)
@@ -24,12 +30,25 @@ QString LinuxCommandRunner::runAndRead(const QString &commandLine, int)
 
 void LinuxCommandRunner::start(const QString &commandLine)
 {
-    runAndRead(commandLine, 0);
+    if (m_table->knows(commandLine))
+        m_table->run(commandLine);
+    else
+        startNative(commandLine);
 }
 
 void LinuxCommandRunner::startShown(const QString &commandLine, ShowMode)
 {
-    runAndRead(commandLine, 0);
+    start(commandLine);
+}
+
+void LinuxCommandRunner::startNative(const QString &commandLine)
+{
+    const NativeProgram program = nativeProgramFor(commandLine, m_installFolder);
+    if (program.path.isEmpty()) {
+        qCDebug(lcCommands) << "no Linux equivalent for" << commandLine;
+        return;
+    }
+    QProcess::startDetached(program.path, program.arguments, QDir::currentPath());
 }
 
 void LinuxCommandRunner::startDetached(const QString &program, const QStringList &arguments,

@@ -6,10 +6,13 @@
 #include <memory>
 
 // Runs the program's command lines through the Linux command table. Programs given by path
-// (companions, a tuning client) are started for real.
+// (companions, a tuning client) are started for real, and so is the native counterpart of a
+// Windows helper the window starts ("Remote.exe" starts the install folder's "Remote").
 class LinuxCommandRunner : public CommandRunner {
 public:
-    explicit LinuxCommandRunner(std::shared_ptr<const CommandTable> table);
+    // An empty install folder is the folder of the running program.
+    explicit LinuxCommandRunner(std::shared_ptr<const CommandTable> table,
+                                QString installFolder = QString());
 
     QString runAndRead(const QString &commandLine, int timeoutMs) override;
     void start(const QString &commandLine) override;
@@ -19,7 +22,10 @@ public:
     AsyncProcess *createProcess(QObject *parent) override;
 
 private:
+    void startNative(const QString &commandLine);
+
     std::shared_ptr<const CommandTable> m_table;
+    QString m_installFolder;
 };
 
 // Answers known command lines from the table without a child process; anything else runs as

@@ -2,6 +2,11 @@
 
 #include <QDesktopServices>
 #include <QFile>
+#include <QGuiApplication>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
 
 void LinuxDesktop::openUrl(const QUrl &url)
 {
@@ -21,4 +26,27 @@ bool LinuxDesktop::copySystemFile(const QString &from, const QString &to)
     if (to.size() > 1 && to.at(1) == QLatin1Char(':'))
         return false;
     return QFile::copy(from, to);
+}
+
+bool LinuxDesktop::translucentWindows()
+{
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return true;
+    int screen = 0;
+    xcb_connection_t *connection = xcb_connect(nullptr, &screen);
+    bool composited = false;
+    if (!xcb_connection_has_error(connection)) {
+        const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(screen);
+        xcb_intern_atom_reply_t *atom = xcb_intern_atom_reply(
+            connection, xcb_intern_atom(connection, 1, name.size(), name.constData()), nullptr);
+        if (atom && atom->atom != XCB_ATOM_NONE) {
+            xcb_get_selection_owner_reply_t *owner = xcb_get_selection_owner_reply(
+                connection, xcb_get_selection_owner(connection, atom->atom), nullptr);
+            composited = owner && owner->owner != XCB_NONE;
+            std::free(owner);
+        }
+        std::free(atom);
+    }
+    xcb_disconnect(connection);
+    return composited;
 }

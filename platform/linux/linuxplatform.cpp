@@ -4,9 +4,12 @@
 #include "backlight.h"
 #include "commandtable.h"
 #include "ddcmonitors.h"
+#include "desktoppower.h"
 #include "desktopsettings.h"
 #include "devicecommands.h"
 #include "dialogs.h"
+#include "keyboardlight.h"
+#include "linuxavailability.h"
 #include "linuxbattery.h"
 #include "linuxcommands.h"
 #include "linuxdesktop.h"
@@ -14,7 +17,6 @@
 #include "linuxregistry.h"
 #include "linuxsampler.h"
 #include "nvmlgpu.h"
-#include "placeholders.h"
 #include "powercfgcommands.h"
 #include "powersupply.h"
 #include "processcommands.h"
@@ -33,15 +35,17 @@ Platform linuxPlatform()
     addProcessCommands(*table);
     addBatteryCommands(*table);
     addPowerCommands(*table, std::make_shared<SessionDesktopSettings>());
+    auto timeouts = std::make_shared<GnomeTimeouts>();
+    addDesktopPowerCommands(*table, timeouts, std::make_shared<LogindLidSwitch>());
 
     auto registry = std::make_shared<LinuxRegistry>();
     auto userStore = std::make_shared<UserStoreRegistry>();
-    registry->addRoute(
-        TouchpadRegistry::key,
-        std::make_shared<TouchpadRegistry>(TouchpadRegistry::sessionPreference(), userStore));
-    registry->addRoute(
-        SoundSchemeStore::prefix,
-        std::make_shared<SoundSchemeStore>(userStore, SoundSchemeStore::sessionEventSounds()));
+    const auto touchpad = TouchpadRegistry::sessionPreference();
+    registry->addRoute(TouchpadRegistry::key,
+                       std::make_shared<TouchpadRegistry>(touchpad, userStore));
+    const auto eventSounds = SoundSchemeStore::sessionEventSounds();
+    registry->addRoute(SoundSchemeStore::prefix,
+                       std::make_shared<SoundSchemeStore>(userStore, eventSounds));
     registry->addRoute(AutostartEntries::runKey, std::make_shared<AutostartEntries>());
 
     Platform p;
@@ -51,7 +55,8 @@ Platform linuxPlatform()
     p.brightness = std::make_shared<SysfsBacklight>();
     p.switches = std::make_shared<LinuxDeviceSwitches>();
     p.monitors = std::make_shared<DdcMonitorControl>(std::make_unique<LibDdcutilBus>());
-    p.keyBlocker = std::make_shared<AbsentKeyBlocker>();
+    p.keyBlocker = std::make_shared<OverlayKeyBlocker>();
+    p.keyboardLight = std::make_shared<LedKeyboardLight>();
     p.powerSource = std::make_shared<SysfsPowerSupply>();
     p.audio = std::make_shared<PulseAudioEndpoint>();
     p.gpu = std::make_shared<NvmlGpuSensors>();
@@ -60,5 +65,12 @@ Platform linuxPlatform()
     p.desktop = std::make_shared<LinuxDesktop>();
     p.dialogs = std::make_shared<QtDialogs>();
     p.scheduler = std::make_shared<TimerScheduler>();
+    LinuxAvailability::Probes probes = LinuxAvailability::nativeProbes();
+    probes.desktopTimeouts = [timeouts] { return timeouts->available(); };
+    probes.superKeySetting = OverlayKeyBlocker::available;
+    probes.touchpadSetting = [touchpad] { return touchpad != nullptr; };
+    probes.ambientSetting = SessionDesktopSettings::hasAmbientBrightness;
+    probes.eventSounds = [eventSounds] { return eventSounds != nullptr; };
+    p.availability = std::make_shared<LinuxAvailability>(probes, table);
     return p;
 }

@@ -16,15 +16,18 @@ void addPowerCommands(CommandTable &table, std::shared_ptr<DesktopSettings> desk
     // Desktop settings take effect when written; there is nothing to re-activate.
     table.add(QStringLiteral("powercfg -SetActive SCHEME_CURRENT"),
               [](const QRegularExpressionMatch &) { return QString(); });
-    table.add(QStringLiteral("explorer ms-settings:display"),
-              [desktop](const QRegularExpressionMatch &) {
-                  desktop->openDisplaySettings();
-                  return QString();
-              });
+    table.add(
+        QStringLiteral("explorer ms-settings:display"),
+        [desktop](const QRegularExpressionMatch &) {
+            desktop->openDisplaySettings();
+            return QString();
+        },
+        [] { return !SessionDesktopSettings::displayCommand().isEmpty(); });
     table.add(
         QStringLiteral("control\\.exe /name Microsoft\\.PowerOptions /page  pagePlanSettings"),
         [desktop](const QRegularExpressionMatch &) {
             desktop->openPowerSettings();
             return QString();
-        });
+        },
+        [] { return !SessionDesktopSettings::powerCommand().isEmpty(); });
 }

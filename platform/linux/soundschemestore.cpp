@@ -42,8 +42,10 @@ QVariant SoundSchemeStore::value(const QString &key, const QString &name,
 
 void SoundSchemeStore::setValue(const QString &key, const QString &name, const QVariant &value)
 {
+    if (!isMarker(key, name))
+        return;
     m_store->setValue(key, name, value);
-    if (!isMarker(key, name) || !m_eventSounds)
+    if (!m_eventSounds)
         return;
     const QString marker = value.toString();
     if (marker == QLatin1String(kSilentMarker))

@@ -5,10 +5,11 @@
 
 #include <memory>
 
-// The per-user sound-event values (the scheme marker and each event's sound) kept in the user
-// store, with the marker carried to the desktop's event-sounds switch where GNOME has one:
-// ".None" turns it off, ".Default" on. While no marker is stored, the switch answers for it, so
-// a first start shows the desktop's own choice instead of silencing it.
+// The sound scheme's marker kept in the user store and carried to the desktop's event-sounds
+// switch where GNOME has one: ".None" turns it off, ".Default" on. The desktop has no
+// per-event sounds to set, so the event values are not kept: nothing would read them. While no
+// marker is stored, the switch answers for it, so a first start shows the desktop's own choice
+// instead of silencing it.
 class SoundSchemeStore : public Registry {
 public:
     static const char prefix[];

@@ -73,7 +73,7 @@ private slots:
             marker);
     }
 
-    void eventValuesLiveInTheUserStore()
+    void onlyTheMarkerIsKept()
     {
         auto userStore = std::make_shared<UserStoreRegistry>();
         SoundSchemeStore store(userStore, nullptr);
@@ -83,8 +83,8 @@ private slots:
             QStringLiteral(".None"));
         store.setValue(kEvent, QStringLiteral("Default"), QString());
         store.setValue(kSchemes, QStringLiteral("Default"), QStringLiteral(".Default"));
-        QCOMPARE(userStore->value(kEvent, QStringLiteral("Default"), QStringLiteral("x")),
-                 QVariant(QString()));
+        QVERIFY(!userStore->contains(kEvent, QStringLiteral("Default")));
+        QVERIFY(!store.contains(kEvent, QStringLiteral("Default")));
         QCOMPARE(userStore->value(kSchemes, QStringLiteral("Default"), QVariant()).toString(),
                  QStringLiteral(".Default"));
     }

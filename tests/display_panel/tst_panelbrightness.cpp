@@ -12,7 +12,8 @@ class PanelBrightnessTest : public QObject {
 private slots:
     void refreshShowsThePanelWithoutWritingIt();
     void refreshRunsTheFixToolOnlyOnAChange();
-    void failedReadShowsMinusOne();
+    void unreadablePanelDisablesTheSliderSayingWhy_data();
+    void unreadablePanelDisablesTheSliderSayingWhy();
     void refreshDuringAPowerModeApplyChangesNothing();
     void busyControlLeavesEverythingAlone();
     void sliderWritesThePanel();
@@ -59,14 +60,41 @@ void PanelBrightnessTest::refreshRunsTheFixToolOnlyOnAChange()
     QCOMPARE(p.fake.log->entries, (QStringList{"panel read", "panel read", kFix, kFix}));
 }
 
-void PanelBrightnessTest::failedReadShowsMinusOne()
+void PanelBrightnessTest::unreadablePanelDisablesTheSliderSayingWhy_data()
 {
+    QTest::addColumn<QString>("platformReason");
+    QTest::addColumn<QString>("shownReason");
+    QTest::newRow("no backlight") << "This screen has no backlight that can be adjusted."
+                                  << "This screen has no backlight that can be adjusted.";
+    QTest::newRow("backlight there, read failed")
+        << ""
+        << "The panel's brightness cannot be read right now.";
+}
+
+void PanelBrightnessTest::unreadablePanelDisablesTheSliderSayingWhy()
+{
+    QFETCH(QString, platformReason);
+    QFETCH(QString, shownReason);
     PowerWindow p;
     p.fake.panel->level = -1;
+    if (!platformReason.isEmpty())
+        p.fake.availability->features[Feature::PanelBacklight] = platformReason;
     p.start();
-    QCOMPARE(p.ui().Label_Brightness->text(), QStringLiteral("Brightness: -1%"));
-    QCOMPARE(p.ui().Slider_Brightness->value(), 0);
-    QCOMPARE(p.window->panel()->currentBrightness(), -1);
+    Ui::MainWindow &ui = p.ui();
+    QVERIFY(!ui.Label_Brightness->text().contains(QLatin1String("-1")));
+    QVERIFY(!ui.Slider_Brightness->isEnabled());
+    QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
+    QCOMPARE(ui.Label_Brightness->toolTip(), shownReason);
+    p.window->GetBrightness();
+    QVERIFY(!ui.Label_Brightness->text().contains(QLatin1String("-1")));
+    QVERIFY(!p.fake.log->entries.contains(QStringLiteral("panel write 0")));
+
+    // The panel comes back (an external screen's backlight, a driver loaded late).
+    p.fake.panel->level = 30;
+    p.window->GetBrightness();
+    QVERIFY(ui.Slider_Brightness->isEnabled());
+    QVERIFY(ui.Slider_Brightness->toolTip().isEmpty());
+    QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 30%"));
 }
 
 void PanelBrightnessTest::refreshDuringAPowerModeApplyChangesNothing()

@@ -1,5 +1,6 @@
 // The Linux panel backlight against fixture trees shaped like /sys/class/backlight.
 #include "backlight.h"
+#include "keyboardlight.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,9 +17,13 @@ private slots:
     void readsAsPercent();
     void writtenValueReadsBack_data();
     void writtenValueReadsBack();
+    void lowestWrittenLevelKeepsThePanelLit_data();
+    void lowestWrittenLevelKeepsThePanelLit();
     void sessionWriterIsTriedFirst();
     void noDeviceReadsMinusOneAndIgnoresWrites();
     void providerCountsAsInstalled();
+    void keyboardLightLevels_data();
+    void keyboardLightLevels();
 };
 
 namespace {
@@ -125,6 +130,34 @@ void SysfsBacklightTest::writtenValueReadsBack()
     QCOMPARE(f.raw("intel_backlight"), max);
 }
 
+void SysfsBacklightTest::lowestWrittenLevelKeepsThePanelLit_data()
+{
+    QTest::addColumn<int>("max");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<int>("raw");
+    QTest::newRow("7 steps, 0%") << 7 << 0 << 1;
+    QTest::newRow("7 steps, 5% rounds to off") << 7 << 5 << 1;
+    QTest::newRow("7 steps, 10%") << 7 << 10 << 1;
+    QTest::newRow("255, 0%") << 255 << 0 << 1;
+    QTest::newRow("255, 1%") << 255 << 1 << 3;
+    QTest::newRow("96000, 0%") << 96000 << 0 << 1;
+    QTest::newRow("1 step, 0%") << 1 << 0 << 1;
+    QTest::newRow("255, full") << 255 << 100 << 255;
+}
+
+void SysfsBacklightTest::lowestWrittenLevelKeepsThePanelLit()
+{
+    QFETCH(int, max);
+    QFETCH(int, percent);
+    QFETCH(int, raw);
+    Fixture f;
+    f.device("acpi_video0", "firmware", max, max);
+    SysfsBacklight panel(f.dir.path(), noSession);
+    panel.write(static_cast<quint32>(percent));
+    QCOMPARE(f.raw("acpi_video0"), raw);
+    QCOMPARE(panel.read(), percent);
+}
+
 void SysfsBacklightTest::sessionWriterIsTriedFirst()
 {
     Fixture f;
@@ -158,6 +191,52 @@ void SysfsBacklightTest::providerCountsAsInstalled()
 {
     Fixture f;
     QVERIFY(SysfsBacklight(f.dir.path(), noSession).providerInstalled());
+}
+
+void SysfsBacklightTest::keyboardLightLevels_data()
+{
+    QTest::addColumn<int>("max");
+    QTest::addColumn<int>("percent");
+    QTest::addColumn<int>("raw");
+    QTest::newRow("3 steps, dark") << 3 << 0 << 0;
+    QTest::newRow("3 steps, half") << 3 << 50 << 2;
+    QTest::newRow("3 steps, full") << 3 << 100 << 3;
+    QTest::newRow("255, 40%") << 255 << 40 << 102;
+    QTest::newRow("above 100") << 255 << 140 << 255;
+}
+
+void SysfsBacklightTest::keyboardLightLevels()
+{
+    QFETCH(int, max);
+    QFETCH(int, percent);
+    QFETCH(int, raw);
+    Fixture f;
+    f.device("input3::capslock", "", 1, 0);
+    f.device("rgb:kbd_backlight", "", max, 7); // not the keyboard's name pattern
+    f.device("tpacpi::kbd_backlight", "", max, 7);
+
+    QStringList calls;
+    LedKeyboardLight viaSession(f.dir.path(), [&](const QString &led, quint32 value) {
+        calls << QStringLiteral("%1 %2").arg(led).arg(value);
+        return true;
+    });
+    viaSession.setLevel(percent);
+    QCOMPARE(calls, QStringList{QStringLiteral("tpacpi::kbd_backlight %1").arg(raw)});
+    QCOMPARE(f.raw("tpacpi::kbd_backlight"), 7);
+
+    LedKeyboardLight direct(f.dir.path(), [](const QString &, quint32) { return false; });
+    direct.setLevel(percent);
+    QCOMPARE(f.raw("tpacpi::kbd_backlight"), raw);
+    QCOMPARE(f.raw("input3::capslock"), 0);
+
+    Fixture none;
+    none.device("input3::capslock", "", 1, 0);
+    LedKeyboardLight absent(none.dir.path(), [&](const QString &, quint32) {
+        calls << QStringLiteral("called");
+        return true;
+    });
+    absent.setLevel(percent);
+    QCOMPARE(calls.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(SysfsBacklightTest)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio.h"
+#include "availability.h"
 #include "brightness.h"
 #include "desktop.h"
 #include "devices.h"
@@ -81,6 +82,18 @@ private:
     SharedLog m_log;
 };
 
+class FakeKeyboardLight : public KeyboardLight {
+public:
+    explicit FakeKeyboardLight(SharedLog log) : m_log(std::move(log)) {}
+    void setLevel(int percent) override
+    {
+        m_log->add(QStringLiteral("keyboard light %1").arg(percent));
+    }
+
+private:
+    SharedLog m_log;
+};
+
 class FakePowerSource : public PowerSource {
 public:
     int acLineStatus() override { return status; }
@@ -119,8 +132,10 @@ public:
     void openUrl(const QUrl &url) override;
     bool systemFileExists(const QString &path) override { return existing.contains(path); }
     bool copySystemFile(const QString &from, const QString &to) override;
+    bool translucentWindows() override { return translucent; }
 
     QStringList existing; // system paths that exist
+    bool translucent = true;
 
 private:
     SharedLog m_log;
@@ -148,4 +163,17 @@ public:
 
 private:
     SharedLog m_log;
+};
+
+// Everything works unless a test names a reason.
+class FakeAvailability : public Availability {
+public:
+    QString whyUnavailable(Feature feature) override { return features.value(feature); }
+    QString whyCannotStart(const QString &commandLine) override
+    {
+        return programs.value(commandLine);
+    }
+
+    QMap<Feature, QString> features;
+    QMap<QString, QString> programs; // command line -> reason
 };

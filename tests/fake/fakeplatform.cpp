@@ -8,10 +8,12 @@ FakePlatform::FakePlatform()
       panel(std::make_shared<FakePanel>(log)), switches(std::make_shared<FakeSwitches>(log)),
       monitors(std::make_shared<FakeMonitors>(log)),
       keyBlocker(std::make_shared<FakeKeyBlocker>(log)),
+      keyboardLight(std::make_shared<FakeKeyboardLight>(log)),
       powerSource(std::make_shared<FakePowerSource>()), audio(std::make_shared<FakeAudio>(log)),
       gpu(std::make_shared<FakeGpu>()), sampler(std::make_shared<FakeSampler>()),
       sleep(std::make_shared<FakeSleepNotifier>()), desktop(std::make_shared<FakeDesktop>(log)),
-      dialogs(std::make_shared<FakeDialogs>(log)), scheduler(std::make_shared<ManualScheduler>())
+      dialogs(std::make_shared<FakeDialogs>(log)), scheduler(std::make_shared<ManualScheduler>()),
+      availability(std::make_shared<FakeAvailability>())
 {
 }
 
@@ -25,6 +27,7 @@ Platform FakePlatform::bundle() const
     p.switches = switches;
     p.monitors = monitors;
     p.keyBlocker = keyBlocker;
+    p.keyboardLight = keyboardLight;
     p.powerSource = powerSource;
     p.audio = audio;
     p.gpu = gpu;
@@ -33,5 +36,6 @@ Platform FakePlatform::bundle() const
     p.desktop = desktop;
     p.dialogs = dialogs;
     p.scheduler = scheduler;
+    p.availability = availability;
     return p;
 }

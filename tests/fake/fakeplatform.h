@@ -25,6 +25,7 @@ struct FakePlatform {
     std::shared_ptr<FakeSwitches> switches;
     std::shared_ptr<FakeMonitors> monitors;
     std::shared_ptr<FakeKeyBlocker> keyBlocker;
+    std::shared_ptr<FakeKeyboardLight> keyboardLight;
     std::shared_ptr<FakePowerSource> powerSource;
     std::shared_ptr<FakeAudio> audio;
     std::shared_ptr<FakeGpu> gpu;
@@ -33,4 +34,5 @@ struct FakePlatform {
     std::shared_ptr<FakeDesktop> desktop;
     std::shared_ptr<FakeDialogs> dialogs;
     std::shared_ptr<ManualScheduler> scheduler;
+    std::shared_ptr<FakeAvailability> availability;
 };

@@ -100,6 +100,8 @@ private slots:
     void batteryFontColourAndPeriod();
 
     void startupCreatesParentlessWidgets();
+    void widgetsClaimOnlyTheirLabels_data();
+    void widgetsClaimOnlyTheirLabels();
     void checkBoxCreatesWidgetOwnedByTheWindow();
     void checkBoxSwitchesOffAndOnAgain();
     void colourBoxesAndSliders();
@@ -404,6 +406,39 @@ void DesktopWidgetsTest::batteryFontColourAndPeriod()
     QCOMPARE(labelSheets(&widget), QStringList{"color:black;"});
     widget.period1s_slot();
     QCOMPARE(timerIntervals(&widget), QList<int>({1000, 1500}));
+}
+
+void DesktopWidgetsTest::widgetsClaimOnlyTheirLabels_data()
+{
+    QTest::addColumn<bool>("translucent");
+    QTest::newRow("with a compositor") << true;
+    QTest::newRow("without a compositor") << false;
+}
+
+void DesktopWidgetsTest::widgetsClaimOnlyTheirLabels()
+{
+    QFETCH(bool, translucent);
+    TestFolder folder;
+    folder.setIni(QLatin1String(kWidgetFile), QStringLiteral("resorceswidget"), 1);
+    folder.setIni(QLatin1String(kWidgetFile), QStringLiteral("batterywidget"), 1);
+    FakePlatform fake;
+    fake.desktop->translucent = translucent;
+    MainWindow w(fake.bundle());
+    emit w.fontsize(24);
+    const QList<QWidget *> widgets = {w.widgets()->usageWidget(), w.widgets()->batteryWidget()};
+    for (QWidget *widget : widgets) {
+        QVERIFY(widget);
+        QCOMPARE(widget->testAttribute(Qt::WA_TranslucentBackground), translucent);
+        QCOMPARE(widget->autoFillBackground(), !translucent);
+        QRegion labels;
+        for (QLabel *l : widget->findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly))
+            if (!l->isHidden())
+                labels += l->geometry();
+        QVERIFY(!labels.isEmpty());
+        // The empty rest of the window is not the widget's: clicks there reach the desktop.
+        QCOMPARE(widget->mask(), labels);
+        QVERIFY(!widget->mask().contains(QPoint(widget->width() - 2, widget->height() - 2)));
+    }
 }
 
 void DesktopWidgetsTest::startupCreatesParentlessWidgets()

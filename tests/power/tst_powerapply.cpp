@@ -164,9 +164,11 @@ void PowerApplyTest::applyLeavesTheKeyboardCodeAlone()
     p.ui().horizontalSlider_2->blockSignals(false);
     p.window->ApplyPowerValues();
     QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
-    // The slot on its own does pick it up.
+    // The slot on its own does pick it up, and sets the keyboard where the machine can.
+    p.clearRecords();
     p.window->ApplyPowerKBLED();
     QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",5"));
+    QCOMPARE(p.fake.log->entries, QStringList{"keyboard light 5"});
 }
 
 void PowerApplyTest::turboOverrideNeedsOverrideAndManagedCpu()

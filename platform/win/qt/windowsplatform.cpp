@@ -1,5 +1,6 @@
 #include "platform.h"
 
+#include "availability.h"
 #include "dialogs.h"
 #include "identity.h"
 #include "placeholders_win.h"
@@ -25,6 +26,7 @@ Platform windowsPlatform()
     p.switches = std::make_shared<WinDeviceSwitches>();
     p.monitors = std::make_shared<WinMonitorControl>();
     p.keyBlocker = std::make_shared<WinKeyBlocker>();
+    p.keyboardLight = std::make_shared<CompanionKeyboardLight>();
     p.powerSource = std::make_shared<WinPowerSource>();
     p.audio = std::make_shared<WinAudioEndpoint>();
     p.gpu = std::make_shared<WinGpuSensors>();
@@ -32,6 +34,7 @@ Platform windowsPlatform()
     p.sleep = std::make_shared<WinSleepNotifier>();
     p.desktop = std::make_shared<WinDesktop>();
     p.dialogs = std::make_shared<QtDialogs>();
+    p.availability = std::make_shared<EverythingAvailable>();
     p.scheduler = std::make_shared<TimerScheduler>();
     return p;
 }
