@@ -9,6 +9,28 @@ QString localPath(const QString &path)
     return local;
 }
 
+bool iniHoldsValue(const QVariant &stored, const QVariant &value)
+{
+    if (!stored.isValid() || !value.isValid())
+        return false;
+    if (stored.userType() == value.userType())
+        return stored == value;
+    // The INI format keeps numbers and booleans as their text and reads them back as strings.
+    if (stored.userType() != QMetaType::QString)
+        return false;
+    switch (value.userType()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+        return stored.toString() == value.toString();
+    default:
+        return false;
+    }
+}
+
 SettingsFile::SettingsFile(const QString &path, const QString &group)
     : m_path(localPath(path)), m_group(group)
 {
@@ -23,6 +45,9 @@ QVariant SettingsFile::value(const QString &key) const
 void SettingsFile::setValue(const QString &key, const QVariant &value) const
 {
     QSettings file(m_path, QSettings::IniFormat);
+    // Every write rewrites and syncs the whole file; most writes repeat what is there.
+    if (iniHoldsValue(file.value(m_group + key), value))
+        return;
     file.setValue(m_group + key, value);
 }
 
@@ -35,5 +60,6 @@ bool SettingsFile::contains(const QString &key) const
 void SettingsFile::remove(const QString &key) const
 {
     QSettings file(m_path, QSettings::IniFormat);
-    file.remove(m_group + key);
+    if (file.contains(m_group + key))
+        file.remove(m_group + key);
 }

@@ -58,6 +58,9 @@ bool GSettingsKey::setText(const QString &value)
 {
     if (!m_settings)
         return false;
+    // A write, even of the same value, goes through the settings daemon and its disk file.
+    if (text() == value)
+        return true;
     const bool ok =
         g_settings_set_string(m_settings, m_key.constData(), value.toUtf8().constData());
     g_settings_sync();
@@ -75,6 +78,8 @@ bool GSettingsKey::setBoolean(bool value)
 {
     if (!m_settings)
         return false;
+    if (boolean() == value)
+        return true;
     const bool ok = g_settings_set_boolean(m_settings, m_key.constData(), value ? TRUE : FALSE);
     g_settings_sync();
     return ok;

@@ -39,8 +39,12 @@ bool LinuxSampler::memoryStatus(quint64 *totalPhysical, quint64 *availablePhysic
 {
     bool haveTotal = false;
     bool haveAvailable = false;
-    const QList<QByteArray> lines = readFile(m_procRoot + QStringLiteral("/meminfo")).split('\n');
-    for (const QByteArray &line : lines) {
+    QFile meminfo(m_procRoot + QStringLiteral("/meminfo"));
+    if (!meminfo.open(QIODevice::ReadOnly))
+        return false;
+    // Both figures come first; the fifty-odd lines after them are never needed.
+    while (!(haveTotal && haveAvailable) && !meminfo.atEnd()) {
+        const QByteArray line = meminfo.readLine();
         const QList<QByteArray> fields = line.simplified().split(' ');
         if (fields.size() < 2)
             continue;

@@ -17,6 +17,7 @@ class LinuxPowerTest : public QObject {
 private slots:
     void acLineStatus_data();
     void acLineStatus();
+    void oneReaderFollowsPlugsAndVanishedSupplies();
     void adaptiveBrightnessSetsAmbientLight_data();
     void adaptiveBrightnessSetsAmbientLight();
     void settingsPagesOpenTheDesktopPanels();
@@ -79,6 +80,33 @@ void LinuxPowerTest::acLineStatus()
         }
     }
     QCOMPARE(SysfsPowerSupply(dir.path()).acLineStatus(), status);
+}
+
+void LinuxPowerTest::oneReaderFollowsPlugsAndVanishedSupplies()
+{
+    QTemporaryDir dir;
+    auto write = [&](const QString &name, const QByteArray &file, const QByteArray &text) {
+        QDir(dir.path()).mkpath(name);
+        QFile out(dir.filePath(name + QLatin1Char('/') + QLatin1String(file)));
+        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(text + '\n');
+    };
+    write(QStringLiteral("AC"), "type", "Mains");
+    write(QStringLiteral("AC"), "online", "0");
+    write(QStringLiteral("ADP2"), "type", "Mains");
+    write(QStringLiteral("ADP2"), "online", "0");
+    SysfsPowerSupply supply(dir.path());
+    QCOMPARE(supply.acLineStatus(), 0);
+
+    write(QStringLiteral("AC"), "online", "1");
+    QCOMPARE(supply.acLineStatus(), 1);
+    write(QStringLiteral("AC"), "online", "0");
+    QCOMPARE(supply.acLineStatus(), 0);
+
+    // Supplies that go away are noticed: none left means no line supply at all.
+    QVERIFY(QDir(dir.filePath(QStringLiteral("AC"))).removeRecursively());
+    QVERIFY(QDir(dir.filePath(QStringLiteral("ADP2"))).removeRecursively());
+    QCOMPARE(supply.acLineStatus(), 255);
 }
 
 void LinuxPowerTest::adaptiveBrightnessSetsAmbientLight_data()
