@@ -15,20 +15,27 @@ bool iniHoldsValue(const QVariant &stored, const QVariant &value)
         return false;
     if (stored.userType() == value.userType())
         return stored == value;
-    // The INI format keeps numbers and booleans as their text and reads them back as strings.
-    if (stored.userType() != QMetaType::QString)
+    // The INI format keeps numbers and booleans as their text: read back from the file they are
+    // strings, while a value this process wrote may still read back as it was written.
+    const auto asText = [](const QVariant &v) {
+        switch (v.userType()) {
+        case QMetaType::Bool:
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+        case QMetaType::Double:
+        case QMetaType::QString:
+            return true;
+        default:
+            return false;
+        }
+    };
+    if (!asText(stored) || !asText(value))
         return false;
-    switch (value.userType()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-        return stored.toString() == value.toString();
-    default:
+    if (stored.userType() != QMetaType::QString && value.userType() != QMetaType::QString)
         return false;
-    }
+    return stored.toString() == value.toString();
 }
 
 SettingsFile::SettingsFile(const QString &path, const QString &group)

@@ -43,8 +43,11 @@ bool LinuxSampler::memoryStatus(quint64 *totalPhysical, quint64 *availablePhysic
     if (!meminfo.open(QIODevice::ReadOnly))
         return false;
     // Both figures come first; the fifty-odd lines after them are never needed.
-    while (!(haveTotal && haveAvailable) && !meminfo.atEnd()) {
+    // atEnd() cannot be asked: procfs files report a size of 0.
+    while (!(haveTotal && haveAvailable)) {
         const QByteArray line = meminfo.readLine();
+        if (line.isEmpty())
+            break;
         const QList<QByteArray> fields = line.simplified().split(' ');
         if (fields.size() < 2)
             continue;
