@@ -41,12 +41,14 @@ int main(int argc, char *argv[])
 
     auto *general = new SettingsFile(SettingsFileSet().general);
     const bool startHidden = general->value(QString::fromLatin1(keys::startHidden)).toBool();
-    window->show();
-    window->raise();
-    window->setFocus(Qt::OtherFocusReason);
-    window->activateWindow();
-    if (startHidden)
-        window->hide();
+    // Started hidden, the window is not shown at all: showing and hiding it again flashed it on
+    // screen and styled every control of the form before anybody could look at it.
+    if (!startHidden) {
+        window->show();
+        window->raise();
+        window->setFocus(Qt::OtherFocusReason);
+        window->activateWindow();
+    }
 
     const int status = QApplication::exec();
     delete general;

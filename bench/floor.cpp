@@ -38,8 +38,7 @@ int main(int argc, char *argv[])
 
     // Hidden or shown as the program under test starts, from the same file.
     const QSettings general(QStringLiteral("settings/varnel.ini"), QSettings::IniFormat);
-    window.show();
-    if (general.value(QStringLiteral("settings/start_hidden")).toBool())
-        window.hide();
+    if (!general.value(QStringLiteral("settings/start_hidden")).toBool())
+        window.show();
     return QApplication::exec();
 }
