@@ -5,7 +5,8 @@
 //   stall    after the first idle loop, watch the event loop for VARNEL_BENCH_SECONDS and print
 //            the longest time it did not get round to a 5 ms timer, in ms
 //   switch   after the first idle loop, trigger the tray's "Silent Mode" and "Normal Mode" in
-//            turn and print the median and longest GUI-thread time of one switch, in ms
+//            turn and print the median and longest GUI-thread time of one switch after the
+//            first, and the first's, in ms
 #include <QAbstractEventDispatcher>
 #include <QAction>
 #include <QApplication>
@@ -113,10 +114,12 @@ void timeSwitches()
         times->append(held.nsecsElapsed() / 1e6);
         if (times->size() < 20)
             return;
-        QVector<double> sorted = *times;
+        // The first switch also decodes the tray's mode icons, once per run.
+        QVector<double> sorted = times->mid(1);
         std::sort(sorted.begin(), sorted.end());
         report("switch " + QByteArray::number(sorted.at(sorted.size() / 2), 'f', 2) + ' ' +
-               QByteArray::number(sorted.last(), 'f', 2));
+               QByteArray::number(sorted.last(), 'f', 2) + ' ' +
+               QByteArray::number(times->first(), 'f', 2));
         _exit(0);
     });
     pace->start(300);

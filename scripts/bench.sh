@@ -175,7 +175,7 @@ cd "$work/modes"
 out=$work/varnel.switch
 QT_QPA_PLATFORM=offscreen VARNEL_BENCH_HOOK=switch VARNEL_BENCH_OUT=$out LD_PRELOAD=$hook \
   ./varnel >/dev/null 2>&1 || true
-read -r _ switch_median switch_max <"$out" || true
+read -r _ switch_median switch_max switch_first <"$out" || true
 
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { if (b > 0) printf "%.2fx", a / b; else print "-" }'; }
 row() { printf '%-44s %12s %12s %8s   %s\n' "$@"; }
@@ -201,3 +201,4 @@ row "longest GUI-thread stall after start, ms" "${stall_ms[varnel]}" "${stall_ms
   "under 50 ms"
 row "power-mode switch, median / max ms" "${switch_median:-?} / ${switch_max:-?}" "" "" \
   "under 10 ms"
+row "  the first switch (decodes the tray icons), ms" "${switch_first:-?}" "" "" ""

@@ -184,7 +184,8 @@ private:
     {
         if (m_loop)
             return true;
-        if (!PulseLibrary::get())
+        // Asked on every call while there is none, so a server started later is found.
+        if (!PulseLibrary::serverMayExist() || !PulseLibrary::get())
             return false;
         m_loop = pa().threaded_mainloop_new();
         if (m_loop && pa().threaded_mainloop_start(m_loop) < 0) {

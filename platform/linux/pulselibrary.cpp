@@ -1,6 +1,8 @@
 #include "pulselibrary.h"
 
+#include <QFile>
 #include <QLoggingCategory>
+#include <QStandardPaths>
 
 #include <dlfcn.h>
 
@@ -10,7 +12,7 @@ namespace {
 
 std::unique_ptr<PulseLibrary> open()
 {
-    void *library = dlopen("libpulse.so.0", RTLD_NOW | RTLD_LOCAL);
+    void *library = dlopen("libpulse.so.0", RTLD_LAZY | RTLD_LOCAL);
     if (!library) {
         qCDebug(lcPulseLibrary) << "libpulse not found:" << dlerror();
         return nullptr;
@@ -55,4 +57,44 @@ const PulseLibrary *PulseLibrary::get()
 {
     static const std::unique_ptr<PulseLibrary> library = open();
     return library.get();
+}
+
+namespace {
+
+bool namesAServer(const QString &clientConf)
+{
+    QFile file(clientConf);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    while (!file.atEnd()) {
+        if (file.readLine().trimmed().startsWith("default-server"))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+bool PulseLibrary::serverMayExist()
+{
+    if (!qEnvironmentVariableIsEmpty("PULSE_SERVER"))
+        return true;
+    QStringList sockets;
+    if (!qEnvironmentVariableIsEmpty("PULSE_RUNTIME_PATH"))
+        sockets << qEnvironmentVariable("PULSE_RUNTIME_PATH") + QStringLiteral("/native");
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        sockets << qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/pulse/native");
+    sockets << QStringLiteral("/run/pulse/native"); // a system-wide server
+    for (const QString &socket : qAsConst(sockets)) {
+        if (QFile::exists(socket))
+            return true;
+    }
+    const QString config = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    const QStringList confs{config + QStringLiteral("/pulse/client.conf"),
+                            QStringLiteral("/etc/pulse/client.conf")};
+    for (const QString &conf : qAsConst(confs)) {
+        if (namesAServer(conf))
+            return true;
+    }
+    return false;
 }

@@ -31,4 +31,10 @@ struct PulseLibrary {
     // The library's entry points, or null when it is not installed or incomplete (then there is
     // no sound server to talk to either). Opened once; later calls return the same answer.
     static const PulseLibrary *get();
+
+    // False when no server can be reached without starting one: no server named in the
+    // environment or the client configuration, and no socket where servers listen (the session's
+    // runtime folder, the system-wide one). The library and its codecs are then not worth
+    // loading.
+    static bool serverMayExist();
 };
