@@ -41,9 +41,11 @@ int main(int argc, char *argv[])
 
     auto *general = new SettingsFile(SettingsFileSet().general);
     const bool startHidden = general->value(QString::fromLatin1(keys::startHidden)).toBool();
-    // Started hidden, the window is not shown at all: showing and hiding it again flashed it on
-    // screen and styled every control of the form before anybody could look at it.
-    if (!startHidden) {
+    // Started hidden, the window is only created, unmapped, as showing and hiding it left it:
+    // showing it first flashed it on screen and laid out every control before anybody looked.
+    if (startHidden) {
+        window->winId();
+    } else {
         window->show();
         window->raise();
         window->setFocus(Qt::OtherFocusReason);
