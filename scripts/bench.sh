@@ -175,10 +175,10 @@ cd "$work/modes"
 out=$work/varnel.switch
 QT_QPA_PLATFORM=offscreen VARNEL_BENCH_HOOK=switch VARNEL_BENCH_OUT=$out LD_PRELOAD=$hook \
   ./varnel >/dev/null 2>&1 || true
-read -r _ switch_median switch_max switch_first <"$out" || true
+read -r _ switch_median switch_max switch_first wall_median wall_max <"$out" || true
 
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN { if (b > 0) printf "%.2fx", a / b; else print "-" }'; }
-row() { printf '%-44s %12s %12s %8s   %s\n' "$@"; }
+row() { printf '%-50s %14s %10s %8s   %s\n' "$@"; }
 echo
 echo "Varnel against the floor, $(date -u '+%Y-%m-%d %H:%M UTC'), commit $(git -C "$root" rev-parse --short HEAD)"
 echo "$(nproc) cores, load $(cut -d' ' -f1-3 /proc/loadavg); idle ${idle_seconds} s after ${settle} s, syscalls ${syscall_seconds} s, $pairs pairs"
@@ -199,6 +199,7 @@ row "exec to window mapped, median ms" "${start_ms[varnel]}" "${start_ms[floor]}
   "$(ratio "${start_ms[varnel]}" "${start_ms[floor]}")" "close to 1x"
 row "longest GUI-thread stall after start, ms" "${stall_ms[varnel]}" "${stall_ms[floor]}" "" \
   "under 50 ms"
-row "power-mode switch, median / max ms" "${switch_median:-?} / ${switch_max:-?}" "" "" \
-  "under 10 ms"
+row "power-mode switch, GUI-thread CPU, median / max ms" "${switch_median:-?} / ${switch_max:-?}" \
+  "" "" "under 10 ms"
 row "  the first switch (decodes the tray icons), ms" "${switch_first:-?}" "" "" ""
+row "  wall time, disk writes included, median / max ms" "${wall_median:-?} / ${wall_max:-?}" "" "" ""
