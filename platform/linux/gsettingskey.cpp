@@ -78,25 +78,37 @@ bool backendReachable()
 
 } // namespace
 
-GSettingsKey::GSettingsKey(const char *schema, const char *key) : m_key(key)
+GSettingsKey::GSettingsKey(const char *schema, const char *key) : m_schema(schema), m_key(key) {}
+
+GSettings *GSettingsKey::settings() const
 {
+    if (m_looked)
+        return m_settings;
+    m_looked = true;
+    const char *schema = m_schema.constData();
     if (!gio()) {
         qCDebug(lcGSettings) << "no GIO for" << schema;
-        return;
+        return nullptr;
     }
     GSettingsSchemaSource *source = gio()->schema_source_get_default();
     GSettingsSchema *found = source ? gio()->schema_source_lookup(source, schema, TRUE) : nullptr;
     if (!found) {
         qCDebug(lcGSettings) << "no schema" << schema;
-        return;
+        return nullptr;
     }
-    const bool hasKey = gio()->schema_has_key(found, key);
+    const bool hasKey = gio()->schema_has_key(found, m_key.constData());
     gio()->schema_unref(found);
     if (!hasKey || !backendReachable()) {
-        qCDebug(lcGSettings) << "no usable key" << schema << key;
-        return;
+        qCDebug(lcGSettings) << "no usable key" << schema << m_key;
+        return nullptr;
     }
     m_settings = gio()->settings_new(schema);
+    return m_settings;
+}
+
+bool GSettingsKey::available() const
+{
+    return settings() != nullptr;
 }
 
 GSettingsKey::~GSettingsKey()
@@ -107,7 +119,7 @@ GSettingsKey::~GSettingsKey()
 
 std::optional<QString> GSettingsKey::text() const
 {
-    if (!m_settings)
+    if (!settings())
         return std::nullopt;
     gchar *value = gio()->get_string(m_settings, m_key.constData());
     const QString out = QString::fromUtf8(value);
@@ -117,7 +129,7 @@ std::optional<QString> GSettingsKey::text() const
 
 bool GSettingsKey::setText(const QString &value)
 {
-    if (!m_settings)
+    if (!settings())
         return false;
     // A write, even of the same value, goes through the settings daemon and its disk file.
     if (text() == value)
@@ -129,14 +141,14 @@ bool GSettingsKey::setText(const QString &value)
 
 std::optional<bool> GSettingsKey::boolean() const
 {
-    if (!m_settings)
+    if (!settings())
         return std::nullopt;
     return gio()->get_boolean(m_settings, m_key.constData()) != FALSE;
 }
 
 bool GSettingsKey::setBoolean(bool value)
 {
-    if (!m_settings)
+    if (!settings())
         return false;
     if (boolean() == value)
         return true;
