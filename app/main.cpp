@@ -44,12 +44,16 @@ int main(int argc, char *argv[])
 
     auto *general = new SettingsFile(SettingsFileSet().general);
     const bool startHidden = general->value(QString::fromLatin1(keys::startHidden)).toBool();
-    window->show();
-    window->raise();
-    window->setFocus(Qt::OtherFocusReason);
-    window->activateWindow();
-    if (startHidden)
-        window->hide();
+    // Started hidden, the window is only created, unmapped, as showing and hiding it left it:
+    // showing it first flashed it on screen and laid out every control before anybody looked.
+    if (startHidden) {
+        window->winId();
+    } else {
+        window->show();
+        window->raise();
+        window->setFocus(Qt::OtherFocusReason);
+        window->activateWindow();
+    }
 
     const int status = QApplication::exec();
     delete general;

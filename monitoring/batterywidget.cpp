@@ -62,7 +62,6 @@ void BatteryWidget::timeout_slot()
     startQuery(m_stateQuery, kStateQuery);
     m_scheduler->singleShot(500, this, "updater2do");
     m_scheduler->singleShot(2000, this, "updatevalues");
-    update();
 }
 
 void BatteryWidget::updater2do()

@@ -37,6 +37,9 @@ void nvidia_api::run()
         return;
     for (;;) {
         pollOnce();
+        // The one failed pass has shown the zeros; without a GPU nothing would ever change them.
+        if (m_sensors->absentForGood())
+            return;
         sleepOneSecond();
         if (!running)
             return;

@@ -25,6 +25,11 @@ QByteArray StatusPublisher::serialise(const QString &text)
 
 bool StatusPublisher::publish(const QString &text)
 {
+    // The segment still holds this very record: re-creating it would only churn the key files
+    // and the kernel object every second, and a reader would see the same bytes.
+    if (m_segment.isAttached() && text == m_published)
+        return true;
+
     // Releases the previous segment; it goes away once no reader holds it.
     if (m_segment.isAttached())
         m_segment.detach();
@@ -42,5 +47,6 @@ bool StatusPublisher::publish(const QString &text)
     std::memcpy(m_segment.data(), data.constData(),
                 static_cast<size_t>(qMin(m_segment.size(), data.size())));
     m_segment.unlock();
+    m_published = text;
     return true;
 }

@@ -9,8 +9,8 @@
 Q_DECLARE_LOGGING_CATEGORY(lcStatus)
 
 // Publishes a short text in named shared memory for the companion tools: the segment is
-// re-created for every publication with exactly the size of the serialised text, and written
-// under its lock. Owned by the window.
+// re-created for every new text with exactly the size of the serialised text, and written
+// under its lock. Publishing the text it already holds leaves it alone. Owned by the window.
 class StatusPublisher : public QObject {
 public:
     explicit StatusPublisher(const QString &key, QObject *parent = nullptr);
@@ -26,4 +26,5 @@ public:
 
 private:
     QSharedMemory m_segment;
+    QString m_published;
 };

@@ -101,7 +101,6 @@ void UsageWidget::timeout_slot()
     sampleProcessor();
     sampleNetwork();
     sampleDisk();
-    update();
 }
 
 void UsageWidget::sampleMemory()

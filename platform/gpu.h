@@ -21,4 +21,7 @@ public:
     virtual QString errorMessage(int status) = 0;
     // Releases the interface; harmless when it is not loaded.
     virtual void unload() = 0;
+    // True once the backend knows the machine has no such GPU at all, so polling again would
+    // only cost work (and wake-ups) for nothing.
+    virtual bool absentForGood() const { return false; }
 };

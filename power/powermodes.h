@@ -5,6 +5,7 @@
 #include "powerprofiles.h"
 #include "settingsfiles.h"
 
+#include <QIcon>
 #include <QLoggingCategory>
 #include <QObject>
 #include <QString>
@@ -113,6 +114,10 @@ private:
     Platform m_platform;
     QWidget *m_window;
     std::function<Tray()> m_tray;
+    // Made once: a fresh icon per switch decoded both PNG files again.
+    QIcon m_selectedIcon;
+    QIcon m_otherIcon;
+    bool m_iconsLoaded = false;
 
     bool m_loading = false;
     bool m_turboOverridePending = false;

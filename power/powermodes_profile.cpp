@@ -87,15 +87,22 @@ void PowerModes::updateTurboOverrideText()
 void PowerModes::markTrayMode(const QString &mode)
 {
     const Tray tray = m_tray ? m_tray() : Tray();
-    const QIcon selected(QStringLiteral("branding/fancontrol_system_tray_selected.png"));
-    const QIcon other(QStringLiteral("branding/fancontrol_system_tray_not_selected.png"));
+    if (!m_iconsLoaded) {
+        m_iconsLoaded = true;
+        m_selectedIcon = QIcon(QStringLiteral("branding/fancontrol_system_tray_selected.png"));
+        m_otherIcon = QIcon(QStringLiteral("branding/fancontrol_system_tray_not_selected.png"));
+    }
     const std::pair<QAction *, Mode> actions[] = {{tray.battery, Mode::Battery},
                                                   {tray.silent, Mode::Silent},
                                                   {tray.normal, Mode::Normal},
                                                   {tray.maximum, Mode::Maximum}};
     for (const auto &[action, actionMode] : actions) {
-        if (action)
-            action->setIcon(modeName(actionMode) == mode ? selected : other);
+        if (!action)
+            continue;
+        const QIcon &icon = modeName(actionMode) == mode ? m_selectedIcon : m_otherIcon;
+        // Setting an icon, even the same one, makes the tray menu lay itself out again.
+        if (action->icon().cacheKey() != icon.cacheKey())
+            action->setIcon(icon);
     }
 }
 

@@ -15,7 +15,8 @@ struct SettingsFileSet {
 };
 
 // One INI file accessed key by key: every read and write opens the file afresh, so nothing is
-// cached and every change reaches the disk at once. Keys live under a group prefix
+// cached and every change reaches the disk at once. A write of the value already stored leaves
+// the file untouched. Keys live under a group prefix
 // ("settings/" for all files but the update work file, which uses "workqueue/").
 class SettingsFile {
 public:
@@ -33,6 +34,10 @@ private:
     QString m_path;
     QString m_group;
 };
+
+// Whether an INI file whose key reads back as stored already holds value, so that writing it
+// would change nothing. Unsure cases answer false: the write then happens as before.
+bool iniHoldsValue(const QVariant &stored, const QVariant &value);
 
 // A path written the Windows way ("settings\\x.ini", "ThrottleStop//a.exe") as a local path.
 // Both separators name the same file on every platform.

@@ -48,8 +48,11 @@ MainWindow::MainWindow(Platform platform, QWidget *parent)
 
     initDarkStyleResources();
     QFile sheet(QString::fromLatin1(kStyleSheet));
-    if (sheet.open(QFile::ReadOnly | QFile::Text))
-        qApp->setStyleSheet(QLatin1String(sheet.readAll()));
+    if (sheet.open(QFile::ReadOnly | QFile::Text)) {
+        const QString text = QLatin1String(sheet.readAll());
+        if (qApp->styleSheet() != text)
+            qApp->setStyleSheet(text);
+    }
 
     applyPalette();
 
@@ -105,7 +108,11 @@ void MainWindow::SetStyle()
     if (!sheet.open(QFile::ReadOnly | QFile::Text))
         return;
     QTextStream stream(&sheet);
-    qApp->setStyleSheet(stream.readAll());
+    const QString text = stream.readAll();
+    // Already in force from before the form was built: setting it again would re-polish every
+    // widget, which was most of the start-up work.
+    if (qApp->styleSheet() != text)
+        qApp->setStyleSheet(text);
 }
 
 void MainWindow::applyDensitySizing()

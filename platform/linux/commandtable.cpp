@@ -2,16 +2,35 @@
 
 #include <QDir>
 
+namespace {
+
+// The text up to the first character with a meaning in a regular expression, or up to a
+// character a quantifier could make optional.
+QString literalStart(const QString &pattern)
+{
+    static const QString special = QStringLiteral("\\^$.|?*+()[]{}");
+    int end = 0;
+    while (end < pattern.size() && !special.contains(pattern.at(end)))
+        ++end;
+    if (end < pattern.size() && QStringLiteral("?*{").contains(pattern.at(end)) && end > 0)
+        --end;
+    return pattern.left(end);
+}
+
+} // namespace
+
 void CommandTable::add(const QString &pattern, Handler handler, std::function<bool()> available)
 {
     m_rows.push_back({QRegularExpression(QRegularExpression::anchoredPattern(pattern)),
-                      std::move(handler), std::move(available)});
+                      std::move(handler), std::move(available), literalStart(pattern)});
 }
 
 const CommandTable::Row *CommandTable::find(const QString &commandLine,
                                             QRegularExpressionMatch *match) const
 {
     for (const Row &row : m_rows) {
+        if (!commandLine.startsWith(row.literalStart))
+            continue;
         QRegularExpressionMatch m = row.pattern.match(commandLine);
         if (m.hasMatch()) {
             *match = m;

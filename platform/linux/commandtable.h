@@ -29,6 +29,9 @@ private:
         QRegularExpression pattern;
         Handler handler;
         std::function<bool()> available;
+        // The pattern's leading plain text: a line without it cannot match, and skipping the
+        // row spares compiling its expression (a few dozen of them cost most of the first run).
+        QString literalStart;
     };
     const Row *find(const QString &commandLine, QRegularExpressionMatch *match) const;
     QVector<Row> m_rows;

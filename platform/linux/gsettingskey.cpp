@@ -6,9 +6,67 @@
 #undef signals // GLib uses the word as an identifier
 #include <gio/gio.h>
 
+#include <dlfcn.h>
+
+#include <memory>
+
 Q_LOGGING_CATEGORY(lcGSettings, "varnel.platform.gsettings")
 
 namespace {
+
+// GIO is opened the first time a desktop key is wanted: linked, it and the libraries it pulls
+// in were loaded and relocated at every start for keys most runs never touch.
+struct Gio {
+    decltype(&::g_settings_schema_source_get_default) schema_source_get_default;
+    decltype(&::g_settings_schema_source_lookup) schema_source_lookup;
+    decltype(&::g_settings_schema_has_key) schema_has_key;
+    decltype(&::g_settings_schema_unref) schema_unref;
+    decltype(&::g_settings_new) settings_new;
+    decltype(&::g_settings_get_string) get_string;
+    decltype(&::g_settings_set_string) set_string;
+    decltype(&::g_settings_get_boolean) get_boolean;
+    decltype(&::g_settings_set_boolean) set_boolean;
+    decltype(&::g_settings_sync) sync;
+    decltype(&::g_object_unref) object_unref;
+    decltype(&::g_free) free;
+};
+
+std::unique_ptr<Gio> openGio()
+{
+    void *library = dlopen("libgio-2.0.so.0", RTLD_LAZY | RTLD_LOCAL);
+    if (!library) {
+        qCDebug(lcGSettings) << "GIO not found:" << dlerror();
+        return nullptr;
+    }
+    auto gio = std::make_unique<Gio>();
+    bool complete = true;
+    auto resolve = [&](auto &slot, const char *name) {
+        slot = reinterpret_cast<std::remove_reference_t<decltype(slot)>>(dlsym(library, name));
+        complete = complete && slot;
+    };
+    resolve(gio->schema_source_get_default, "g_settings_schema_source_get_default");
+    resolve(gio->schema_source_lookup, "g_settings_schema_source_lookup");
+    resolve(gio->schema_has_key, "g_settings_schema_has_key");
+    resolve(gio->schema_unref, "g_settings_schema_unref");
+    resolve(gio->settings_new, "g_settings_new");
+    resolve(gio->get_string, "g_settings_get_string");
+    resolve(gio->set_string, "g_settings_set_string");
+    resolve(gio->get_boolean, "g_settings_get_boolean");
+    resolve(gio->set_boolean, "g_settings_set_boolean");
+    resolve(gio->sync, "g_settings_sync");
+    resolve(gio->object_unref, "g_object_unref");
+    resolve(gio->free, "g_free");
+    if (!complete)
+        return nullptr;
+    return gio;
+}
+
+// Null when GIO is missing; a key then behaves as on a desktop without the schema.
+const Gio *gio()
+{
+    static const std::unique_ptr<Gio> api = openGio();
+    return api.get();
+}
 
 // Without a session bus dconf cannot store anything and complains on the console.
 bool backendReachable()
@@ -20,63 +78,82 @@ bool backendReachable()
 
 } // namespace
 
-GSettingsKey::GSettingsKey(const char *schema, const char *key) : m_key(key)
+GSettingsKey::GSettingsKey(const char *schema, const char *key) : m_schema(schema), m_key(key) {}
+
+GSettings *GSettingsKey::settings() const
 {
-    GSettingsSchemaSource *source = g_settings_schema_source_get_default();
-    GSettingsSchema *found =
-        source ? g_settings_schema_source_lookup(source, schema, TRUE) : nullptr;
+    if (m_looked)
+        return m_settings;
+    m_looked = true;
+    const char *schema = m_schema.constData();
+    if (!gio()) {
+        qCDebug(lcGSettings) << "no GIO for" << schema;
+        return nullptr;
+    }
+    GSettingsSchemaSource *source = gio()->schema_source_get_default();
+    GSettingsSchema *found = source ? gio()->schema_source_lookup(source, schema, TRUE) : nullptr;
     if (!found) {
         qCDebug(lcGSettings) << "no schema" << schema;
-        return;
+        return nullptr;
     }
-    const bool hasKey = g_settings_schema_has_key(found, key);
-    g_settings_schema_unref(found);
+    const bool hasKey = gio()->schema_has_key(found, m_key.constData());
+    gio()->schema_unref(found);
     if (!hasKey || !backendReachable()) {
-        qCDebug(lcGSettings) << "no usable key" << schema << key;
-        return;
+        qCDebug(lcGSettings) << "no usable key" << schema << m_key;
+        return nullptr;
     }
-    m_settings = g_settings_new(schema);
+    m_settings = gio()->settings_new(schema);
+    return m_settings;
+}
+
+bool GSettingsKey::available() const
+{
+    return settings() != nullptr;
 }
 
 GSettingsKey::~GSettingsKey()
 {
     if (m_settings)
-        g_object_unref(m_settings);
+        gio()->object_unref(m_settings);
 }
 
 std::optional<QString> GSettingsKey::text() const
 {
-    if (!m_settings)
+    if (!settings())
         return std::nullopt;
-    gchar *value = g_settings_get_string(m_settings, m_key.constData());
+    gchar *value = gio()->get_string(m_settings, m_key.constData());
     const QString out = QString::fromUtf8(value);
-    g_free(value);
+    gio()->free(value);
     return out;
 }
 
 bool GSettingsKey::setText(const QString &value)
 {
-    if (!m_settings)
+    if (!settings())
         return false;
-    const bool ok =
-        g_settings_set_string(m_settings, m_key.constData(), value.toUtf8().constData());
-    g_settings_sync();
+    // A write, even of the same value, goes through the settings daemon and its disk file.
+    if (text() == value)
+        return true;
+    const bool ok = gio()->set_string(m_settings, m_key.constData(), value.toUtf8().constData());
+    gio()->sync();
     return ok;
 }
 
 std::optional<bool> GSettingsKey::boolean() const
 {
-    if (!m_settings)
+    if (!settings())
         return std::nullopt;
-    return g_settings_get_boolean(m_settings, m_key.constData()) != FALSE;
+    return gio()->get_boolean(m_settings, m_key.constData()) != FALSE;
 }
 
 bool GSettingsKey::setBoolean(bool value)
 {
-    if (!m_settings)
+    if (!settings())
         return false;
-    const bool ok = g_settings_set_boolean(m_settings, m_key.constData(), value ? TRUE : FALSE);
-    g_settings_sync();
+    if (boolean() == value)
+        return true;
+    const bool ok = gio()->set_boolean(m_settings, m_key.constData(), value ? TRUE : FALSE);
+    gio()->sync();
     return ok;
 }
 

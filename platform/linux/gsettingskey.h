@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
@@ -16,7 +17,7 @@ public:
     GSettingsKey(const GSettingsKey &) = delete;
     GSettingsKey &operator=(const GSettingsKey &) = delete;
 
-    bool available() const { return m_settings != nullptr; }
+    bool available() const;
     // Text keys and enumerations (by their nick).
     std::optional<QString> text() const;
     bool setText(const QString &value);
@@ -28,6 +29,12 @@ public:
     bool reset();
 
 private:
-    GSettings *m_settings = nullptr;
+    // The schema is looked up at the first question, not at construction: most runs never ask,
+    // and looking it up opens GIO.
+    GSettings *settings() const;
+
+    QByteArray m_schema;
     QByteArray m_key;
+    mutable bool m_looked = false;
+    mutable GSettings *m_settings = nullptr;
 };

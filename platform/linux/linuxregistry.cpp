@@ -1,6 +1,7 @@
 #include "linuxregistry.h"
 
 #include "commandtable.h"
+#include "settingsfiles.h"
 
 #include <QLoggingCategory>
 #include <QSettings>
@@ -79,13 +80,18 @@ QVariant UserStoreRegistry::value(const QString &key, const QString &name,
 void UserStoreRegistry::setValue(const QString &key, const QString &name, const QVariant &value)
 {
     QSettings store(storePath(), QSettings::IniFormat);
+    // The sound-scheme refresh writes the same values every few seconds; each real write
+    // rewrites and syncs the whole store.
+    if (iniHoldsValue(store.value(storeKey(key, name)), value))
+        return;
     store.setValue(storeKey(key, name), value);
 }
 
 void UserStoreRegistry::remove(const QString &key, const QString &name)
 {
     QSettings store(storePath(), QSettings::IniFormat);
-    store.remove(storeKey(key, name));
+    if (store.contains(storeKey(key, name)))
+        store.remove(storeKey(key, name));
 }
 
 bool UserStoreRegistry::contains(const QString &key, const QString &name)

@@ -39,8 +39,15 @@ bool LinuxSampler::memoryStatus(quint64 *totalPhysical, quint64 *availablePhysic
 {
     bool haveTotal = false;
     bool haveAvailable = false;
-    const QList<QByteArray> lines = readFile(m_procRoot + QStringLiteral("/meminfo")).split('\n');
-    for (const QByteArray &line : lines) {
+    QFile meminfo(m_procRoot + QStringLiteral("/meminfo"));
+    if (!meminfo.open(QIODevice::ReadOnly))
+        return false;
+    // Both figures come first; the fifty-odd lines after them are never needed.
+    // atEnd() cannot be asked: procfs files report a size of 0.
+    while (!(haveTotal && haveAvailable)) {
+        const QByteArray line = meminfo.readLine();
+        if (line.isEmpty())
+            break;
         const QList<QByteArray> fields = line.simplified().split(' ');
         if (fields.size() < 2)
             continue;

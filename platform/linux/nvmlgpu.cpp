@@ -77,11 +77,20 @@ NvmlGpuSensors::PciScan NvmlGpuSensors::scanPci(const QString &sysRoot)
             !readSysfsText(dir + QStringLiteral("class")).startsWith(QLatin1String("0x03")))
             continue;
         scan.devices << address;
-        const QString state = readSysfsText(dir + QStringLiteral("power/runtime_status"));
-        if (state == QLatin1String("suspended") || state == QLatin1String("suspending"))
-            scan.anySleeping = true;
     }
+    scan.anySleeping = anySleeping(sysRoot, scan.devices);
     return scan;
+}
+
+bool NvmlGpuSensors::anySleeping(const QString &sysRoot, const QStringList &devices)
+{
+    for (const QString &address : devices) {
+        const QString state = readSysfsText(sysRoot + QStringLiteral("/bus/pci/devices/") +
+                                            address + QStringLiteral("/power/runtime_status"));
+        if (state == QLatin1String("suspended") || state == QLatin1String("suspending"))
+            return true;
+    }
+    return false;
 }
 
 bool NvmlGpuSensors::loadLibrary()
@@ -119,11 +128,14 @@ bool NvmlGpuSensors::loadLibrary()
 
 int NvmlGpuSensors::initialize()
 {
-    const PciScan scan = scanPci(m_sysRoot);
-    if (scan.devices.isEmpty())
+    if (!m_scanned) {
+        m_nvidiaDevices = scanPci(m_sysRoot).devices;
+        m_scanned = true;
+    }
+    if (m_nvidiaDevices.isEmpty())
         return kNotFound;
-    if (scan.anySleeping) {
-        m_sleepingGpus = scan.devices.size();
+    if (anySleeping(m_sysRoot, m_nvidiaDevices)) {
+        m_sleepingGpus = m_nvidiaDevices.size();
         return 0;
     }
     if (!loadLibrary())
@@ -255,6 +267,11 @@ QString NvmlGpuSensors::errorMessage(int status)
     default:
         return QStringLiteral("NVML error %1").arg(status);
     }
+}
+
+bool NvmlGpuSensors::absentForGood() const
+{
+    return m_scanned && m_nvidiaDevices.isEmpty();
 }
 
 void NvmlGpuSensors::unload()

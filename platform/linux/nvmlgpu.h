@@ -27,6 +27,7 @@ public:
     int thermalSensor0(int gpu, int *celsius) override;
     QString errorMessage(int status) override;
     void unload() override;
+    bool absentForGood() const override;
 
     // NVIDIA display controllers in sysfs (PCI addresses, in bus order) and whether any of them
     // is runtime-suspended.
@@ -35,6 +36,8 @@ public:
         bool anySleeping = false;
     };
     static PciScan scanPci(const QString &sysRoot);
+    // Whether any of the given NVIDIA devices is runtime-suspended.
+    static bool anySleeping(const QString &sysRoot, const QStringList &devices);
 
 private:
     struct Api;
@@ -47,5 +50,9 @@ private:
     Api *m_api = nullptr;
     bool m_initialised = false;
     int m_sleepingGpus = 0; // > 0: this cycle answers without NVML
+    // The bus is listed once: a display controller does not come and go while we run, and a
+    // listing every second was most of the program's idle work.
+    bool m_scanned = false;
+    QStringList m_nvidiaDevices;
     QVector<void *> m_devices;
 };

@@ -2,11 +2,11 @@
 
 #include <QLoggingCategory>
 
-#include <pulse/context.h>
+#include "pulselibrary.h"
+
 #include <pulse/def.h>
-#include <pulse/introspect.h>
-#include <pulse/thread-mainloop.h>
-#include <pulse/timeval.h>
+
+#include <sys/time.h>
 
 #include <cmath>
 #include <functional>
@@ -14,6 +14,20 @@
 Q_LOGGING_CATEGORY(lcPulse, "varnel.platform.pulse")
 
 namespace {
+
+// Valid once startLoop() has succeeded, which every caller of these functions has passed.
+const PulseLibrary &pa()
+{
+    return *PulseLibrary::get();
+}
+
+pa_volume_t channelLoudest(const pa_cvolume &volume)
+{
+    pa_volume_t loudest = PA_VOLUME_MUTED;
+    for (unsigned i = 0; i < volume.channels; ++i)
+        loudest = qMax(loudest, volume.values[i]);
+    return loudest;
+}
 
 const char kDefaultSink[] = "@DEFAULT_SINK@";
 const quint32 kMuted = 999;
@@ -44,7 +58,7 @@ namespace pulsevolume {
 quint32 percent(const pa_cvolume &volume)
 {
     const float scalar =
-        static_cast<float>(pa_cvolume_max(&volume)) / static_cast<float>(PA_VOLUME_NORM);
+        static_cast<float>(channelLoudest(volume)) / static_cast<float>(PA_VOLUME_NORM);
     return static_cast<quint32>(scalar * 100.0f + 0.5f);
 }
 
@@ -53,7 +67,7 @@ pa_cvolume scaledTo(const pa_cvolume &volume, float level)
     // The loudest channel lands on the level, so none can pass 100 % and the others keep their
     // distance to it.
     const double target = std::lround(double(qBound(0.0f, level, 1.0f)) * PA_VOLUME_NORM);
-    const pa_volume_t loudest = pa_cvolume_max(&volume);
+    const pa_volume_t loudest = channelLoudest(volume);
     pa_cvolume out = volume;
     for (unsigned i = 0; i < volume.channels; ++i) {
         const double scaled =
@@ -93,11 +107,11 @@ public:
     {
         if (!m_loop)
             return;
-        pa_threaded_mainloop_lock(m_loop);
+        pa().threaded_mainloop_lock(m_loop);
         dropContext();
-        pa_threaded_mainloop_unlock(m_loop);
-        pa_threaded_mainloop_stop(m_loop);
-        pa_threaded_mainloop_free(m_loop);
+        pa().threaded_mainloop_unlock(m_loop);
+        pa().threaded_mainloop_stop(m_loop);
+        pa().threaded_mainloop_free(m_loop);
     }
 
     SinkState readDefaultSink()
@@ -107,8 +121,8 @@ public:
         if (!lock.ready)
             return sink;
         sink.loop = m_loop;
-        run(pa_context_get_sink_info_by_name(m_context, kDefaultSink, &Connection::onSinkInfo,
-                                             &sink),
+        run(pa().context_get_sink_info_by_name(m_context, kDefaultSink, &Connection::onSinkInfo,
+                                               &sink),
             [&] { return sink.done; });
         return sink;
     }
@@ -120,16 +134,16 @@ public:
         if (!lock.ready)
             return;
         sink.loop = m_loop;
-        run(pa_context_get_sink_info_by_name(m_context, kDefaultSink, &Connection::onSinkInfo,
-                                             &sink),
+        run(pa().context_get_sink_info_by_name(m_context, kDefaultSink, &Connection::onSinkInfo,
+                                               &sink),
             [&] { return sink.done; });
         if (!sink.found)
             return;
         const pa_cvolume volume = pulsevolume::scaledTo(sink.volume, level);
         Completion done;
         done.loop = m_loop;
-        run(pa_context_set_sink_volume_by_name(m_context, sink.name.constData(), &volume,
-                                               &Connection::onSuccess, &done),
+        run(pa().context_set_sink_volume_by_name(m_context, sink.name.constData(), &volume,
+                                                 &Connection::onSuccess, &done),
             [&] { return done.done; });
     }
 
@@ -140,8 +154,8 @@ public:
             return;
         Completion done;
         done.loop = m_loop;
-        run(pa_context_set_sink_mute_by_name(m_context, kDefaultSink, mute ? 1 : 0,
-                                             &Connection::onSuccess, &done),
+        run(pa().context_set_sink_mute_by_name(m_context, kDefaultSink, mute ? 1 : 0,
+                                               &Connection::onSuccess, &done),
             [&] { return done.done; });
     }
 
@@ -154,13 +168,13 @@ private:
         {
             if (!connection.startLoop())
                 return;
-            pa_threaded_mainloop_lock(connection.m_loop);
+            pa().threaded_mainloop_lock(connection.m_loop);
             ready = connection.ensureContext();
         }
         ~Locked()
         {
             if (connection.m_loop)
-                pa_threaded_mainloop_unlock(connection.m_loop);
+                pa().threaded_mainloop_unlock(connection.m_loop);
         }
         Connection &connection;
         bool ready = false;
@@ -170,9 +184,12 @@ private:
     {
         if (m_loop)
             return true;
-        m_loop = pa_threaded_mainloop_new();
-        if (m_loop && pa_threaded_mainloop_start(m_loop) < 0) {
-            pa_threaded_mainloop_free(m_loop);
+        // Asked on every call while there is none, so a server started later is found.
+        if (!PulseLibrary::serverMayExist() || !PulseLibrary::get())
+            return false;
+        m_loop = pa().threaded_mainloop_new();
+        if (m_loop && pa().threaded_mainloop_start(m_loop) < 0) {
+            pa().threaded_mainloop_free(m_loop);
             m_loop = nullptr;
         }
         return m_loop != nullptr;
@@ -180,25 +197,25 @@ private:
 
     bool ensureContext()
     {
-        if (m_context && pa_context_get_state(m_context) == PA_CONTEXT_READY)
+        if (m_context && pa().context_get_state(m_context) == PA_CONTEXT_READY)
             return true;
         dropContext();
         if (Clock::now() < m_nextAttempt)
             return false;
-        m_context = pa_context_new(pa_threaded_mainloop_get_api(m_loop), "Varnel");
+        m_context = pa().context_new(pa().threaded_mainloop_get_api(m_loop), "Varnel");
         if (!m_context)
             return false;
-        pa_context_set_state_callback(m_context, &Connection::onState, m_loop);
+        pa().context_set_state_callback(m_context, &Connection::onState, m_loop);
         // Never start a server of our own: the user's session owns it.
-        if (pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
+        if (pa().context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
             failed("connect refused");
             return false;
         }
         const bool settled = waitUntil([this] {
-            const pa_context_state_t s = pa_context_get_state(m_context);
+            const pa_context_state_t s = pa().context_get_state(m_context);
             return s == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(s);
         });
-        if (settled && pa_context_get_state(m_context) == PA_CONTEXT_READY)
+        if (settled && pa().context_get_state(m_context) == PA_CONTEXT_READY)
             return true;
         failed(settled ? "no server" : "server did not answer in time");
         return false;
@@ -215,9 +232,9 @@ private:
     {
         if (!m_context)
             return;
-        pa_context_set_state_callback(m_context, nullptr, nullptr);
-        pa_context_disconnect(m_context);
-        pa_context_unref(m_context);
+        pa().context_set_state_callback(m_context, nullptr, nullptr);
+        pa().context_disconnect(m_context);
+        pa().context_unref(m_context);
         m_context = nullptr;
     }
 
@@ -230,10 +247,10 @@ private:
             return;
         }
         if (!waitUntil(done)) {
-            pa_operation_cancel(operation);
+            pa().operation_cancel(operation);
             failed("request timed out");
         }
-        pa_operation_unref(operation);
+        pa().operation_unref(operation);
     }
 
     bool waitUntil(const std::function<bool()> &done)
@@ -242,27 +259,30 @@ private:
             bool expired = false;
             pa_threaded_mainloop *loop;
         } timer{false, m_loop};
-        timeval when;
-        pa_timeval_add(pa_gettimeofday(&when),
-                       static_cast<pa_usec_t>(m_timeout.count()) * PA_USEC_PER_MSEC);
-        pa_mainloop_api *api = pa_threaded_mainloop_get_api(m_loop);
+        // The loop's time events run on the wall clock, as libpulse's own helpers give it.
+        timeval when{};
+        gettimeofday(&when, nullptr);
+        const qint64 usec = qint64(when.tv_usec) + qint64(m_timeout.count()) * 1000;
+        when.tv_sec += static_cast<time_t>(usec / 1000000);
+        when.tv_usec = static_cast<suseconds_t>(usec % 1000000);
+        pa_mainloop_api *api = pa().threaded_mainloop_get_api(m_loop);
         pa_time_event *event = api->time_new(
             api, &when,
             [](pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
                 auto *t = static_cast<Timer *>(data);
                 t->expired = true;
-                pa_threaded_mainloop_signal(t->loop, 0);
+                pa().threaded_mainloop_signal(t->loop, 0);
             },
             &timer);
         while (!done() && !timer.expired)
-            pa_threaded_mainloop_wait(m_loop);
+            pa().threaded_mainloop_wait(m_loop);
         api->time_free(event);
         return done();
     }
 
     static void onState(pa_context *, void *loop)
     {
-        pa_threaded_mainloop_signal(static_cast<pa_threaded_mainloop *>(loop), 0);
+        pa().threaded_mainloop_signal(static_cast<pa_threaded_mainloop *>(loop), 0);
     }
 
     static void onSinkInfo(pa_context *, const pa_sink_info *info, int eol, void *data)
@@ -280,7 +300,7 @@ private:
         }
         if (eol != 0) {
             sink->done = true;
-            pa_threaded_mainloop_signal(sink->loop, 0);
+            pa().threaded_mainloop_signal(sink->loop, 0);
         }
     }
 
@@ -289,7 +309,7 @@ private:
         auto *done = static_cast<Completion *>(data);
         done->ok = success != 0;
         done->done = true;
-        pa_threaded_mainloop_signal(done->loop, 0);
+        pa().threaded_mainloop_signal(done->loop, 0);
     }
 
     std::chrono::milliseconds m_timeout;

@@ -17,8 +17,8 @@ SoundSchemeStore::SoundSchemeStore(std::shared_ptr<Registry> store,
 
 std::shared_ptr<GSettingsKey> SoundSchemeStore::sessionEventSounds()
 {
-    auto key = std::make_shared<GSettingsKey>("org.gnome.desktop.sound", "event-sounds");
-    return key->available() ? key : nullptr;
+    // Whether the desktop has the key is asked at first use; an absent key answers nothing.
+    return std::make_shared<GSettingsKey>("org.gnome.desktop.sound", "event-sounds");
 }
 
 bool SoundSchemeStore::isMarker(const QString &key, const QString &name) const

@@ -15,7 +15,7 @@ public:
     static const char prefix[];
 
     SoundSchemeStore(std::shared_ptr<Registry> store, std::shared_ptr<GSettingsKey> eventSounds);
-    // The GNOME key, or nothing when that desktop setting cannot be used.
+    // The GNOME key; whether that desktop setting can be used is found out at first use.
     static std::shared_ptr<GSettingsKey> sessionEventSounds();
 
     QVariant value(const QString &key, const QString &name, const QVariant &defaultValue) override;

@@ -1,4 +1,5 @@
 #include "pulseaudioendpoint.h"
+#include "pulselibrary.h"
 
 #include <QElapsedTimer>
 #include <QLocalServer>
@@ -165,6 +166,54 @@ private slots:
         QVERIFY(pactl({QStringLiteral("get-sink-mute"), QLatin1String(kSink)}).contains("yes"));
         endpoint.volumeOperation(AudioEndpoint::SetMute, 0, false);
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 111u);
+    }
+
+    // The library is loaded only where a server may answer; the same places libpulse looks.
+    void serverIsLookedForBeforeLoadingTheLibrary_data()
+    {
+        QTest::addColumn<QString>("where");
+        QTest::addColumn<bool>("mayExist");
+        QTest::newRow("nowhere") << QString() << false;
+        QTest::newRow("session socket") << "pulse/native" << true;
+        QTest::newRow("server's runtime path") << "runtime/native" << true;
+        QTest::newRow("client configuration") << "config/pulse/client.conf" << true;
+        QTest::newRow("named server") << "PULSE_SERVER" << true;
+    }
+
+    void serverIsLookedForBeforeLoadingTheLibrary()
+    {
+        QFETCH(QString, where);
+        QFETCH(bool, mayExist);
+        if (QFile::exists(QStringLiteral("/run/pulse/native")))
+            QSKIP("a system-wide server runs here");
+        QTemporaryDir home;
+        const QStringList names{"PULSE_SERVER", "PULSE_RUNTIME_PATH", "XDG_RUNTIME_DIR",
+                                "XDG_CONFIG_HOME"};
+        QMap<QString, QByteArray> saved;
+        for (const QString &name : names)
+            saved[name] = qgetenv(qPrintable(name));
+        qunsetenv("PULSE_SERVER");
+        qputenv("PULSE_RUNTIME_PATH", QFile::encodeName(home.filePath("runtime")));
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
+        if (where == QLatin1String("PULSE_SERVER")) {
+            qputenv("PULSE_SERVER", "tcp:localhost");
+        } else if (!where.isEmpty()) {
+            QVERIFY(QDir(home.path()).mkpath(QFileInfo(home.filePath(where)).path()));
+            QFile file(home.filePath(where));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("; a comment\ndefault-server = unix:/somewhere/native\n");
+        }
+        const bool found = PulseLibrary::serverMayExist();
+        for (const QString &name : names) {
+            if (saved[name].isNull())
+                qunsetenv(qPrintable(name));
+            else
+                qputenv(qPrintable(name), saved[name]);
+        }
+        if (!mayExist && found)
+            QSKIP("this machine's own client configuration names a server");
+        QCOMPARE(found, mayExist);
     }
 
     void noServerMeansNoDevice()

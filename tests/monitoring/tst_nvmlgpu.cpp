@@ -15,6 +15,7 @@ private slots:
     void noNvidiaGpuFailsWithoutLoadingTheLibrary();
     void missingLibraryFailsQuietly();
     void sleepingGpuIsNeverTouched();
+    void aGpuThatFallsAsleepIsLeftAloneFromThatCycle();
     void awakeGpuIsReadAndShutDownEveryCycle();
     void unreportedUtilisationIsNotPresent();
     void versionedTemperatureWhenThePlainOneIsGone();
@@ -76,10 +77,20 @@ void NvmlGpuTest::onlyNvidiaDisplayControllersCount()
 void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
 {
     NvmlGpuSensors gpu(library("fakenvml"), tree("no-nvidia"));
+    QVERIFY(!gpu.absentForGood()); // nothing is known before the first look
     QVERIFY(gpu.initialize() != 0);
     QCOMPARE(m_script->initCalls, 0);
     gpu.unload();
     QCOMPARE(m_script->shutdownCalls, 0);
+    QVERIFY(gpu.absentForGood());
+
+    // The thread shows the zeros once and then ends by itself instead of polling for nothing.
+    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("no-nvidia")));
+    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+    loop.start();
+    QVERIFY(loop.wait(10000));
+    QCOMPARE(temperature.size(), 1);
+    QCOMPARE(temperature.at(0).at(0).toInt(), 0);
 }
 
 void NvmlGpuTest::missingLibraryFailsQuietly()
@@ -127,6 +138,43 @@ void NvmlGpuTest::sleepingGpuIsNeverTouched()
     QCOMPARE(pstate.size(), 0);
     QCOMPARE(m_script->initCalls, 0);
     QCOMPARE(m_script->queries, 0);
+}
+
+void NvmlGpuTest::aGpuThatFallsAsleepIsLeftAloneFromThatCycle()
+{
+    // A copy of the awake tree whose power state the test changes between cycles.
+    QTemporaryDir sys;
+    const QDir from(tree("gpu-awake"));
+    QDirIterator files(from.path(), QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString target = sys.filePath(from.relativeFilePath(files.next()));
+        QVERIFY(QDir().mkpath(QFileInfo(target).path()));
+        QVERIFY(QFile::copy(files.filePath(), target));
+    }
+    const QString device = sys.filePath(QStringLiteral("bus/pci/devices/0000:01:00.0/"));
+    auto setPowerState = [&](const QByteArray &state) {
+        QFile file(device + QStringLiteral("power/runtime_status"));
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(state + '\n');
+    };
+
+    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.path()));
+    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+    loop.pollOnce();
+    QCOMPARE(m_script->initCalls, 1);
+    QCOMPARE(temperature.takeLast().at(0).toInt(), 61);
+
+    setPowerState("suspended");
+    // The bus was listed in the first cycle; later cycles read only the GPU's power state.
+    QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
+    loop.pollOnce();
+    QCOMPARE(m_script->initCalls, 1);
+    QCOMPARE(temperature.takeLast().at(0).toInt(), 0);
+
+    setPowerState("active");
+    loop.pollOnce();
+    QCOMPARE(m_script->initCalls, 2);
+    QCOMPARE(temperature.takeLast().at(0).toInt(), 61);
 }
 
 void NvmlGpuTest::awakeGpuIsReadAndShutDownEveryCycle()

@@ -17,6 +17,9 @@ class LinuxPowerTest : public QObject {
 private slots:
     void acLineStatus_data();
     void acLineStatus();
+    void oneReaderFollowsPlugsAndVanishedSupplies();
+    void tableRowsMatchWholeLines_data();
+    void tableRowsMatchWholeLines();
     void adaptiveBrightnessSetsAmbientLight_data();
     void adaptiveBrightnessSetsAmbientLight();
     void settingsPagesOpenTheDesktopPanels();
@@ -79,6 +82,71 @@ void LinuxPowerTest::acLineStatus()
         }
     }
     QCOMPARE(SysfsPowerSupply(dir.path()).acLineStatus(), status);
+}
+
+void LinuxPowerTest::oneReaderFollowsPlugsAndVanishedSupplies()
+{
+    QTemporaryDir dir;
+    auto write = [&](const QString &name, const QByteArray &file, const QByteArray &text) {
+        QDir(dir.path()).mkpath(name);
+        QFile out(dir.filePath(name + QLatin1Char('/') + QLatin1String(file)));
+        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(text + '\n');
+    };
+    write(QStringLiteral("AC"), "type", "Mains");
+    write(QStringLiteral("AC"), "online", "0");
+    write(QStringLiteral("ADP2"), "type", "Mains");
+    write(QStringLiteral("ADP2"), "online", "0");
+    SysfsPowerSupply supply(dir.path());
+    QCOMPARE(supply.acLineStatus(), 0);
+
+    write(QStringLiteral("AC"), "online", "1");
+    QCOMPARE(supply.acLineStatus(), 1);
+    write(QStringLiteral("AC"), "online", "0");
+    QCOMPARE(supply.acLineStatus(), 0);
+
+    // Supplies that go away are noticed: none left means no line supply at all.
+    QVERIFY(QDir(dir.filePath(QStringLiteral("AC"))).removeRecursively());
+    QVERIFY(QDir(dir.filePath(QStringLiteral("ADP2"))).removeRecursively());
+    QCOMPARE(supply.acLineStatus(), 255);
+}
+
+void LinuxPowerTest::tableRowsMatchWholeLines_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("matches");
+    QTest::newRow("optional letter, left out") << "powercfg -lists?x"
+                                               << "powercfg -listx" << true;
+    QTest::newRow("optional letter, given") << "powercfg -lists?x"
+                                            << "powercfg -listsx" << true;
+    QTest::newRow("repeated letter") << "net stops*x"
+                                     << "net stopx" << true;
+    QTest::newRow("counted letter") << "ab{2}c"
+                                    << "abbc" << true;
+    QTest::newRow("inline case option") << "(?i)WMIC Path"
+                                        << "wmic path" << true;
+    QTest::newRow("escaped dot") << "explorer a\\.b"
+                                 << "explorer a.b" << true;
+    QTest::newRow("escaped dot, other text") << "explorer a\\.b"
+                                             << "explorer axb" << false;
+    QTest::newRow("other command") << "tasklist /fi"
+                                   << "taskkill /fi" << false;
+    QTest::newRow("longer line") << "tasklist"
+                                 << "tasklist /v" << false;
+}
+
+void LinuxPowerTest::tableRowsMatchWholeLines()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, line);
+    QFETCH(bool, matches);
+    CommandTable table;
+    table.add(QStringLiteral("unrelated"),
+              [](const QRegularExpressionMatch &) { return QString(); });
+    table.add(pattern, [](const QRegularExpressionMatch &) { return QStringLiteral("row"); });
+    QCOMPARE(table.run(line),
+             matches ? std::optional<QString>(QStringLiteral("row")) : std::nullopt);
 }
 
 void LinuxPowerTest::adaptiveBrightnessSetsAmbientLight_data()

@@ -3,6 +3,19 @@
 
 #include <QtTest>
 
+#include <sys/stat.h>
+
+namespace {
+
+// Each rewrite of an INI file replaces it by a new one, so a new inode means a rewrite.
+ino_t inode(const QString &path)
+{
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
+}
+
+} // namespace
+
 class TestSettingsFiles : public QObject {
     Q_OBJECT
 
@@ -63,6 +76,52 @@ private slots:
         QSettings raw(folder.file(QStringLiteral("updates/work.ini")), QSettings::IniFormat);
         QCOMPARE(raw.value(QStringLiteral("workqueue/Varnel")).toBool(), true);
         QVERIFY(!raw.contains(QStringLiteral("settings/Varnel")));
+    }
+
+    void onlyChangesRewriteTheFile_data()
+    {
+        QTest::addColumn<QVariant>("stored"); // invalid: the key is missing
+        QTest::addColumn<QVariant>("written");
+        QTest::addColumn<bool>("rewritten");
+        QTest::newRow("same text") << QVariant("silent") << QVariant("silent") << false;
+        QTest::newRow("other text") << QVariant("silent") << QVariant("maximum") << true;
+        QTest::newRow("same bool") << QVariant(true) << QVariant(true) << false;
+        QTest::newRow("bool turned off") << QVariant(true) << QVariant(false) << true;
+        QTest::newRow("same number") << QVariant(40) << QVariant(40) << false;
+        QTest::newRow("number as its text") << QVariant(40) << QVariant("40") << false;
+        QTest::newRow("other number") << QVariant(40) << QVariant(41) << true;
+        QTest::newRow("same fraction") << QVariant(1.5) << QVariant(1.5) << false;
+        QTest::newRow("same bytes")
+            << QVariant(QByteArray("\x01\x02", 2)) << QVariant(QByteArray("\x01\x02", 2)) << false;
+        QTest::newRow("other bytes")
+            << QVariant(QByteArray("\x01\x02", 2)) << QVariant(QByteArray("\x01\x03", 2)) << true;
+        // A missing key reads as false, yet writing false must still store it.
+        QTest::newRow("missing key") << QVariant() << QVariant(false) << true;
+        QTest::newRow("text that reads like a bool") << QVariant("true") << QVariant(true) << false;
+    }
+
+    void onlyChangesRewriteTheFile()
+    {
+        QFETCH(QVariant, stored);
+        QFETCH(QVariant, written);
+        QFETCH(bool, rewritten);
+        TestFolder folder;
+        const SettingsFile general = Settings().general();
+        general.setValue(QStringLiteral("other"), 1);
+        if (stored.isValid())
+            general.setValue(QStringLiteral("key"), stored);
+        const QString path = folder.file(QStringLiteral("settings/varnel.ini"));
+        const ino_t before = inode(path);
+        QVERIFY(before != 0);
+
+        general.setValue(QStringLiteral("key"), written);
+        QCOMPARE(inode(path) != before, rewritten);
+        QCOMPARE(general.value(QStringLiteral("key")).toString(), written.toString());
+
+        // Removing a key that is not there changes nothing either.
+        const ino_t kept = inode(path);
+        general.remove(QStringLiteral("absent"));
+        QCOMPARE(inode(path), kept);
     }
 
     void theFirstWriteCreatesAMissingFolder()
