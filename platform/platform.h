@@ -17,6 +17,7 @@ class SleepNotifier;
 class Desktop;
 class Dialogs;
 class Scheduler;
+class PrivilegedAccess;
 
 // One implementation of every operating-system concern. The native bundle is chosen in one
 // place (nativePlatform()); tests build the window over a fake bundle.
@@ -36,6 +37,8 @@ struct Platform {
     std::shared_ptr<Desktop> desktop;
     std::shared_ptr<Dialogs> dialogs;
     std::shared_ptr<Scheduler> scheduler;
+    // Null where the program itself may do what needs root.
+    std::shared_ptr<PrivilegedAccess> privileged;
 };
 
 Platform nativePlatform();

@@ -10,6 +10,8 @@ packages=(
   libpulse-dev libddcutil-dev
   # running and testing headless
   xvfb xauth x11-utils imagemagick dbus pulseaudio gsettings-desktop-schemas libglib2.0-bin
+  # the system helper's bus tests: a stand-in polkit daemon
+  python3-dbusmock
   # the Windows lane: cross compiler and Wine
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
 )

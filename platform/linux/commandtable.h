@@ -14,16 +14,24 @@
 class CommandTable {
 public:
     using Handler = std::function<QString(const QRegularExpressionMatch &match)>;
+    using Reply = std::function<void(const QString &output)>;
+    // A row whose work ends later (a call to the system helper); it calls reply exactly once.
+    using AsyncHandler = std::function<void(const QRegularExpressionMatch &match, Reply reply)>;
 
     void add(const QString &pattern, Handler handler);
-    // The output of the matching row, or nothing when no row matches.
-    std::optional<QString> run(const QString &commandLine) const;
+    void addAsync(const QString &pattern, AsyncHandler handler);
+    // The output of the matching row, or nothing when no row matches. A later row's output is
+    // waited for up to timeoutMs in a local event loop, as a waited-for child process is.
+    std::optional<QString> run(const QString &commandLine, int timeoutMs = 30000) const;
+    // Starts the matching row; false when no row matches.
+    bool start(const QString &commandLine, Reply reply) const;
     bool knows(const QString &commandLine) const;
 
 private:
     struct Row {
         QRegularExpression pattern;
         Handler handler;
+        AsyncHandler asyncHandler;
     };
     const Row *find(const QString &commandLine, QRegularExpressionMatch *match) const;
     QVector<Row> m_rows;

@@ -10,9 +10,10 @@ void LinuxDesktop::openUrl(const QUrl &url)
 
 bool LinuxDesktop::systemFileExists(const QString &path)
 {
-    // Windows system paths ("C://...") name nothing here.
+    // Windows system paths ("C://...") name nothing here, but the tuning utility is installed
+    // exactly when the helper that stands in for it is.
     if (path.size() > 1 && path.at(1) == QLatin1Char(':'))
-        return false;
+        return path.endsWith(QLatin1String("\\XtuService.exe")) && m_helperAvailable();
     return QFile::exists(path);
 }
 

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "privileged.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QVariantList>
+
+#include <functional>
+#include <utility>
+
+// Calls varnel-helper over the system bus without blocking the window, and keeps why it last
+// could not act so that the controls can say so.
+class HelperClient : public PrivilegedAccess {
+public:
+    using Done = std::function<void(const QDBusMessage &reply)>;
+
+    explicit HelperClient(std::function<bool()> available);
+
+    // done runs on the GUI thread with the reply or the error.
+    void call(const QString &method, const QVariantList &arguments, Done done);
+
+    QString unavailableReason() const override;
+    QString takeRefusal() override { return std::exchange(m_lastRefusal, QString()); }
+
+    // An error reply in the words a tool tip shows.
+    static QString describe(const QDBusMessage &error);
+
+private:
+    std::function<bool()> m_available;
+    QString m_lastRefusal;
+};
