@@ -3,12 +3,14 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 
 HelperService::HelperService(const SysTree &tree, PolkitAuthority *authority, int idleExitMs,
                              QObject *parent)
     : QObject(parent), m_processor(tree), m_msrBus(tree), m_power(tree, &m_msrBus),
       m_registers(m_msrBus), m_camera(tree), m_authority(authority)
 {
+    qDBusRegisterMetaType<QList<int>>();
     // Started on demand, so it leaves once nobody has needed it for a while.
     m_idle.setSingleShot(true);
     m_idle.setInterval(idleExitMs);

@@ -11,4 +11,7 @@ public:
     // Whether a file at a system path (for example under "C://Program Files") exists.
     virtual bool systemFileExists(const QString &path) = 0;
     virtual bool copySystemFile(const QString &from, const QString &to) = 0;
+    // Why Windows tools kept beside the program (ThrottleStop) cannot run here; empty where they
+    // can.
+    virtual QString windowsToolsUnavailable() const { return QString(); }
 };

@@ -2,6 +2,7 @@
 
 #include "systemhelper.h"
 
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QLoggingCategory>
 
@@ -12,7 +13,10 @@ namespace {
 constexpr int kCallTimeoutMs = 310 * 1000;
 } // namespace
 
-HelperClient::HelperClient(std::function<bool()> available) : m_available(std::move(available)) {}
+HelperClient::HelperClient(std::function<bool()> available) : m_available(std::move(available))
+{
+    qDBusRegisterMetaType<QList<int>>();
+}
 
 QString HelperClient::unavailableReason() const
 {

@@ -23,3 +23,9 @@ bool LinuxDesktop::copySystemFile(const QString &from, const QString &to)
         return false;
     return QFile::copy(from, to);
 }
+
+QString LinuxDesktop::windowsToolsUnavailable() const
+{
+    return QStringLiteral("ThrottleStop is a Windows program. On Linux the CPU Tuning tab tunes "
+                          "the processor through the system helper.");
+}

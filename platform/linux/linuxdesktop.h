@@ -14,6 +14,7 @@ public:
     void openUrl(const QUrl &url) override;
     bool systemFileExists(const QString &path) override;
     bool copySystemFile(const QString &from, const QString &to) override;
+    QString windowsToolsUnavailable() const override;
 
 private:
     std::function<bool()> m_helperAvailable;

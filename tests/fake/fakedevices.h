@@ -121,8 +121,10 @@ public:
     void openUrl(const QUrl &url) override;
     bool systemFileExists(const QString &path) override { return existing.contains(path); }
     bool copySystemFile(const QString &from, const QString &to) override;
+    QString windowsToolsUnavailable() const override { return windowsTools; }
 
     QStringList existing; // system paths that exist
+    QString windowsTools; // why Windows tools cannot run; empty: they can
 
 private:
     SharedLog m_log;
