@@ -52,8 +52,10 @@ void HelperClient::call(const QString &method, const QVariantList &arguments, Do
                          watcher->deleteLater();
                          const QDBusMessage reply = watcher->reply();
                          if (reply.type() == QDBusMessage::ErrorMessage) {
-                             m_lastRefusal = describe(reply);
-                             qCDebug(lcHelper) << method << reply.errorName() << m_lastRefusal;
+                             const QString why = describe(reply);
+                             qCDebug(lcHelper) << method << reply.errorName() << why;
+                             if (!m_refusals.contains(why))
+                                 m_refusals << why;
                          }
                          done(reply);
                      });

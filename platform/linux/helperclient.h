@@ -21,12 +21,15 @@ public:
     void call(const QString &method, const QVariantList &arguments, Done done);
 
     QString unavailableReason() const override;
-    QString takeRefusal() override { return std::exchange(m_lastRefusal, QString()); }
+    QString takeRefusal() override
+    {
+        return std::exchange(m_refusals, QStringList()).join(QLatin1Char('\n'));
+    }
 
     // An error reply in the words a tool tip shows.
     static QString describe(const QDBusMessage &error);
 
 private:
     std::function<bool()> m_available;
-    QString m_lastRefusal;
+    QStringList m_refusals; // each reason once, in the order they came
 };

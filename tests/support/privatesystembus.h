@@ -32,7 +32,8 @@ public:
                              "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
                              "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
                              "<servicedir>%2</servicedir><policy context=\"default\">"
-                             "<allow send_destination=\"*\"/><allow own=\"*\"/></policy>"
+                             "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
+                             "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy>"
                              "</busconfig>\n")
                   .arg(socket, services));
         write(services + QStringLiteral("/org.varnel.Helper.service"),
