@@ -33,6 +33,7 @@ private slots:
     void applyWritesThroughTheHelper();
     void refusalIsShown();
     void missingHelperDisablesManageCpu();
+    void powerModeLimitsReachTheHelper();
 
 private:
     void startWindow(std::function<bool()> available);
@@ -73,6 +74,7 @@ void TestHelperWindow::startWindow(std::function<bool()> available)
     auto helper = std::make_shared<HelperClient>(std::move(available));
     auto table = std::make_shared<CommandTable>();
     addTuningCommands(*table, helper);
+    addProcessorLimitCommands(*table, helper);
     m_fake = std::make_unique<FakePlatform>();
     Platform bundle = m_fake->bundle();
     bundle.commands = std::make_shared<LinuxCommandRunner>(table);
@@ -144,6 +146,21 @@ void TestHelperWindow::missingHelperDisablesManageCpu()
     Ui::MainWindow *ui = m_window->form();
     QVERIFY(!ui->checkBox_DontManageCPU->isEnabled());
     QVERIFY(ui->checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
+}
+
+void TestHelperWindow::powerModeLimitsReachTheHelper()
+{
+    m_tree.putPstate();
+    m_bus.allow({helperaction::read, helperaction::processorLimits});
+    startWindow(systemHelperAvailable);
+    Ui::MainWindow *ui = m_window->form();
+    ui->silent_cpu_min->setValue(30);
+    ui->silent_cpu_max->setValue(70);
+    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMin"));
+    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMax"));
+    const QString pstate = QStringLiteral("sys/devices/system/cpu/intel_pstate/");
+    QCOMPARE(m_tree.get(pstate + QStringLiteral("min_perf_pct")), QByteArray("30"));
+    QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
 }
 
 QTEST_MAIN(TestHelperWindow)

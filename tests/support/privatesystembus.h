@@ -3,10 +3,14 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusReply>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <csignal>
+#include <sys/types.h>
 
 // A system bus of the test's own (its own socket, config and service folder) that starts
 // varnel-helper on demand over a fake tree, with a stand-in polkit daemon. It must be
@@ -15,6 +19,20 @@ class PrivateSystemBus {
 public:
     ~PrivateSystemBus()
     {
+        // The helper the bus started leaves with the test, not a minute later.
+        const QDBusReply<uint> helper = QDBusConnection::systemBus().interface()->servicePid(
+            QStringLiteral("org.varnel.Helper"));
+        if (helper.isValid() && helper.value() > 0) {
+            ::kill(pid_t(helper.value()), SIGTERM);
+            // Gone from the bus first, so that the daemon that started it also reaps it.
+            QTest::qWaitFor(
+                [] {
+                    return !QDBusConnection::systemBus().interface()->isServiceRegistered(
+                        QStringLiteral("org.varnel.Helper"));
+                },
+                3000);
+            QTest::qWait(200);
+        }
         for (QProcess *process : {&m_polkit, &m_daemon}) {
             process->terminate();
             process->waitForFinished(3000);
@@ -27,14 +45,15 @@ public:
         const QString services = m_dir.filePath(QStringLiteral("services"));
         QDir().mkpath(services);
         write(m_dir.filePath(QStringLiteral("bus.conf")),
-              QStringLiteral("<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus "
-                             "Configuration 1.0//EN\" "
-                             "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-                             "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
-                             "<servicedir>%2</servicedir><policy context=\"default\">"
-                             "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
-                             "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy>"
-                             "</busconfig>\n")
+              QStringLiteral(
+                  "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus "
+                  "Configuration 1.0//EN\" "
+                  "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
+                  "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
+                  "<servicedir>%2</servicedir><policy context=\"default\">"
+                  "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
+                  "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy>"
+                  "</busconfig>\n")
                   .arg(socket, services));
         write(services + QStringLiteral("/org.varnel.Helper.service"),
               QStringLiteral("[D-BUS Service]\nName=org.varnel.Helper\n"
@@ -43,7 +62,9 @@ public:
         // The helper inherits this from the daemon that starts it.
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray("unix:path=") + QFile::encodeName(socket));
 
-        m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // The helper inherits the daemon's output; the test's own would stay open as long.
+        m_daemon.setStandardOutputFile(QProcess::nullDevice());
+        m_daemon.setStandardErrorFile(QProcess::nullDevice());
         m_daemon.start(QStringLiteral("dbus-daemon"),
                        {QStringLiteral("--nofork"),
                         QStringLiteral("--config-file=") + m_dir.filePath("bus.conf")});
