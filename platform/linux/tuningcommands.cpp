@@ -79,8 +79,9 @@ void read(HelperClient &helper, int id, const CommandTable::Reply &reply)
                                    QStringLiteral("1.0 Seconds"), QStringLiteral("128.0 Seconds")));
         });
     } else if (const int index = coreIndex(id); index >= 0) {
-        // As the client does, a processor with fewer cores has no row for more active cores.
-        if (index >= machineCores())
+        // As the client does, a processor with fewer cores has no rows for 5 ... 8 active
+        // cores; the register holds all eight, so rows 1 ... 4 always come from it.
+        if (index >= 4 && index >= machineCores())
             return reply(QStringLiteral("Invalid Id\r\n"));
         helper.call(
             QStringLiteral("ReadTurboRatios"), {}, [reply, id, index](const QDBusMessage &answer) {
