@@ -108,7 +108,8 @@ void PolkitAuthority::check(const QString &busName, const QString &actionId,
                                                     "and no authentication agent is running "
                                                     "to ask for it.")));
             else
-                done(Outcome::refuse(helpererror::notAuthorized,
-                                     QStringLiteral("Not authorised (%1).").arg(actionId)));
+                done(Outcome::refuse(
+                    helpererror::notAuthorized,
+                    QStringLiteral("permission was not given (%1).").arg(actionId)));
         });
 }

@@ -39,7 +39,8 @@ QString HelperClient::describe(const QDBusMessage &error)
     return error.errorMessage();
 }
 
-void HelperClient::call(const QString &method, const QVariantList &arguments, Done done)
+void HelperClient::call(const QString &method, const QVariantList &arguments, Done done,
+                        Caller caller)
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
         QLatin1String(kSystemHelperService), QStringLiteral("/org/varnel/Helper"),
@@ -48,13 +49,13 @@ void HelperClient::call(const QString &method, const QVariantList &arguments, Do
     auto *watcher = new QDBusPendingCallWatcher(
         QDBusConnection::systemBus().asyncCall(message, kCallTimeoutMs));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-                     [this, watcher, method, done](QDBusPendingCallWatcher *) {
+                     [this, watcher, method, done, caller](QDBusPendingCallWatcher *) {
                          watcher->deleteLater();
                          const QDBusMessage reply = watcher->reply();
                          if (reply.type() == QDBusMessage::ErrorMessage) {
                              const QString why = describe(reply);
                              qCDebug(lcHelper) << method << reply.errorName() << why;
-                             if (!m_refusals.contains(why))
+                             if (caller == Caller::Tuning && !m_refusals.contains(why))
                                  m_refusals << why;
                          }
                          done(reply);

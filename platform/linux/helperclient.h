@@ -17,8 +17,12 @@ public:
 
     explicit HelperClient(std::function<bool()> available);
 
+    // Whose controls hear of a refusal: the tuning tab asks for its own reasons only.
+    enum class Caller { Tuning, Other };
+
     // done runs on the GUI thread with the reply or the error.
-    void call(const QString &method, const QVariantList &arguments, Done done);
+    void call(const QString &method, const QVariantList &arguments, Done done,
+              Caller caller = Caller::Tuning);
 
     QString unavailableReason() const override;
     QString takeRefusal() override

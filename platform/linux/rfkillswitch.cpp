@@ -57,7 +57,9 @@ void LinuxDeviceSwitches::setSwitch(int switchId, int value)
     }
     case Camera:
         if (m_helper)
-            m_helper->call(QStringLiteral("SetCamera"), {value != 0}, [](const QDBusMessage &) {});
+            m_helper->call(
+                QStringLiteral("SetCamera"), {value != 0}, [](const QDBusMessage &) {},
+                HelperClient::Caller::Other);
         else
             qCDebug(lcSwitches) << "camera switch needs the privileged helper; unchanged";
         break;

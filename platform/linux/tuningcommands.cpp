@@ -181,8 +181,9 @@ void addProcessorLimitCommands(CommandTable &table, std::shared_ptr<HelperClient
             const QString method = match.captured(1) == QLatin1String("MIN")
                                        ? QStringLiteral("SetProcessorMinimum")
                                        : QStringLiteral("SetProcessorMaximum");
-            helper->call(method, {match.captured(2).toInt()},
-                         [reply](const QDBusMessage &) { reply(QString()); });
+            helper->call(
+                method, {match.captured(2).toInt()},
+                [reply](const QDBusMessage &) { reply(QString()); }, HelperClient::Caller::Other);
         });
     // Linux keeps one limit for mains and battery; the AC line already wrote this value.
     table.add(QStringLiteral("powercfg -setdcvalueindex SCHEME_CURRENT SUB_PROCESSOR "
