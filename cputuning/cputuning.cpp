@@ -5,6 +5,7 @@
 #include "desktop.h"
 #include "dialogs.h"
 #include "keys.h"
+#include "privileged.h"
 #include "scheduler.h"
 #include "tuningformat.h"
 #include "ui_mainwindow.h"
@@ -89,6 +90,24 @@ void CpuTuning::applyStartupDecision()
         ui.Button_ApplyValues->setEnabled(false);
     }
     ui.turbo_override->setEnabled(ui.checkBox_DontManageCPU->isChecked());
+    showPrivilegedState();
+}
+
+// Where tuning goes through a separate helper, the tab says when it is missing or refused,
+// instead of keeping figures that were never read.
+void CpuTuning::showPrivilegedState()
+{
+    if (!m_platform.privileged)
+        return;
+    const QString missing = m_platform.privileged->unavailableReason();
+    const QString refusal = m_platform.privileged->takeRefusal();
+    const QString why = missing.isEmpty() ? refusal : missing;
+    if (!missing.isEmpty() && !ui.checkBox_DontManageCPU->isChecked())
+        ui.checkBox_DontManageCPU->setEnabled(false);
+    for (QWidget *control :
+         {static_cast<QWidget *>(ui.checkBox_DontManageCPU), static_cast<QWidget *>(ui.frame_2),
+          static_cast<QWidget *>(ui.frame_3), static_cast<QWidget *>(ui.Button_ApplyValues)})
+        control->setToolTip(why);
 }
 
 void CpuTuning::loadRecommended()

@@ -174,6 +174,7 @@ private:
     void connectWriteChain();
     void connectReadChain();
     void applyStartupDecision();
+    void showPrivilegedState();
     void applyTurboLimits(const TurboLimits &limits);
 
     void coreOut(int cores);

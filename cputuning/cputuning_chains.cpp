@@ -303,6 +303,7 @@ void CpuTuning::terminateprocess()
     ui.Button_ApplyValues->setEnabled(false);
     if (ui.checkBox_ReApply->isChecked() && !reapplyDone)
         comprareXTU();
+    showPrivilegedState();
     emit readChainFinished();
 }
 

@@ -2,6 +2,7 @@
 
 #include "commandrunner.h"
 #include "cpulog.h"
+#include "desktop.h"
 #include "dialogs.h"
 #include "keys.h"
 #include "scheduler.h"
@@ -110,6 +111,10 @@ void ThrottleStopManager::restartts()
 void ThrottleStopManager::tscheckstatus()
 {
     if (QFile::exists(localPath(kProgramForStart))) {
+        if (const QString why = m_platform.desktop->windowsToolsUnavailable(); !why.isEmpty()) {
+            disableAll(why);
+            return;
+        }
         tscheckstatusresult(m_platform.commands->runAndRead(QStringLiteral("tasklist"), 30000));
         return;
     }
@@ -118,6 +123,17 @@ void ThrottleStopManager::tscheckstatus()
     qCDebug(lcCpuTuning) << "no ThrottleStop in the install folder; its tab goes";
     ui.tabWidget->removeTab(2);
     tsTabRemoved = true;
+}
+
+void ThrottleStopManager::disableAll(const QString &why)
+{
+    for (QWidget *control : std::initializer_list<QWidget *>{
+             ui.Check_StartTScheck, ui.Browser_SettingsTS, ui.Button_ApplyTSsettings,
+             ui.Button_OpenTS, ui.Button_KillTS, ui.Button_ResetTS}) {
+        control->setEnabled(false);
+        control->setToolTip(why);
+    }
+    ui.Label_TSstatus->setText(QStringLiteral("Status: TS is not running!"));
 }
 
 void ThrottleStopManager::tscheckstatusresult(const QString &text)

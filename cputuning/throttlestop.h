@@ -38,6 +38,7 @@ public slots:
     void tscheckstatusresult(const QString &text);
 
 private:
+    void disableAll(const QString &why);
     void showInformation(const QString &text);
     void killAndRestart();
 

@@ -13,4 +13,7 @@ public:
     virtual bool copySystemFile(const QString &from, const QString &to) = 0;
     // Whether a window's transparent parts show what lies behind it (a compositor runs).
     virtual bool translucentWindows() { return true; }
+    // Why Windows tools kept beside the program (ThrottleStop) cannot run here; empty where they
+    // can.
+    virtual QString windowsToolsUnavailable() const { return QString(); }
 };

@@ -21,6 +21,7 @@ class Desktop;
 class Dialogs;
 class Scheduler;
 class Availability;
+class PrivilegedAccess;
 
 // One implementation of every operating-system concern. The native bundle is chosen in one
 // place (nativePlatform()); tests build the window over a fake bundle.
@@ -42,6 +43,8 @@ struct Platform {
     std::shared_ptr<Dialogs> dialogs;
     std::shared_ptr<Scheduler> scheduler;
     std::shared_ptr<Availability> availability;
+    // Null where the program itself may do what needs root.
+    std::shared_ptr<PrivilegedAccess> privileged;
 };
 
 Platform nativePlatform();

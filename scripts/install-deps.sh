@@ -14,6 +14,8 @@ packages=(
   clang libclang-rt-14-dev
   # the Debian package and its checks
   lintian file
+  # the system helper's bus tests: a stand-in polkit daemon
+  python3-dbusmock
   # the Windows lane: cross compiler and Wine
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
 )

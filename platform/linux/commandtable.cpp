@@ -1,6 +1,10 @@
 #include "commandtable.h"
 
 #include <QDir>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <memory>
 
 namespace {
 
@@ -22,7 +26,13 @@ QString literalStart(const QString &pattern)
 void CommandTable::add(const QString &pattern, Handler handler, std::function<bool()> available)
 {
     m_rows.push_back({QRegularExpression(QRegularExpression::anchoredPattern(pattern)),
-                      std::move(handler), std::move(available), literalStart(pattern)});
+                      std::move(handler), std::move(available), literalStart(pattern), AsyncHandler()});
+}
+
+void CommandTable::addAsync(const QString &pattern, AsyncHandler handler)
+{
+    m_rows.push_back({QRegularExpression(QRegularExpression::anchoredPattern(pattern)), Handler(),
+                      {}, literalStart(pattern), std::move(handler)});
 }
 
 const CommandTable::Row *CommandTable::find(const QString &commandLine,
@@ -40,13 +50,39 @@ const CommandTable::Row *CommandTable::find(const QString &commandLine,
     return nullptr;
 }
 
-std::optional<QString> CommandTable::run(const QString &commandLine) const
+std::optional<QString> CommandTable::run(const QString &commandLine, int timeoutMs) const
 {
     QRegularExpressionMatch match;
     const Row *row = find(commandLine, &match);
     if (!row)
         return std::nullopt;
-    return row->handler(match);
+    if (row->handler)
+        return row->handler(match);
+    auto output = std::make_shared<std::optional<QString>>();
+    auto loop = std::make_shared<QEventLoop>();
+    row->asyncHandler(match, [output, loop](const QString &text) {
+        *output = text;
+        loop->quit();
+    });
+    if (!output->has_value()) {
+        if (timeoutMs >= 0)
+            QTimer::singleShot(timeoutMs, loop.get(), &QEventLoop::quit);
+        loop->exec();
+    }
+    return output->value_or(QString());
+}
+
+bool CommandTable::start(const QString &commandLine, Reply reply) const
+{
+    QRegularExpressionMatch match;
+    const Row *row = find(commandLine, &match);
+    if (!row)
+        return false;
+    if (row->handler)
+        reply(row->handler(match));
+    else
+        row->asyncHandler(match, std::move(reply));
+    return true;
 }
 
 bool CommandTable::knows(const QString &commandLine) const

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QPointer>
 #include <QProcess>
 #include <QTimer>
 
@@ -20,9 +21,9 @@ LinuxCommandRunner::LinuxCommandRunner(std::shared_ptr<const CommandTable> table
         m_installFolder = QCoreApplication::applicationDirPath();
 }
 
-QString LinuxCommandRunner::runAndRead(const QString &commandLine, int)
+QString LinuxCommandRunner::runAndRead(const QString &commandLine, int timeoutMs)
 {
-    if (auto output = m_table->run(commandLine))
+    if (auto output = m_table->run(commandLine, timeoutMs))
         return *output;
     qCDebug(lcCommands) << "no Linux equivalent for" << commandLine;
     return QString();
@@ -84,6 +85,9 @@ void LinuxAsyncProcess::start(const QString &program, const QStringList &argumen
 {
     if (isRunning())
         return;
+    // A program the table knows (the tuning client) is answered natively, like a command line.
+    if (startFromTable(program + QLatin1Char(' ') + arguments.join(QLatin1Char(' '))))
+        return;
     m_real->start(program, arguments);
 }
 
@@ -91,20 +95,34 @@ void LinuxAsyncProcess::startCommand(const QString &commandLine)
 {
     if (isRunning())
         return;
-    if (auto output = m_table->run(commandLine)) {
-        answer(*output);
+    if (startFromTable(commandLine))
         return;
-    }
     m_real->startCommand(commandLine);
+}
+
+bool LinuxAsyncProcess::startFromTable(const QString &commandLine)
+{
+    if (!m_table->knows(commandLine))
+        return false;
+    m_answering = true;
+    const quint64 run = ++m_run;
+    QPointer<LinuxAsyncProcess> self(this);
+    m_table->start(commandLine, [self, run](const QString &output) {
+        if (self && self->m_run == run)
+            self->answer(output);
+    });
+    return true;
 }
 
 // Delivered from the event loop, as a real process would, so callers see the same order.
 void LinuxAsyncProcess::answer(const QString &output)
 {
+    if (!m_answering)
+        return;
     m_answer = output.toUtf8();
-    m_answering = true;
-    QTimer::singleShot(0, this, [this] {
-        if (!m_answering)
+    const quint64 run = m_run;
+    QTimer::singleShot(0, this, [this, run] {
+        if (!m_answering || m_run != run)
             return;
         if (!m_answer.isEmpty())
             emit readyReadStandardOutput();
@@ -137,6 +155,7 @@ void LinuxAsyncProcess::write(const QByteArray &data)
 void LinuxAsyncProcess::close()
 {
     m_answering = false;
+    ++m_run;
     m_answer.clear();
     m_real->close();
 }

@@ -44,10 +44,12 @@ public:
     void close() override;
 
 private:
+    bool startFromTable(const QString &commandLine);
     void answer(const QString &output);
 
     std::shared_ptr<const CommandTable> m_table;
     AsyncProcess *m_real;
     QByteArray m_answer;
     bool m_answering = false;
+    quint64 m_run = 0; // a reply for a run that was closed meanwhile is dropped
 };

@@ -15,9 +15,10 @@ void LinuxDesktop::openUrl(const QUrl &url)
 
 bool LinuxDesktop::systemFileExists(const QString &path)
 {
-    // Windows system paths ("C://...") name nothing here.
+    // Windows system paths ("C://...") name nothing here, but the tuning utility is installed
+    // exactly when the helper that stands in for it is.
     if (path.size() > 1 && path.at(1) == QLatin1Char(':'))
-        return false;
+        return path.endsWith(QLatin1String("\\XtuService.exe")) && m_helperAvailable();
     return QFile::exists(path);
 }
 
@@ -49,4 +50,10 @@ bool LinuxDesktop::translucentWindows()
     }
     xcb_disconnect(connection);
     return composited;
+}
+
+QString LinuxDesktop::windowsToolsUnavailable() const
+{
+    return QStringLiteral("ThrottleStop is a Windows program. On Linux the CPU Tuning tab tunes "
+                          "the processor through the system helper.");
 }

@@ -10,6 +10,7 @@
 #include "dialogs.h"
 #include "keyboardlight.h"
 #include "linuxavailability.h"
+#include "helperclient.h"
 #include "linuxbattery.h"
 #include "linuxcommands.h"
 #include "linuxdesktop.h"
@@ -25,11 +26,16 @@
 #include "scheduler.h"
 #include "sleeplogind.h"
 #include "soundschemestore.h"
+#include "systemhelper.h"
 #include "touchpadpreference.h"
+#include "tuningcommands.h"
 
 Platform linuxPlatform()
 {
+    auto helper = std::make_shared<HelperClient>(systemHelperAvailable);
     auto table = std::make_shared<CommandTable>();
+    addTuningCommands(*table, helper);
+    addProcessorLimitCommands(*table, helper);
     addStartupCommands(*table);
     addDeviceCommands(*table);
     addProcessCommands(*table);
@@ -53,7 +59,7 @@ Platform linuxPlatform()
     p.registry = registry;
     p.identity = std::make_shared<LinuxIdentity>();
     p.brightness = std::make_shared<SysfsBacklight>();
-    p.switches = std::make_shared<LinuxDeviceSwitches>();
+    p.switches = std::make_shared<LinuxDeviceSwitches>(QStringLiteral("/dev/rfkill"), helper);
     p.monitors = std::make_shared<DdcMonitorControl>(std::make_unique<LibDdcutilBus>());
     p.keyBlocker = std::make_shared<OverlayKeyBlocker>();
     p.keyboardLight = std::make_shared<LedKeyboardLight>();
@@ -62,7 +68,8 @@ Platform linuxPlatform()
     p.gpu = std::make_shared<NvmlGpuSensors>();
     p.sampler = std::make_shared<LinuxSampler>();
     p.sleep = std::make_shared<LogindSleepNotifier>();
-    p.desktop = std::make_shared<LinuxDesktop>();
+    p.desktop = std::make_shared<LinuxDesktop>(systemHelperAvailable);
+    p.privileged = helper;
     p.dialogs = std::make_shared<QtDialogs>();
     p.scheduler = std::make_shared<TimerScheduler>();
     LinuxAvailability::Probes probes = LinuxAvailability::nativeProbes();

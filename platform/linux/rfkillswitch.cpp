@@ -1,5 +1,7 @@
 #include "rfkillswitch.h"
 
+#include "helperclient.h"
+
 #include <QFile>
 #include <QLoggingCategory>
 
@@ -39,7 +41,8 @@ bool write(const QString &path, const QByteArray &event)
 
 } // namespace rfkill
 
-LinuxDeviceSwitches::LinuxDeviceSwitches(QString rfkillPath) : m_rfkillPath(std::move(rfkillPath))
+LinuxDeviceSwitches::LinuxDeviceSwitches(QString rfkillPath, std::shared_ptr<HelperClient> helper)
+    : m_rfkillPath(std::move(rfkillPath)), m_helper(std::move(helper))
 {
 }
 
@@ -53,7 +56,12 @@ void LinuxDeviceSwitches::setSwitch(int switchId, int value)
         break;
     }
     case Camera:
-        qCDebug(lcSwitches) << "camera switch needs the privileged helper; unchanged";
+        if (m_helper)
+            m_helper->call(
+                QStringLiteral("SetCamera"), {value != 0}, [](const QDBusMessage &) {},
+                HelperClient::Caller::Other);
+        else
+            qCDebug(lcSwitches) << "camera switch needs the privileged helper; unchanged";
         break;
     default:
         qCDebug(lcSwitches) << "switch" << switchId << "follows the desktop's preference";

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <memory>
+
+class HelperClient;
+
 #include "devices.h"
 
 #include <QByteArray>
@@ -11,11 +15,13 @@
 // nothing, as a failing switch call does.
 class LinuxDeviceSwitches : public DeviceSwitches {
 public:
-    explicit LinuxDeviceSwitches(QString rfkillPath = QStringLiteral("/dev/rfkill"));
+    explicit LinuxDeviceSwitches(QString rfkillPath = QStringLiteral("/dev/rfkill"),
+                                 std::shared_ptr<HelperClient> helper = nullptr);
     void setSwitch(int switchId, int value) override;
 
 private:
     QString m_rfkillPath;
+    std::shared_ptr<HelperClient> m_helper; // the camera's USB switch needs root
 };
 
 namespace rfkill {

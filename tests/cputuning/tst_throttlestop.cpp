@@ -87,11 +87,14 @@ void ThrottleStopTest::statusFollowsTheProcessList_data()
     QTest::addColumn<QString>("tasklist");
     QTest::addColumn<QString>("status");
     QTest::addColumn<bool>("killable");
-    QTest::newRow("running") << kRunning << "Status: TS is running!" << true;
+    QTest::addColumn<QString>("cannotRun");
+    QTest::newRow("running") << kRunning << "Status: TS is running!" << true << QString();
     QTest::newRow("not running") << "\r\nImage Name  PID\r\nexplorer.exe  12\r\n"
-                                 << "Status: TS is not running!" << false;
+                                 << "Status: TS is not running!" << false << QString();
     QTest::newRow("no process list") << ""
-                                     << "Status: TS is not running!" << false;
+                                     << "Status: TS is not running!" << false << QString();
+    QTest::newRow("a desktop that cannot run it") << kRunning << "Status: TS is not running!"
+                                                  << false << "ThrottleStop is a Windows program.";
 }
 
 void ThrottleStopTest::statusFollowsTheProcessList()
@@ -100,13 +103,17 @@ void ThrottleStopTest::statusFollowsTheProcessList()
     FakePlatform fake;
     TestFolder folder;
     installThrottleStop(folder);
+    QFETCH(QString, cannotRun);
     fake.commands->outputs[QStringLiteral("tasklist")] = tasklist;
+    fake.desktop->windowsTools = cannotRun;
     MainWindow w(fake.bundle());
     QCOMPARE(w.form()->tabWidget->count(), 9);
     QVERIFY(!w.throttleStop()->tsTabRemoved);
-    QCOMPARE(fake.log->withPrefix("run: tasklist").size(), 1);
+    QCOMPARE(fake.log->withPrefix("run: tasklist").size(), cannotRun.isEmpty() ? 1 : 0);
     QTEST(w.form()->Label_TSstatus->text(), "status");
     QTEST(w.form()->Button_KillTS->isEnabled(), "killable");
+    QCOMPARE(w.form()->Button_OpenTS->isEnabled(), cannotRun.isEmpty());
+    QCOMPARE(w.form()->Button_OpenTS->toolTip(), cannotRun);
 }
 
 void ThrottleStopTest::statusFromGivenTextChangesOnlyTheStatus()

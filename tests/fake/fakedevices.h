@@ -133,9 +133,11 @@ public:
     bool systemFileExists(const QString &path) override { return existing.contains(path); }
     bool copySystemFile(const QString &from, const QString &to) override;
     bool translucentWindows() override { return translucent; }
+    QString windowsToolsUnavailable() const override { return windowsTools; }
 
     QStringList existing; // system paths that exist
     bool translucent = true;
+    QString windowsTools; // why Windows tools cannot run; empty: they can
 
 private:
     SharedLog m_log;
