@@ -26,6 +26,11 @@ struct Gio {
     decltype(&::g_settings_set_string) set_string;
     decltype(&::g_settings_get_boolean) get_boolean;
     decltype(&::g_settings_set_boolean) set_boolean;
+    decltype(&::g_settings_get_uint) get_uint;
+    decltype(&::g_settings_set_uint) set_uint;
+    decltype(&::g_settings_get_int) get_int;
+    decltype(&::g_settings_set_int) set_int;
+    decltype(&::g_settings_reset) reset;
     decltype(&::g_settings_sync) sync;
     decltype(&::g_object_unref) object_unref;
     decltype(&::g_free) free;
@@ -53,6 +58,11 @@ std::unique_ptr<Gio> openGio()
     resolve(gio->set_string, "g_settings_set_string");
     resolve(gio->get_boolean, "g_settings_get_boolean");
     resolve(gio->set_boolean, "g_settings_set_boolean");
+    resolve(gio->get_uint, "g_settings_get_uint");
+    resolve(gio->set_uint, "g_settings_set_uint");
+    resolve(gio->get_int, "g_settings_get_int");
+    resolve(gio->set_int, "g_settings_set_int");
+    resolve(gio->reset, "g_settings_reset");
     resolve(gio->sync, "g_settings_sync");
     resolve(gio->object_unref, "g_object_unref");
     resolve(gio->free, "g_free");
@@ -159,27 +169,31 @@ bool GSettingsKey::setBoolean(bool value)
 
 bool GSettingsKey::setUnsigned(quint32 value)
 {
-    if (!m_settings)
+    if (!settings())
         return false;
-    const bool ok = g_settings_set_uint(m_settings, m_key.constData(), value);
-    g_settings_sync();
+    if (gio()->get_uint(m_settings, m_key.constData()) == value)
+        return true;
+    const bool ok = gio()->set_uint(m_settings, m_key.constData(), value);
+    gio()->sync();
     return ok;
 }
 
 bool GSettingsKey::setInteger(int value)
 {
-    if (!m_settings)
+    if (!settings())
         return false;
-    const bool ok = g_settings_set_int(m_settings, m_key.constData(), value);
-    g_settings_sync();
+    if (gio()->get_int(m_settings, m_key.constData()) == value)
+        return true;
+    const bool ok = gio()->set_int(m_settings, m_key.constData(), value);
+    gio()->sync();
     return ok;
 }
 
 bool GSettingsKey::reset()
 {
-    if (!m_settings)
+    if (!settings())
         return false;
-    g_settings_reset(m_settings, m_key.constData());
-    g_settings_sync();
+    gio()->reset(m_settings, m_key.constData());
+    gio()->sync();
     return true;
 }

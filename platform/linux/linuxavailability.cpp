@@ -51,8 +51,10 @@ QString LinuxAvailability::whyUnavailable(Feature feature)
             return QStringLiteral("The NVIDIA driver, which reports the GPU's sensors, is not "
                                   "installed.");
         return QString();
-    case Feature::ProcessorLimits:
     case Feature::LidShutdown:
+        return QStringLiteral("Linux sets the lid's action for every user and every power mode at "
+                              "once, so Varnel leaves it to the system settings.");
+    case Feature::ProcessorLimits:
     case Feature::CameraSwitch:
     case Feature::CpuTuning:
         return once(m_helper, m_probes.systemHelper) ? QString() : needsHelper();

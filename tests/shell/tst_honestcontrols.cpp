@@ -140,7 +140,10 @@ void HonestControlsTest::linuxReasons_data()
     QTest::newRow("no gpu") << Feature::NvidiaGpu << false << "No NVIDIA GPU in this computer.";
     QTest::newRow("limits, helper") << Feature::ProcessorLimits << true << "";
     QTest::newRow("limits") << Feature::ProcessorLimits << false << helper;
-    QTest::newRow("lid shutdown") << Feature::LidShutdown << false << helper;
+    QTest::newRow("lid shutdown, even with the helper")
+        << Feature::LidShutdown << true
+        << "Linux sets the lid's action for every user and every power mode at once, so Varnel "
+           "leaves it to the system settings.";
     QTest::newRow("camera") << Feature::CameraSwitch << false << helper;
     QTest::newRow("tuning") << Feature::CpuTuning << false << helper;
     QTest::newRow("windows fix, whatever the probes")
