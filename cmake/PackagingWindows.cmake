@@ -44,17 +44,35 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Varnel Control Center")
 set(CPACK_PACKAGE_INSTALL_DIRECTORY Varnel)
 set(CPACK_PACKAGE_INSTALL_REGISTRY_KEY Varnel)
-set(CPACK_PACKAGE_FILE_NAME Varnel-${PROJECT_VERSION}-setup)
+set(VARNEL_INSTALLER_NAME Varnel-${PROJECT_VERSION}-setup)
+set(CPACK_PACKAGE_FILE_NAME ${VARNEL_INSTALLER_NAME})
 set(CPACK_PACKAGE_EXECUTABLES varnel "Varnel")
 set(CPACK_NSIS_INSTALL_ROOT "$PROGRAMFILES64")
-set(CPACK_NSIS_PACKAGE_NAME "Varnel ${PROJECT_VERSION}")
+set(CPACK_NSIS_PACKAGE_NAME "Varnel")
 set(CPACK_NSIS_DISPLAY_NAME "Varnel")
 set(CPACK_NSIS_MUI_ICON ${VARNEL_RESOURCE_DIR}/varnel.ico)
 set(CPACK_NSIS_MUI_UNIICON ${VARNEL_RESOURCE_DIR}/varnel.ico)
 set(CPACK_NSIS_INSTALLED_ICON_NAME varnel.exe)
 set(CPACK_NSIS_EXECUTABLES_DIRECTORY .)
 set(CPACK_NSIS_MUI_FINISHPAGE_RUN varnel.exe)
-# The program writes its settings into its own folder under Program Files, so the installer and
-# the uninstaller both need administrator rights.
-set(CPACK_NSIS_DEFINES "RequestExecutionLevel admin")
+# A 64-bit setup program for a 64-bit program (and for a Wine without 32-bit support).
+set(CPACK_NSIS_DEFINES "Target amd64-unicode")
+# CPack's NSIS script asks for administrator rights (RequestExecutionLevel admin) by itself:
+# Program Files and the all-users Start menu need them.
 include(CPack)
+
+# The setup program is part of the build, so every test run installs what it just built.
+find_program(VARNEL_MAKENSIS makensis)
+set(VARNEL_INSTALLER ${CMAKE_BINARY_DIR}/${VARNEL_INSTALLER_NAME}.exe)
+if(VARNEL_MAKENSIS)
+  file(GLOB_RECURSE dist_files CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/dist/*)
+  add_custom_command(
+    OUTPUT ${VARNEL_INSTALLER}
+    COMMAND ${CMAKE_CPACK_COMMAND} -G NSIS --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake
+    DEPENDS varnel stage_windows_runtime ${dist_files}
+    WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
+    COMMENT "Building the setup program ${VARNEL_INSTALLER_NAME}.exe")
+  add_custom_target(windows_installer ALL DEPENDS ${VARNEL_INSTALLER})
+else()
+  message(WARNING "makensis (Debian package nsis) is missing: no setup program is built")
+endif()
