@@ -11,7 +11,7 @@ packages=(
   # running and testing headless
   xvfb xauth x11-utils imagemagick dbus pulseaudio gsettings-desktop-schemas libglib2.0-bin
   # the Windows lane: cross compiler and Wine
-  g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
+  g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64 nsis
 )
 
 sudo_cmd=()

@@ -4,6 +4,16 @@
 #   installer.sh <setup.exe> <windowstate.exe>
 # Runs in the prefix the test fixture made (VARNEL_WINEPREFIX).
 set -uo pipefail
+# Wine's helper processes outlive the script and inherit its output; CTest would wait for them.
+# The script's own output goes through a file, copied out when the script ends.
+if [ -z "${VARNEL_E2E_LOGGED:-}" ]; then
+  log=$(mktemp)
+  VARNEL_E2E_LOGGED=1 bash "$0" "$@" >"$log" 2>&1 </dev/null
+  status=$?
+  cat "$log"
+  rm -f "$log"
+  exit "$status"
+fi
 setup=$1
 probe=$2
 [ -f "$setup" ] || { echo "FAIL: no setup program at $setup (is makensis installed?)"; exit 1; }

@@ -5,6 +5,16 @@
 #   staged_program.sh <stage folder> <windowstate.exe>
 # Runs in the prefix the test fixture made (VARNEL_WINEPREFIX).
 set -uo pipefail
+# Wine's helper processes outlive the script and inherit its output; CTest would wait for them.
+# The script's own output goes through a file, copied out when the script ends.
+if [ -z "${VARNEL_E2E_LOGGED:-}" ]; then
+  log=$(mktemp)
+  VARNEL_E2E_LOGGED=1 bash "$0" "$@" >"$log" 2>&1 </dev/null
+  status=$?
+  cat "$log"
+  rm -f "$log"
+  exit "$status"
+fi
 stage=$1
 probe=$2
 export WINEPREFIX=$VARNEL_WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
