@@ -1,5 +1,5 @@
-# The Windows lane: on a Linux host, cross-compile the Windows backend (platform/win) with
-# mingw-w64 and run its tests under Wine as part of this build's test run.
+# The Windows lane: on a Linux host, cross-compile the whole program for Windows with mingw-w64
+# against Qt for Windows and run its tests under Wine as part of this build's test run.
 #
 #   VARNEL_WINDOWS_LANE        build and test the lane (default ON)
 #   VARNEL_WINDOWS_LANE_JOBS   parallel jobs of the lane's own build (default 2)
@@ -7,11 +7,11 @@
 # The lane's tests need a Wine prefix; the wine_prefix_setup and wine_prefix_cleanup tests make
 # a fresh one under the build folder for each test run and remove it afterwards.
 if(WIN32 OR CMAKE_CROSSCOMPILING)
-    # Built for Windows, the backend and its tests come from platform/ directly.
+    # Built for Windows, the program and its tests come from the project itself.
     return()
 endif()
 
-option(VARNEL_WINDOWS_LANE "Cross-compile the Windows backend and test it under Wine" ON)
+option(VARNEL_WINDOWS_LANE "Cross-compile the Windows program and test it under Wine" ON)
 set(VARNEL_WINDOWS_LANE_JOBS 2 CACHE STRING "Parallel jobs of the Windows lane's build")
 if(NOT VARNEL_WINDOWS_LANE)
     message(STATUS "Windows lane: switched off (VARNEL_WINDOWS_LANE=OFF)")
@@ -19,7 +19,7 @@ if(NOT VARNEL_WINDOWS_LANE)
 endif()
 
 enable_testing()
-set(_varnel_lane_dir ${CMAKE_BINARY_DIR}/win-lane)
+set(_varnel_lane_dir ${CMAKE_BINARY_DIR}/win-app)
 set(_varnel_lane_prefix ${CMAKE_BINARY_DIR}/win-lane-wine)
 set(_varnel_lane_tests ${CMAKE_BINARY_DIR}/win-lane-tests.cmake)
 
@@ -47,18 +47,34 @@ if(NOT VARNEL_MINGW_CXX OR NOT VARNEL_WINE)
     return()
 endif()
 
+# Qt for Windows comes from a cache outside the build folder (unpacked from the team's checked
+# tarball, or built from source once), so a clean rebuild never provisions it again.
+set(VARNEL_SHARED_TOOLCHAINS ${PROJECT_SOURCE_DIR}/../shared/toolchains CACHE PATH
+    "Folder with the prebuilt Qt for Windows tarball and its SHA256SUMS")
+execute_process(
+    COMMAND ${PROJECT_SOURCE_DIR}/scripts/provision-qt-windows.sh ${VARNEL_SHARED_TOOLCHAINS}
+    OUTPUT_VARIABLE VARNEL_QT_WINDOWS_PREFIX OUTPUT_STRIP_TRAILING_WHITESPACE
+    RESULT_VARIABLE _varnel_qt_result)
+if(NOT _varnel_qt_result EQUAL 0)
+    message(FATAL_ERROR "Windows lane: Qt for Windows could not be provisioned "
+                        "(scripts/provision-qt-windows.sh); -DVARNEL_WINDOWS_LANE=OFF skips the lane")
+endif()
+
+# The whole program, cross-compiled from this same project into <build>/win-app. The backend's
+# own tests come with it, and every test joins this build's Wine prefix fixture.
 include(ExternalProject)
-set(_varnel_lane_args -DCMAKE_TOOLCHAIN_FILE=${CMAKE_CURRENT_LIST_DIR}/mingw-w64-posix.cmake)
+set(_varnel_lane_args -DCMAKE_TOOLCHAIN_FILE=${CMAKE_CURRENT_LIST_DIR}/mingw-w64-posix.cmake
+                      -DVARNEL_SHARED_RUNTIME=ON -DCMAKE_PREFIX_PATH=${VARNEL_QT_WINDOWS_PREFIX})
 if(CMAKE_BUILD_TYPE)
     list(APPEND _varnel_lane_args -DCMAKE_BUILD_TYPE=${CMAKE_BUILD_TYPE})
 endif()
 ExternalProject_Add(
-    varnel_win_lane
-    SOURCE_DIR ${CMAKE_CURRENT_LIST_DIR}/../platform/win
+    varnel_win_app
+    SOURCE_DIR ${PROJECT_SOURCE_DIR}
     BINARY_DIR ${_varnel_lane_dir}
-    PREFIX ${CMAKE_BINARY_DIR}/win-lane-ep
+    PREFIX ${CMAKE_BINARY_DIR}/win-app-ep
+    CMAKE_GENERATOR ${CMAKE_GENERATOR}
     CMAKE_ARGS ${_varnel_lane_args}
-    # The lane's tests join this build's fixture instead of bringing their own prefix.
     CMAKE_CACHE_ARGS -DVARNEL_WINE_FIXTURE:STRING=wine_prefix
                      -DVARNEL_WINEPREFIX:PATH=${_varnel_lane_prefix}
     BUILD_COMMAND ${CMAKE_COMMAND} --build <BINARY_DIR> --parallel ${VARNEL_WINDOWS_LANE_JOBS}

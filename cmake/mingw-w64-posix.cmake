@@ -12,9 +12,13 @@ set(CMAKE_FIND_ROOT_PATH /usr/${_varnel_mingw})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# Qt's CMake packages live in their own prefix, outside the mingw sysroot.
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
-# A static runtime means the test programs need no MinGW DLLs copied next to them under Wine.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+# A static runtime means the backend's test programs need no MinGW DLLs copied next to them
+# under Wine. Built against Qt, whose DLLs need the shared runtime anyway, the program shares it.
+if(NOT VARNEL_SHARED_RUNTIME)
+    set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+endif()
 
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine-run.sh)

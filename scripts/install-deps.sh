@@ -17,7 +17,7 @@ packages=(
   # the system helper's bus tests: a stand-in polkit daemon
   python3-dbusmock
   # the Windows lane: cross compiler and Wine
-  g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64
+  g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64 nsis
 )
 
 sudo_cmd=()

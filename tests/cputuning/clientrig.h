@@ -20,7 +20,7 @@ public:
     ClientRig()
     {
         fake.commands->programMap[xtu::clientProgram] =
-            QStringLiteral(VARNEL_TEST_BIN_DIR "/cputuning/fake_xtu_client");
+            QStringLiteral(VARNEL_TEST_BIN_DIR "/cputuning/fake_xtu_client" VARNEL_EXE_SUFFIX);
         fake.commands->asyncOutputs[xtu::serviceStart] = QString();
         fake.commands->outputs[QStringLiteral("wmic cpu get Name")] =
             QStringLiteral("Name\r\r\nIntel(R) Core(TM) i7-10875H CPU @ 2.30GHz\r\r\n\r\r\n");

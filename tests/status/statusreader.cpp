@@ -32,7 +32,8 @@ int main(int argc, char **argv)
     QString text;
     QDataStream in(bytes);
     in >> text;
-    out << bytes.toHex() << '\n' << text << '\n';
+    // Windows maps whole pages: only the bytes the text took are the block's content.
+    out << bytes.left(int(in.device()->pos())).toHex() << '\n' << text << '\n';
     out.flush();
 
     if (args.contains(QStringLiteral("--hold"))) {

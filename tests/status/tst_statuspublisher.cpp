@@ -30,7 +30,7 @@ const QString kKey = QStringLiteral("VarnelSharedMem");
 
 QString readerPath()
 {
-    return QStringLiteral(VARNEL_TEST_BIN_DIR "/status/status_reader");
+    return QStringLiteral(VARNEL_TEST_BIN_DIR "/status/status_reader" VARNEL_EXE_SUFFIX);
 }
 
 // The reader's two lines: the bytes in hex and the decoded text.

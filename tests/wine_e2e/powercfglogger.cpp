@@ -1,0 +1,24 @@
+// A stand-in for powercfg, which Wine lacks: appends its command line, one line per call, to
+// powercfg.log beside itself and succeeds.
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+int main(int argc, char **argv)
+{
+    char self[MAX_PATH];
+    const DWORD length = GetModuleFileNameA(nullptr, self, MAX_PATH);
+    std::string log(self, length);
+    log = log.substr(0, log.find_last_of('\\') + 1) + "powercfg.log";
+
+    std::string line = "powercfg";
+    for (int i = 1; i < argc; ++i)
+        line += std::string(" ") + argv[i];
+    FILE *file = std::fopen(log.c_str(), "ab");
+    if (!file)
+        return 1;
+    std::fprintf(file, "%s\n", line.c_str());
+    std::fclose(file);
+    return 0;
+}
