@@ -14,7 +14,7 @@ fi
 cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
   -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage \
   -DVARNEL_WINDOWS_LANE=OFF -DVARNEL_SANITIZER_LANE=OFF \
-  -DVARNEL_CCACHE=VARNEL_CCACHE-NOTFOUND # coverage notes hold absolute paths: no shared cache
+  -DVARNEL_CCACHE=OFF # coverage notes hold absolute paths: no shared cache
 cmake --build "$build_dir" -j"${VARNEL_JOBS:-2}"
 find "$build_dir" -name '*.gcda' -delete
 ctest --test-dir "$build_dir" -j"${VARNEL_JOBS:-2}" --output-on-failure || true
