@@ -22,6 +22,8 @@ const char kVersionPath[] = "/varnel/version";
 const char kPending[] = "Varnel";
 const char kTitle[] = "Update Information";
 const int kGiveUpMs = 10000;
+const QString kUnreachable =
+    QStringLiteral("The update server did not answer with a version. Please try again later.");
 const char kUpdaterCommand[] = R"(updates\Update.exe)";
 
 } // namespace
@@ -81,6 +83,12 @@ void UpdateChecker::showResult(const QString &latest)
     m_ui.Label_CurrentVersion->setText(QStringLiteral("Installed Version: ") + installed);
     m_ui.Label_LatestVersion->setText(QStringLiteral("Latest Version: ") + latest);
 
+    // No answer would compare as version 0 and call every user offline a beta tester.
+    if (latest.isEmpty()) {
+        reportNoUpdate(kUnreachable, kUnreachable + QLatin1Char('\n'));
+        emit checked();
+        return;
+    }
     const int order = compareVersions(installed, latest);
     if (order < 0)
         offerUpdate();

@@ -16,6 +16,8 @@ const QString kLatestText =
     QStringLiteral("You are running the latest version, there is no update.");
 const QString kBetaText =
     QStringLiteral("Your version is newer then the official latest! Are you a beta tester?");
+const QString kNoAnswerText =
+    QStringLiteral("The update server did not answer with a version. Please try again later.");
 const QString kUpdateText = QStringLiteral("There is an update! Click the update button.");
 
 // The work file as the updater reads it.
@@ -64,6 +66,7 @@ void TestUpdateCheck::checksAtStartAndByHand_data()
     const QString betaBox =
         QStringLiteral("Your version is newer then the official latest! You are probably a beta "
                        "tester.\n");
+    const QString noAnswerBox = kNoAnswerText + QLatin1Char('\n');
     QTest::newRow("equal") << 200 << QByteArray("2.3.1") << "Latest Version: 2.3.1" << kLatestText
                            << sameText;
     QTest::newRow("older on the server")
@@ -73,17 +76,17 @@ void TestUpdateCheck::checksAtStartAndByHand_data()
     // An answer that is no version is no answer: never shown whole, never offering an update.
     QTest::newRow("error page") << 404
                                 << QByteArray("<html><body><h1>Not Found</h1></body></html>\n")
-                                << "Latest Version: " << kBetaText << betaBox;
+                                << "Latest Version: " << kNoAnswerText << noAnswerBox;
     QTest::newRow("trailing line break")
         << 200 << QByteArray("2.3.1\r\n") << "Latest Version: 2.3.1" << kLatestText << sameText;
     QTest::newRow("ten kilobytes")
-        << 200 << QByteArray(10240, '7') << "Latest Version: " << kBetaText << betaBox;
+        << 200 << QByteArray(10240, '7') << "Latest Version: " << kNoAnswerText << noAnswerBox;
     QTest::newRow("lowest int") << 200 << QByteArray("-2147483648")
-                                << "Latest Version: " << kBetaText << betaBox;
+                                << "Latest Version: " << kNoAnswerText << noAnswerBox;
     QTest::newRow("server error, empty body")
-        << 500 << QByteArray() << "Latest Version: " << kBetaText << betaBox;
+        << 500 << QByteArray() << "Latest Version: " << kNoAnswerText << noAnswerBox;
     QTest::newRow("connection refused")
-        << 0 << QByteArray() << "Latest Version: " << kBetaText << betaBox;
+        << 0 << QByteArray() << "Latest Version: " << kNoAnswerText << noAnswerBox;
 }
 
 void TestUpdateCheck::checksAtStartAndByHand()
@@ -196,7 +199,7 @@ void TestUpdateCheck::theShippedPlaceholderIsNeverAsked()
 
     QVERIFY(updates->versionUrl().isEmpty());
     QCOMPARE(w.form()->Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
-    QCOMPARE(w.form()->Label_AboutVersion->text(), kBetaText);
+    QCOMPARE(w.form()->Label_AboutVersion->text(), kNoAnswerText);
 
     folder.setIni(kBranding, "updateserver", "http://updates.example.com:8080");
     QCOMPARE(updates->versionUrl(), QUrl("http://updates.example.com:8080/varnel/version"));
@@ -245,7 +248,7 @@ void TestUpdateCheck::aSilentServerNeverDelaysTheWindow()
     QCOMPARE(warnings, QStringList());
     release.stop();
     QCOMPARE(w.form()->Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
-    QCOMPARE(w.form()->Label_AboutVersion->text(), kBetaText);
+    QCOMPARE(w.form()->Label_AboutVersion->text(), kNoAnswerText);
     QVERIFY(fake.dialogs->shown.isEmpty());
 }
 
