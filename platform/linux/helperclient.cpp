@@ -2,6 +2,7 @@
 
 #include "systemhelper.h"
 
+#include <QCoreApplication>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QLoggingCategory>
@@ -46,18 +47,28 @@ void HelperClient::call(const QString &method, const QVariantList &arguments, Do
         QLatin1String(kSystemHelperService), QStringLiteral("/org/varnel/Helper"),
         QStringLiteral("org.varnel.Helper"), method);
     message.setArguments(arguments);
-    auto *watcher = new QDBusPendingCallWatcher(
-        QDBusConnection::systemBus().asyncCall(message, kCallTimeoutMs));
+    auto finish = [this, method, done, caller](const QDBusMessage &reply) {
+        if (reply.type() == QDBusMessage::ErrorMessage) {
+            const QString why = describe(reply);
+            qCDebug(lcHelper) << method << reply.errorName() << why;
+            if (caller == Caller::Tuning && !m_refusals.contains(why))
+                m_refusals << why;
+        }
+        done(reply);
+    };
+    QDBusConnection bus = QDBusConnection::systemBus();
+    // A call on a bus that is not there never finishes, and a power mode would wait for it.
+    if (!bus.isConnected()) {
+        const QDBusMessage error = message.createErrorReply(
+            QDBusError::Disconnected, QStringLiteral("The system bus is not running."));
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [finish, error] { finish(error); }, Qt::QueuedConnection);
+        return;
+    }
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, kCallTimeoutMs));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-                     [this, watcher, method, done, caller](QDBusPendingCallWatcher *) {
+                     [watcher, finish](QDBusPendingCallWatcher *) {
                          watcher->deleteLater();
-                         const QDBusMessage reply = watcher->reply();
-                         if (reply.type() == QDBusMessage::ErrorMessage) {
-                             const QString why = describe(reply);
-                             qCDebug(lcHelper) << method << reply.errorName() << why;
-                             if (caller == Caller::Tuning && !m_refusals.contains(why))
-                                 m_refusals << why;
-                         }
-                         done(reply);
+                         finish(watcher->reply());
                      });
 }
