@@ -79,7 +79,8 @@ void PanelBrightnessControl::showReadable(bool readable)
 void PanelBrightnessControl::sliderChanged(int value)
 {
     runBrightnessFixIfChecked();
-    if (m_reading)
+    // A panel that cannot be read takes no level either; a power mode still moves the slider.
+    if (m_reading || !ui.Slider_Brightness->isEnabled())
         return;
     m_platform.brightness->write(static_cast<quint32>(value));
     ui.Label_Brightness->setText(brightnessLabel(value));

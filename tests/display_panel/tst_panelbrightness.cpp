@@ -88,6 +88,10 @@ void PanelBrightnessTest::unreadablePanelDisablesTheSliderSayingWhy()
     p.window->GetBrightness();
     QVERIFY(!ui.Label_Brightness->text().contains(QLatin1String("-1")));
     QVERIFY(!p.fake.log->entries.contains(QStringLiteral("panel write 0")));
+    // A power mode's initial brightness moves the slider: still no figure, nothing written.
+    ui.Slider_Brightness->setValue(80);
+    QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: not adjustable"));
+    QVERIFY(!p.fake.log->entries.contains(QStringLiteral("panel write 80")));
 
     // The panel comes back (an external screen's backlight, a driver loaded late).
     p.fake.panel->level = 30;
