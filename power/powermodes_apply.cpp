@@ -90,8 +90,11 @@ void PowerModes::applyTurboBoost()
 
 void PowerModes::applyPowerValues()
 {
-    // The scheme keeps the panel's present brightness, not the mode's.
-    runAndActivate(powercmd::schemeBrightness(ui.Slider_Brightness->value()));
+    // The scheme keeps the panel's present brightness, not the mode's; a panel that cannot be
+    // read has no present level, and a 0 never read would darken the screen on the next plan.
+    const bool panelRead = ui.Slider_Brightness->isEnabled();
+    runAndActivate(powercmd::schemeBrightness(panelRead ? ui.Slider_Brightness->value()
+                                                        : ui.PowerModeBrightSlider->value()));
     m_loading = true;
     applyCpuMin();
     applyCpuMax();

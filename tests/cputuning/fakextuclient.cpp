@@ -12,6 +12,7 @@
 //   FAKE_XTU_SILENT=1       print nothing at all
 //   FAKE_XTU_HANG=<id>      never finish the query or write of that setting ("any": every one)
 //   FAKE_XTU_SPLIT=<id>     print that setting's row in two writes, a moment apart
+//   FAKE_XTU_LOG=<file>     append "read <id>" or "write <id> <value>" for every call
 
 #include <chrono>
 #include <cstdio>
@@ -193,6 +194,10 @@ int main(int argc, char **argv)
             value = argv[++i];
         }
     }
+
+    if (const std::string log = env("FAKE_XTU_LOG"); !log.empty())
+        std::ofstream(log, std::ios::app)
+            << (writing ? "write " : "read ") << id << (writing ? " " + value : "") << '\n';
 
     if (kSettings.count(id) == 0 || beyondCores(id)) {
         print(id, "Invalid Id\r\n");

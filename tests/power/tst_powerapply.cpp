@@ -78,6 +78,13 @@ void PowerApplyTest::wholeProfileRunsTheCatalogueInOrder()
     QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
     QVERIFY(!p.window->powerModes()->powerModeLoading());
     QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("1"));
+
+    // A panel that cannot be read has no present level: the scheme gets the mode's own.
+    p.fake.panel->level = -1;
+    p.window->GetBrightness();
+    p.fake.log->clear();
+    p.window->ApplyPowerValues();
+    QCOMPARE(p.commands().mid(0, 3), schemeBrightness(80));
 }
 
 void PowerApplyTest::panelFollowsAfterTwoSecondsAndSchemeAfterThree()
