@@ -318,10 +318,16 @@ void CpuTuning::comprareXTU()
         set();
         reapplyPending = true;
     };
+    // A saved figure that is no whole number within the control's range restores nothing:
+    // read as 0 or clamped, it would be written as if the user had applied it.
+    auto restoreWhole = [&](const QString &key, auto *control) {
+        bool ok = false;
+        const int saved = general.value(key).toString().trimmed().toInt(&ok);
+        if (ok && saved >= control->minimum() && saved <= control->maximum())
+            restore(key, saved, control->value(), [&] { control->setValue(saved); });
+    };
 
-    const int undervolt = general.value(keys::undervolt).toInt();
-    restore(QLatin1String(keys::undervolt), undervolt, ui.undervolt_slider->value(),
-            [&] { ui.undervolt_slider->setValue(undervolt); });
+    restoreWhole(QLatin1String(keys::undervolt), ui.undervolt_slider);
 
     if (ui.turbo_override->isChecked()) {
         const int target = ui.power_mode_turbo_boost->value();
@@ -341,14 +347,9 @@ void CpuTuning::comprareXTU()
                     [&] { ui.Slider_TurboBoost->setValue(*position); });
     }
 
-    const int seconds = general.value(keys::turboTime).toInt();
-    restore(QLatin1String(keys::turboTime), seconds, ui.Slider_TurboTime->value(),
-            [&] { ui.Slider_TurboTime->setValue(seconds); });
-    for (int cores = 1; cores <= 8; ++cores) {
-        const QString key = coreMultiKey(cores);
-        const int ratio = general.value(key).toInt();
-        restore(key, ratio, coreSpin(cores)->value(), [&] { coreSpin(cores)->setValue(ratio); });
-    }
+    restoreWhole(QLatin1String(keys::turboTime), ui.Slider_TurboTime);
+    for (int cores = 1; cores <= 8; ++cores)
+        restoreWhole(coreMultiKey(cores), coreSpin(cores));
 
     if (reapplyPending) {
         ui.Button_ApplyValues->setEnabled(true);

@@ -48,6 +48,22 @@ void removeColumnTitles(QString &text)
     text.replace(QStringLiteral("Seconds"), QStringLiteral(" "));
 }
 
+// A whole number from the client, or none when the text is no number or lies outside what the
+// setting can hold: a reading taken as 0 would later be written back as if the user chose it.
+std::optional<int> wholeNumber(const QString &text, int lowest, int highest)
+{
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (!ok || value < lowest || value > highest)
+        return std::nullopt;
+    return value;
+}
+
+// The client's own limits: undervolt to 999 mV, time windows and ratios well below these.
+constexpr int kMostMillivolts = 999;
+constexpr int kMostSeconds = 4096;
+constexpr int kMostRatio = 255;
+
 } // namespace
 
 std::optional<UndervoltReading> parseUndervolt(const QString &output)
@@ -61,9 +77,12 @@ std::optional<UndervoltReading> parseUndervolt(const QString &output)
     text.remove(kRowEnd);
     collapseBlanks(text, 8);
     const QString magnitude = field(fieldsOf(text), 0);
+    const auto millivolts = wholeNumber(magnitude, 0, kMostMillivolts);
+    if (!millivolts)
+        return std::nullopt;
 
     UndervoltReading reading;
-    reading.sliderValue = magnitude.toInt();
+    reading.sliderValue = *millivolts;
     if (reading.sliderValue == 0) {
         reading.label = magnitude + QStringLiteral("mV");
         reading.readUndervolt = magnitude;
@@ -122,11 +141,17 @@ std::optional<TurboTimeReading> parseTurboTime(const QString &output)
     collapseBlanks(text, 9);
     const QStringList fields = fieldsOf(text);
 
+    const auto maximum =
+        wholeNumber(field(fields, 2).remove(QStringLiteral(".0")), 1, kMostSeconds);
+    const auto seconds =
+        wholeNumber(field(fields, 0).remove(QStringLiteral(".0")).remove(QStringLiteral(",0")), 0,
+                    maximum.value_or(0));
+    if (!maximum || !seconds)
+        return std::nullopt;
     TurboTimeReading reading;
-    reading.maximum = field(fields, 2).remove(QStringLiteral(".0")).toInt();
+    reading.maximum = *maximum;
     reading.label = field(fields, 0) + QStringLiteral("Sec");
-    reading.value =
-        field(fields, 0).remove(QStringLiteral(".0")).remove(QStringLiteral(",0")).toInt();
+    reading.value = *seconds;
     return reading;
 }
 
@@ -155,10 +180,13 @@ CoreRatioParse parseCoreRatio(const QString &output, int activeCores)
     collapseBlanks(text, 9);
     const QStringList fields = fieldsOf(text);
 
-    CoreRatioReading reading;
-    reading.minimum = field(fields, 3).toInt();
-    reading.maximum = field(fields, 4).toInt();
-    reading.value = field(fields, 2).remove(QLatin1Char('x')).toInt();
-    parse.reading = reading;
+    const auto minimum = wholeNumber(field(fields, 3), 0, kMostRatio);
+    const auto maximum = wholeNumber(field(fields, 4), minimum.value_or(0), kMostRatio);
+    // A ratio outside the box's range would be clamped, and the clamped figure written.
+    const auto ratio = wholeNumber(field(fields, 2).remove(QLatin1Char('x')), minimum.value_or(0),
+                                   maximum.value_or(0));
+    if (!minimum || !maximum || !ratio)
+        return parse;
+    parse.reading = CoreRatioReading{*minimum, *maximum, *ratio};
     return parse;
 }

@@ -147,29 +147,37 @@ void PowerModes::loadPowerModeValues()
     auto read = [&](const char *prefix) { return m_profiles.value(prefix, mode); };
     qCDebug(lcPower) << "loading power mode" << mode;
 
-    ui.silent_cpu_min->setValue(read(profilekey::cpuMin).toInt());
-    ui.Cpu_Minimum_Label->setText(percentLabel("CPU minimum: ", read(profilekey::cpuMin).toInt()));
-    ui.silent_cpu_max->setValue(read(profilekey::cpuMax).toInt());
-    ui.Cpu_Maximum_Label->setText(percentLabel("CPU maximum: ", read(profilekey::cpuMax).toInt()));
+    // Each figure within what its control holds, from the user's file or else the defaults.
+    auto inRange = [&](const char *prefix, const QAbstractSlider *slider) {
+        return m_profiles.number(prefix, mode, slider->minimum(), slider->maximum(),
+                                 slider->value());
+    };
+    auto entry = [&](const char *prefix, const QComboBox *combo) {
+        return m_profiles.number(prefix, mode, 0, combo->count() - 1, combo->currentIndex());
+    };
+    ui.silent_cpu_min->setValue(inRange(profilekey::cpuMin, ui.silent_cpu_min));
+    ui.Cpu_Minimum_Label->setText(percentLabel("CPU minimum: ", ui.silent_cpu_min->value()));
+    ui.silent_cpu_max->setValue(inRange(profilekey::cpuMax, ui.silent_cpu_max));
+    ui.Cpu_Maximum_Label->setText(percentLabel("CPU maximum: ", ui.silent_cpu_max->value()));
     ui.turbo_override->setChecked(read(profilekey::turboOverride).toBool());
     showTurboOverride(ui.turbo_override->isChecked());
-    ui.power_mode_turbo_boost->setValue(read(profilekey::turboBoost).toInt());
+    ui.power_mode_turbo_boost->setValue(inRange(profilekey::turboBoost, ui.power_mode_turbo_boost));
     updateTurboOverrideText();
-    ui.PowerModeBrightSlider->setValue(read(profilekey::brightness).toInt());
+    ui.PowerModeBrightSlider->setValue(inRange(profilekey::brightness, ui.PowerModeBrightSlider));
     ui.PowerModeBrightSlider_Label->setText(
         percentLabel("Initial LCD Brightness: ", ui.PowerModeBrightSlider->value()));
     ui.ignore_lcd_bright->setChecked(read(profilekey::ignoreBrightness).toBool());
     ui.PowerModeBrightSlider->setEnabled(!ui.ignore_lcd_bright->isChecked());
-    ui.TurnOffScreen_combo->setCurrentIndex(read(profilekey::screenOff).toInt());
-    ui.Sleep_After_Combo->setCurrentIndex(read(profilekey::sleepAfter).toInt());
-    ui.LidClose_Combo->setCurrentIndex(read(profilekey::lidClose).toInt());
-    ui.comboBox_5->setCurrentIndex(read(profilekey::fanMode).toInt());
+    ui.TurnOffScreen_combo->setCurrentIndex(entry(profilekey::screenOff, ui.TurnOffScreen_combo));
+    ui.Sleep_After_Combo->setCurrentIndex(entry(profilekey::sleepAfter, ui.Sleep_After_Combo));
+    ui.LidClose_Combo->setCurrentIndex(entry(profilekey::lidClose, ui.LidClose_Combo));
+    ui.comboBox_5->setCurrentIndex(entry(profilekey::fanMode, ui.comboBox_5));
     // Cleared before the keyboard keys on purpose: a keyboard level changed by the load runs its
     // whole handler, which recomputes the keyboard code and writes the level back.
     m_loading = false;
     ui.checkBox->setChecked(read(profilekey::ignoreKeyboard).toBool());
     ui.horizontalSlider_2->setEnabled(!ui.checkBox->isChecked());
-    ui.horizontalSlider_2->setValue(read(profilekey::keyboardLevel).toInt());
+    ui.horizontalSlider_2->setValue(inRange(profilekey::keyboardLevel, ui.horizontalSlider_2));
 
     applyPowerValues();
 }

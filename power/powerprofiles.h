@@ -28,6 +28,11 @@ public:
     explicit PowerProfiles(Settings settings) : m_settings(std::move(settings)) {}
 
     QVariant value(const char *prefix, const QString &mode) const;
+    // A whole number from lowest to highest: the user's when it is one, else the shipped
+    // default's, else fallback. A damaged or hand-edited figure ("abc", 4000) would otherwise
+    // become a command (a processor maximum of 0 %, a timeout of entry -1).
+    int number(const char *prefix, const QString &mode, int lowest, int highest,
+               int fallback) const;
     // Writes go to the user file only, one key at a time.
     void save(const char *prefix, const QString &mode, const QVariant &value) const;
     // Throws the user's edits away; a missing file is not an error.

@@ -366,9 +366,13 @@ void TuningChainsTest::reapplyRestoresOnlyWhatWasSavedAndMakesSense()
     rig.saved("Re-ApplyXTU", true);
     rig.saved("undervolt", 60);
     rig.saved("boostpower", "1e300");
+    rig.saved("turbotime", "abc");
+    rig.saved("core1multi", "x51");
+    rig.saved("core2multi", 300);
     rig.start();
     QVERIFY(rig.waitForReadChains(2));
-    // No turbo time or ratios were ever saved, and the saved turbo power is no power.
+    // Only the undervolt is a figure: the turbo power is no power, the time no number, and the
+    // ratios no ratio a box can hold. Unsaved ratios stay as read.
     QCOMPARE(rig.writes(), QStringList{"-t -id 34 -v -60"});
     QCOMPARE(rig.ui()->Slider_TurboBoost->value(), 360);
     QCOMPARE(rig.ui()->Slider_TurboTime->value(), 28);

@@ -60,8 +60,8 @@ private slots:
     void undervoltParser();
     void turboPowerParser_data();
     void turboPowerParser();
-    void turboPowerThatIsNoPowerIsNoReading_data();
-    void turboPowerThatIsNoPowerIsNoReading();
+    void numbersThatAreNoneAreNoReading_data();
+    void numbersThatAreNoneAreNoReading();
     void turboTimeParser_data();
     void turboTimeParser();
     void coreRatioParser_data();
@@ -181,24 +181,41 @@ void TuningTextTest::turboPowerParser()
     QTEST(parse.reading->readTurboPower, "read");
 }
 
-void TuningTextTest::turboPowerThatIsNoPowerIsNoReading_data()
+void TuningTextTest::numbersThatAreNoneAreNoReading_data()
 {
-    QTest::addColumn<QString>("value");
-    QTest::newRow("not a number") << "nanW";
-    QTest::newRow("infinite") << "infW";
-    QTest::newRow("ten gigawatts") << "1e10W";
-    QTest::newRow("thirty digits") << "123456789012345678901234567890W";
-    QTest::newRow("negative") << "-5W";
-    QTest::newRow("text") << "N/AW";
+    QTest::addColumn<QString>("output");
+    const auto power = [](const char *value) { return kHeader + powerRow(value); };
+    QTest::newRow("power not a number") << power("nanW");
+    QTest::newRow("power infinite") << power("infW");
+    QTest::newRow("power of ten gigawatts") << power("1e10W");
+    QTest::newRow("power of thirty digits") << power("123456789012345678901234567890W");
+    QTest::newRow("negative power") << power("-5W");
+    QTest::newRow("power as text") << power("N/AW");
+    QTest::newRow("undervolt as text") << kHeader + undervoltRow("-N/A mV");
+    QTest::newRow("undervolt in exponent form") << kHeader + undervoltRow("-1e2 mV");
+    QTest::newRow("undervolt beyond the client's range") << kHeader + undervoltRow("-5000 mV");
+    QTest::newRow("time as text") << kHeader + timeRow("nan", "1.0", "128.0");
+    QTest::newRow("fractional time") << kHeader + timeRow("2.5", "1.0", "128.0");
+    QTest::newRow("time above its maximum") << kHeader + timeRow("200.0", "1.0", "128.0");
+    QTest::newRow("maximum time as text") << kHeader + timeRow("28.0", "1.0", "-");
+    QTest::newRow("fractional ratio") << kHeader + coreRow(30, 2, "44,5x", "8", "83");
+    QTest::newRow("ratio limits as text") << kHeader + coreRow(30, 2, "45x", "-", "-");
+    QTest::newRow("ratio above its maximum") << kHeader + coreRow(30, 2, "90x", "8", "80");
+    QTest::newRow("ratio of thirty digits")
+        << kHeader + coreRow(30, 2, "123456789012345678901234567890x", "8", "80");
 }
 
-void TuningTextTest::turboPowerThatIsNoPowerIsNoReading()
+void TuningTextTest::numbersThatAreNoneAreNoReading()
 {
-    QFETCH(QString, value);
-    const TurboPowerParse parse = parseTurboPower(kHeader + powerRow(value));
-    QVERIFY(!parse.reading);
+    QFETCH(QString, output);
+    QVERIFY(!parseUndervolt(output));
+    QVERIFY(!parseTurboPower(output).reading);
+    QVERIFY(!parseTurboTime(output));
+    const CoreRatioParse ratio = parseCoreRatio(output, 2);
+    QVERIFY(!ratio.reading);
+    QVERIFY(!ratio.invalidId);
     // Saved settings are range-checked the same way before they move the slider.
-    QVERIFY(!turboPowerPosition(value.chopped(1)));
+    QVERIFY(!turboPowerPosition(QStringLiteral("nan")));
     QCOMPARE(turboPowerPosition(QStringLiteral("4095.875")), std::optional<int>(32767));
 }
 
@@ -242,10 +259,6 @@ void TuningTextTest::coreRatioParser_data()
             << kHeader + coreRow(ids[cores - 1], cores, QStringLiteral("%1x").arg(ratio), "8", "80")
             << 8 << 80 << ratio;
     }
-    QTest::newRow("a fractional ratio is no whole number: 0")
-        << 3 << kHeader + coreRow(31, 3, "44,0x", "8", "83") << 8 << 83 << 0;
-    QTest::newRow("non-numeric limits read as 0")
-        << 2 << kHeader + coreRow(30, 2, "45x", "-", "-") << 0 << 0 << 45;
 }
 
 void TuningTextTest::coreRatioParser()

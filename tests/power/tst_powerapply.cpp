@@ -14,7 +14,6 @@ private slots:
     void ignoredPanelStillWritesTheSchemeBrightness();
     void singleFieldSlotsRunOnePairEach_data();
     void singleFieldSlotsRunOnePairEach();
-    void outOfRangeIndexRunsEmptyCommands();
     void applyLeavesTheKeyboardCodeAlone();
     void turboOverrideNeedsOverrideAndManagedCpu();
     void turboOverrideAppliesADifferingValueOnce();
@@ -127,36 +126,47 @@ void PowerApplyTest::singleFieldSlotsRunOnePairEach_data()
 {
     QTest::addColumn<QString>("slot");
     QTest::addColumn<QStringList>("commands");
-    QTest::newRow("minimum") << "ApplyCpuMin" << processor("PROCTHROTTLEMIN", 5);
-    QTest::newRow("maximum") << "ApplyCpuMax" << processor("PROCTHROTTLEMAX", 100);
+    QTest::addColumn<QString>("userKey"); // a damaged figure in the user's file, or none
+    QTest::addColumn<QVariant>("userValue");
+    const QStringList minimum = processor("PROCTHROTTLEMIN", 5);
+    const QStringList maximum = processor("PROCTHROTTLEMAX", 100);
+    const QStringList sleep = pair("powercfg -change -x -standby-timeout-ac 60",
+                                   "powercfg -change -x -standby-timeout-dc 60");
+    QTest::newRow("minimum") << "ApplyCpuMin" << minimum << QString() << QVariant();
+    QTest::newRow("maximum") << "ApplyCpuMax" << maximum << QString() << QVariant();
     QTest::newRow("screen off") << "turnoffScreenPowerMode"
                                 << pair("powercfg -change -monitor-timeout-ac 20",
-                                        "powercfg -change -monitor-timeout-dc 20");
-    QTest::newRow("sleep") << "ApplySleepAfterPowerMode"
-                           << pair("powercfg -change -x -standby-timeout-ac 60",
-                                   "powercfg -change -x -standby-timeout-dc 60");
-    QTest::newRow("lid") << "ApplyLidClosePowerMode" << lid(1);
-    QTest::newRow("scheme brightness from the mode") << "ApplySchemeBright" << schemeBrightness(80);
+                                        "powercfg -change -monitor-timeout-dc 20")
+                                << QString() << QVariant();
+    QTest::newRow("sleep") << "ApplySleepAfterPowerMode" << sleep << QString() << QVariant();
+    QTest::newRow("lid") << "ApplyLidClosePowerMode" << lid(1) << QString() << QVariant();
+    QTest::newRow("scheme brightness from the mode")
+        << "ApplySchemeBright" << schemeBrightness(80) << QString() << QVariant();
+    // Damaged figures give way to the shipped defaults instead of becoming commands.
+    QTest::newRow("minimum of 4000 %")
+        << "ApplyCpuMin" << minimum << "cpu_min_slider_normal" << QVariant(4000);
+    QTest::newRow("maximum as text")
+        << "ApplyCpuMax" << maximum << "cpu_max_slider_normal" << QVariant("abc");
+    QTest::newRow("sleep entry past the list")
+        << "ApplySleepAfterPowerMode" << sleep << "Sleep_After_Combo_normal" << QVariant(12);
+    QTest::newRow("lid as text") << "ApplyLidClosePowerMode" << lid(1) << "LidClose_Combo_normal"
+                                 << QVariant("x");
+    QTest::newRow("negative brightness") << "ApplySchemeBright" << schemeBrightness(80)
+                                         << "PowerModeBrightSlider_normal" << QVariant(-5);
 }
 
 void PowerApplyTest::singleFieldSlotsRunOnePairEach()
 {
     QFETCH(QString, slot);
     QFETCH(QStringList, commands);
+    QFETCH(QString, userKey);
+    QFETCH(QVariant, userValue);
     PowerWindow p;
+    if (!userKey.isEmpty())
+        p.setUser(userKey, userValue);
     p.startWithPowerModes();
     QVERIFY(QMetaObject::invokeMethod(p.window.get(), slot.toLatin1().constData()));
     QCOMPARE(p.commands(), commands);
-}
-
-void PowerApplyTest::outOfRangeIndexRunsEmptyCommands()
-{
-    PowerWindow p;
-    p.setUser("Sleep_After_Combo_normal", 12);
-    p.startWithPowerModes();
-    QCOMPARE(p.ui().Sleep_After_Combo->currentIndex(), -1);
-    p.window->ApplySleepAfterPowerMode();
-    QCOMPARE(p.commands(), (QStringList{"run: ", "run: ", kActivate}));
 }
 
 void PowerApplyTest::applyLeavesTheKeyboardCodeAlone()
