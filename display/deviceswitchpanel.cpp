@@ -28,6 +28,25 @@ DeviceSwitchPanel::DeviceSwitchPanel(Ui::MainWindow &ui, const Settings &setting
       m_switches(*platform.switches), m_registry(*platform.registry),
       m_keyBlocker(*platform.keyBlocker)
 {
+    m_switches.onRefused([this](int switchId, int value, const QString &why) {
+        if (switchId == Camera)
+            cameraRefused(value, why);
+    });
+}
+
+DeviceSwitchPanel::~DeviceSwitchPanel()
+{
+    m_switches.onRefused({});
+}
+
+// The radio buttons go back to what the camera still is, and say why. The saved choice stays:
+// the next start asks again.
+void DeviceSwitchPanel::cameraRefused(int value, const QString &why)
+{
+    qCDebug(lcDevices) << "camera switch refused:" << why;
+    (value ? m_ui.Radio_CameraOFF : m_ui.Radio_CameraON)->setChecked(true);
+    m_ui.Radio_CameraON->setToolTip(why);
+    m_ui.Radio_CameraOFF->setToolTip(why);
 }
 
 QString DeviceSwitchPanel::devconCommand(const QString &verb)

@@ -27,6 +27,7 @@ public:
 
     DeviceSwitchPanel(Ui::MainWindow &ui, const Settings &settings, const Platform &platform,
                       QObject *parent);
+    ~DeviceSwitchPanel() override;
 
     // The check is on the button's state: clicking a checked radio switches again.
     void cameraOnClicked();
@@ -52,6 +53,8 @@ public:
     static QString devconCommand(const QString &verb);
 
 private:
+    void cameraRefused(int value, const QString &why);
+
     Ui::MainWindow &m_ui;
     Settings m_settings;
     CommandRunner &m_commands;

@@ -1,12 +1,29 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
+
+#include <functional>
 
 // The laptop's device switches (1 camera, 2 wireless LAN, 3 touchpad; value 0 off, 1 on).
 class DeviceSwitches {
 public:
+    // Told, once the answer has come, that a switch was refused and stays as it was.
+    using Refused = std::function<void(int switchId, int value, const QString &why)>;
+
     virtual ~DeviceSwitches() = default;
     virtual void setSwitch(int switchId, int value) = 0;
+    void onRefused(Refused handler) { m_refused = std::move(handler); }
+
+protected:
+    void refuse(int switchId, int value, const QString &why) const
+    {
+        if (m_refused)
+            m_refused(switchId, value, why);
+    }
+
+private:
+    Refused m_refused;
 };
 
 // External monitors over DDC/CI: read-compare-write of one VCP feature on every physical

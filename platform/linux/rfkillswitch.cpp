@@ -58,7 +58,11 @@ void LinuxDeviceSwitches::setSwitch(int switchId, int value)
     case Camera:
         if (m_helper)
             m_helper->call(
-                QStringLiteral("SetCamera"), {value != 0}, [](const QDBusMessage &) {},
+                QStringLiteral("SetCamera"), {value != 0},
+                [this, value](const QDBusMessage &reply) {
+                    if (reply.type() == QDBusMessage::ErrorMessage)
+                        refuse(Camera, value, HelperClient::describe(reply));
+                },
                 HelperClient::Caller::Other);
         else
             qCDebug(lcSwitches) << "camera switch needs the privileged helper; unchanged";

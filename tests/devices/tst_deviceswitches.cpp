@@ -57,6 +57,14 @@ private slots:
         const QString entry = QStringLiteral("switch 1 = %1").arg(value);
         QCOMPARE(deviceOperations(fake.log), QStringList({entry, entry}));
         QCOMPARE(folder.ini(kGeneral, keys::camera).toInt(), value);
+
+        // Refused after the click: the radios show the camera as it still is, and say why.
+        const QString why = QStringLiteral("Not allowed: the camera stays as it was.");
+        fake.switches->answerNo(1, value, why);
+        QCOMPARE(w.form()->Radio_CameraON->isChecked(), value == 0);
+        QCOMPARE(w.form()->Radio_CameraOFF->isChecked(), value == 1);
+        QCOMPARE(w.form()->Radio_CameraON->toolTip(), why);
+        QCOMPARE(w.form()->Radio_CameraOFF->toolTip(), why);
     }
 
     void storedCameraStateIsAppliedAtStart_data()
