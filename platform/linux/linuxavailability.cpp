@@ -63,11 +63,12 @@ QString LinuxAvailability::whyUnavailable(Feature feature)
     case Feature::SuperKeyBlocker:
         return once(m_superKey, m_probes.superKeySetting)
                    ? QString()
-                   : QStringLiteral("Blocking the Super key needs a GNOME desktop.");
+                   : QStringLiteral("Blocking the Super key needs a GNOME or KDE Plasma desktop.");
     case Feature::ScreenTimeouts:
         return once(m_timeouts, m_probes.desktopTimeouts)
                    ? QString()
-                   : QStringLiteral("Screen and sleep timeouts need a GNOME desktop.");
+                   : QStringLiteral(
+                         "Screen and sleep timeouts need a GNOME or KDE Plasma desktop.");
     case Feature::TouchpadSwitch:
         return once(m_touchpad, m_probes.touchpadSetting)
                    ? QString()

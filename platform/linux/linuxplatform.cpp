@@ -8,9 +8,11 @@
 #include "desktopsettings.h"
 #include "devicecommands.h"
 #include "dialogs.h"
+#include "helperclient.h"
+#include "kconfigfile.h"
+#include "kdedesktop.h"
 #include "keyboardlight.h"
 #include "linuxavailability.h"
-#include "helperclient.h"
 #include "linuxbattery.h"
 #include "linuxcommands.h"
 #include "linuxdesktop.h"
@@ -41,7 +43,17 @@ Platform linuxPlatform()
     addProcessCommands(*table);
     addBatteryCommands(*table);
     addPowerCommands(*table, std::make_shared<SessionDesktopSettings>());
-    auto timeouts = std::make_shared<GnomeTimeouts>();
+    // A Plasma session takes Plasma's files; any other desktop is asked for GNOME's settings.
+    const bool plasma = plasmaSession();
+    std::shared_ptr<DesktopTimeouts> timeouts;
+    std::shared_ptr<KeyBlocker> keyBlocker;
+    if (plasma) {
+        timeouts = std::make_shared<KdeTimeouts>(LinuxPaths::configHome());
+        keyBlocker = std::make_shared<KdeMetaKeyBlocker>(LinuxPaths::configHome());
+    } else {
+        timeouts = std::make_shared<GnomeTimeouts>();
+        keyBlocker = std::make_shared<OverlayKeyBlocker>();
+    }
     addDesktopPowerCommands(*table, timeouts, std::make_shared<LogindLidSwitch>());
 
     auto registry = std::make_shared<LinuxRegistry>();
@@ -61,7 +73,7 @@ Platform linuxPlatform()
     p.brightness = std::make_shared<SysfsBacklight>();
     p.switches = std::make_shared<LinuxDeviceSwitches>(QStringLiteral("/dev/rfkill"), helper);
     p.monitors = std::make_shared<DdcMonitorControl>(std::make_unique<LibDdcutilBus>());
-    p.keyBlocker = std::make_shared<OverlayKeyBlocker>();
+    p.keyBlocker = keyBlocker;
     p.keyboardLight = std::make_shared<LedKeyboardLight>();
     p.powerSource = std::make_shared<SysfsPowerSupply>();
     p.audio = std::make_shared<PulseAudioEndpoint>();
@@ -74,7 +86,7 @@ Platform linuxPlatform()
     p.scheduler = std::make_shared<TimerScheduler>();
     LinuxAvailability::Probes probes = LinuxAvailability::nativeProbes();
     probes.desktopTimeouts = [timeouts] { return timeouts->available(); };
-    probes.superKeySetting = OverlayKeyBlocker::available;
+    probes.superKeySetting = plasma ? plasmaSession : OverlayKeyBlocker::available;
     probes.touchpadSetting = [touchpad] { return touchpad != nullptr; };
     probes.ambientSetting = SessionDesktopSettings::hasAmbientBrightness;
     probes.eventSounds = [eventSounds] { return eventSounds != nullptr; };

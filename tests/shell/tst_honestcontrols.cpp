@@ -150,9 +150,10 @@ void HonestControlsTest::linuxReasons_data()
         << Feature::WindowsOnlyFix << true << "A Windows-only fix: Linux has no such setting.";
     QTest::newRow("super key") << Feature::SuperKeyBlocker << true << "";
     QTest::newRow("no super key setting")
-        << Feature::SuperKeyBlocker << false << "Blocking the Super key needs a GNOME desktop.";
+        << Feature::SuperKeyBlocker << false
+        << "Blocking the Super key needs a GNOME or KDE Plasma desktop.";
     QTest::newRow("no timeouts") << Feature::ScreenTimeouts << false
-                                 << "Screen and sleep timeouts need a GNOME desktop.";
+                                 << "Screen and sleep timeouts need a GNOME or KDE Plasma desktop.";
     QTest::newRow("no touchpad setting")
         << Feature::TouchpadSwitch << false
         << "Switching the touchpad needs a GNOME or KDE Plasma desktop.";
