@@ -11,4 +11,6 @@ public:
     // Why the helper refused or failed since the last time this was asked, one reason a line;
     // empty if it did not.
     virtual QString takeRefusal() = 0;
+    // The same for a power mode's processor limits.
+    virtual QString takeLimitRefusal() { return QString(); }
 };

@@ -102,6 +102,7 @@ private:
     void schedule(int ms, const char *slot) const;
     // Each line as its own waited-for process, then the scheme re-activated.
     void runAndActivate(const powercmd::Pair &pair) const;
+    void showLimitRefusal(QWidget *slider, QWidget *label) const;
     void showTurboOverride(bool on);
     void updateTurboOverrideText();
     void markTrayMode(const QString &mode);

@@ -4,6 +4,7 @@
 
 #include "commandrunner.h"
 #include "devices.h"
+#include "privileged.h"
 #include "ui_mainwindow.h"
 
 #include <QMetaObject>
@@ -24,11 +25,26 @@ void PowerModes::runAndActivate(const powercmd::Pair &pair) const
 void PowerModes::applyCpuMin()
 {
     runAndActivate(powercmd::processorMinimum(ui.silent_cpu_min->value()));
+    showLimitRefusal(ui.silent_cpu_min, ui.Cpu_Minimum_Label);
 }
 
 void PowerModes::applyCpuMax()
 {
     runAndActivate(powercmd::processorMaximum(ui.silent_cpu_max->value()));
+    showLimitRefusal(ui.silent_cpu_max, ui.Cpu_Maximum_Label);
+}
+
+// A limit the system refused stays the mode's setting, but the slider says it is not in force.
+void PowerModes::showLimitRefusal(QWidget *slider, QWidget *label) const
+{
+    if (!m_platform.privileged)
+        return;
+    const QString why = m_platform.privileged->takeLimitRefusal();
+    if (why.isEmpty() && !slider->toolTip().startsWith(QLatin1String("Not applied: ")))
+        return;
+    const QString tip = why.isEmpty() ? QString() : QStringLiteral("Not applied: ") + why;
+    slider->setToolTip(tip);
+    label->setToolTip(tip);
 }
 
 void PowerModes::applyScreenOff()

@@ -51,8 +51,11 @@ void HelperClient::call(const QString &method, const QVariantList &arguments, Do
         if (reply.type() == QDBusMessage::ErrorMessage) {
             const QString why = describe(reply);
             qCDebug(lcHelper) << method << reply.errorName() << why;
-            if (caller == Caller::Tuning && !m_refusals.contains(why))
-                m_refusals << why;
+            QStringList *kept = caller == Caller::Tuning            ? &m_refusals
+                                : caller == Caller::ProcessorLimits ? &m_limitRefusals
+                                                                    : nullptr;
+            if (kept && !kept->contains(why))
+                *kept << why;
         }
         done(reply);
     };

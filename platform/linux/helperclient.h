@@ -18,7 +18,7 @@ public:
     explicit HelperClient(std::function<bool()> available);
 
     // Whose controls hear of a refusal: the tuning tab asks for its own reasons only.
-    enum class Caller { Tuning, Other };
+    enum class Caller { Tuning, ProcessorLimits, Other };
 
     // done runs on the GUI thread with the reply or the error.
     void call(const QString &method, const QVariantList &arguments, Done done,
@@ -29,6 +29,10 @@ public:
     {
         return std::exchange(m_refusals, QStringList()).join(QLatin1Char('\n'));
     }
+    QString takeLimitRefusal() override
+    {
+        return std::exchange(m_limitRefusals, QStringList()).join(QLatin1Char('\n'));
+    }
 
     // An error reply in the words a tool tip shows.
     static QString describe(const QDBusMessage &error);
@@ -36,4 +40,5 @@ public:
 private:
     std::function<bool()> m_available;
     QStringList m_refusals; // each reason once, in the order they came
+    QStringList m_limitRefusals;
 };

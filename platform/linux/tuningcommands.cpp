@@ -183,7 +183,8 @@ void addProcessorLimitCommands(CommandTable &table, std::shared_ptr<HelperClient
                                        : QStringLiteral("SetProcessorMaximum");
             helper->call(
                 method, {match.captured(2).toInt()},
-                [reply](const QDBusMessage &) { reply(QString()); }, HelperClient::Caller::Other);
+                [reply](const QDBusMessage &) { reply(QString()); },
+                HelperClient::Caller::ProcessorLimits);
         });
     // Linux keeps one limit for mains and battery; the AC line already wrote this value.
     table.add(QStringLiteral("powercfg -setdcvalueindex SCHEME_CURRENT SUB_PROCESSOR "

@@ -161,6 +161,19 @@ void TestHelperWindow::powerModeLimitsReachTheHelper()
     const QString pstate = QStringLiteral("sys/devices/system/cpu/intel_pstate/");
     QCOMPARE(m_tree.get(pstate + QStringLiteral("min_perf_pct")), QByteArray("30"));
     QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
+    QVERIFY(ui->silent_cpu_max->toolTip().isEmpty());
+
+    // Refused: the mode keeps its setting, and the slider says it is not in force.
+    m_bus.allow({helperaction::read});
+    ui->silent_cpu_max->setValue(50);
+    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMax"));
+    QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
+    QVERIFY2(ui->silent_cpu_max->toolTip().startsWith(QLatin1String("Not applied: Not allowed")),
+             qPrintable(ui->silent_cpu_max->toolTip()));
+    QCOMPARE(ui->Cpu_Maximum_Label->toolTip(), ui->silent_cpu_max->toolTip());
+    m_bus.allow({helperaction::read, helperaction::processorLimits});
+    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMax"));
+    QVERIFY(ui->silent_cpu_max->toolTip().isEmpty());
 }
 
 QTEST_MAIN(TestHelperWindow)
