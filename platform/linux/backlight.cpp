@@ -1,7 +1,7 @@
 #include "backlight.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
+#include "logindbrightness.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -130,19 +130,5 @@ void SysfsBacklight::write(quint32 level)
 
 bool SysfsBacklight::logindSetBrightness(const QString &device, quint32 raw)
 {
-    QDBusConnection bus = QDBusConnection::systemBus();
-    if (!bus.isConnected())
-        return false;
-    // "auto" is the session of the calling process.
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.login1"),
-        QStringLiteral("/org/freedesktop/login1/session/auto"),
-        QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("SetBrightness"));
-    call << QStringLiteral("backlight") << device << raw;
-    const QDBusMessage reply = bus.call(call, QDBus::Block, 2000);
-    if (reply.type() == QDBusMessage::ErrorMessage) {
-        qCDebug(lcBacklight) << "logind refused the brightness:" << reply.errorMessage();
-        return false;
-    }
-    return true;
+    return ::logindSetBrightness(QStringLiteral("backlight"), device, raw);
 }

@@ -1,9 +1,8 @@
 #include "keyboardlight.h"
 
+#include "logindbrightness.h"
 #include "sysfstext.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -48,14 +47,5 @@ void LedKeyboardLight::setLevel(int percent)
 
 bool LedKeyboardLight::logindSetLed(const QString &led, quint32 raw)
 {
-    QDBusConnection bus = QDBusConnection::systemBus();
-    if (!bus.isConnected())
-        return false;
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.login1"),
-        QStringLiteral("/org/freedesktop/login1/session/auto"),
-        QStringLiteral("org.freedesktop.login1.Session"), QStringLiteral("SetBrightness"));
-    call << QStringLiteral("leds") << led << raw;
-    const QDBusMessage reply = bus.call(call, QDBus::Block, 2000);
-    return reply.type() != QDBusMessage::ErrorMessage;
+    return logindSetBrightness(QStringLiteral("leds"), led, raw);
 }
