@@ -2,43 +2,17 @@
 # End to end under Wine with the setup program: a silent install (/S) under Program Files with a
 # Start-menu entry, the installed varnel.exe starts, and the uninstaller removes the files.
 #   installer.sh <setup.exe> <windowstate.exe>
-# Runs in the prefix the test fixture made (VARNEL_WINEPREFIX).
-set -uo pipefail
-# Wine's helper processes outlive the script and inherit its output; CTest would wait for them.
-# The script's own output goes through a file, copied out when the script ends.
-if [ -z "${VARNEL_E2E_LOGGED:-}" ]; then
-  log=$(mktemp)
-  VARNEL_E2E_LOGGED=1 bash "$0" "$@" >"$log" 2>&1 </dev/null
-  status=$?
-  cat "$log"
-  rm -f "$log"
-  exit "$status"
-fi
+source "$(dirname "$0")/common.sh"
 setup=$1
 probe=$2
 [ -f "$setup" ] || { echo "FAIL: no setup program at $setup (is makensis installed?)"; exit 1; }
-export WINEPREFIX=$VARNEL_WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-export HOME=$VARNEL_WINEPREFIX/unix-home
 
 folder=$WINEPREFIX/drive_c/Program\ Files/Varnel
-provider=$WINEPREFIX/drive_c/windows/syswow64/CLEVOMOF.dll
 cleanup() {
   timeout 20 wine taskkill /f /im varnel.exe >/dev/null 2>&1
   rm -f "$provider"
 }
 trap cleanup EXIT
-fail() { echo "FAIL: $*"; exit 1; }
-window_state() { timeout 20 wine "$probe" Varnel 2>/dev/null | tr -d '\r'; }
-is_state() { [ "$(window_state)" = "$1" ]; }
-wait_for() { # wait_for <seconds> <command...>
-  local deadline=$((SECONDS + $1))
-  shift
-  while [ $SECONDS -lt "$deadline" ]; do
-    "$@" && return 0
-    sleep 0.2
-  done
-  return 1
-}
 
 timeout 120 wine "$setup" /S || fail "the silent install failed with $?"
 for f in varnel.exe Qt5Core.dll Qt5Widgets.dll libstdc++-6.dll platforms/qwindows.dll \

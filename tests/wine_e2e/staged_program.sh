@@ -3,45 +3,20 @@
 # ends with status 0 within 2 s, bringing the hidden window back), and the settings files in
 # the install folder's settings/ after a clean exit.
 #   staged_program.sh <stage folder> <windowstate.exe>
-# Runs in the prefix the test fixture made (VARNEL_WINEPREFIX).
-set -uo pipefail
-# Wine's helper processes outlive the script and inherit its output; CTest would wait for them.
-# The script's own output goes through a file, copied out when the script ends.
-if [ -z "${VARNEL_E2E_LOGGED:-}" ]; then
-  log=$(mktemp)
-  VARNEL_E2E_LOGGED=1 bash "$0" "$@" >"$log" 2>&1 </dev/null
-  status=$?
-  cat "$log"
-  rm -f "$log"
-  exit "$status"
-fi
+source "$(dirname "$0")/common.sh"
 stage=$1
 probe=$2
-export WINEPREFIX=$VARNEL_WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-export HOME=$VARNEL_WINEPREFIX/unix-home
 
 work=$(mktemp -d)
-provider=$WINEPREFIX/drive_c/windows/syswow64/CLEVOMOF.dll
 cleanup() {
   timeout 20 wine taskkill /f /im varnel.exe >/dev/null 2>&1
   rm -f "$provider"
   rm -rf "$work"
 }
 trap cleanup EXIT
-fail() { echo "FAIL: $*"; exit 1; }
 millis() { date +%s%3N; }
-window_state() { timeout 20 wine "$probe" Varnel 2>/dev/null | tr -d '\r'; }
-wait_state() { # wait_state <state> <seconds>
-  local deadline=$((SECONDS + $2))
-  while [ $SECONDS -lt "$deadline" ]; do
-    [ "$(window_state)" = "$1" ] && return 0
-    sleep 0.2
-  done
-  return 1
-}
 
-# A private install folder, so the settings written are this run's own. Wine lacks the laptop
-# maker's WMI brightness provider; the program only looks for its file.
+# A private install folder, so the settings written are this run's own.
 cp -r "$stage"/. "$work"/
 cd "$work" || exit 1
 : >"$provider"
@@ -49,7 +24,7 @@ printf '[settings]\nstart_hidden=true\ndontshowexitdiag=true\n' >settings/varnel
 
 # a. The first start stays up, hidden to the tray as set.
 wine varnel.exe >first.log 2>&1 &
-wait_state hidden 60 || fail "the first start never built its hidden window: $(window_state)"
+wait_for 60 is_state hidden || fail "the first start never built its hidden window: $(window_state)"
 sleep 2
 [ "$(window_state)" = hidden ] || fail "the first instance did not stay up: $(window_state)"
 
@@ -60,12 +35,12 @@ status=$?
 elapsed=$(($(millis) - begin))
 [ "$status" -eq 0 ] || fail "second start exited with $status"
 [ "$elapsed" -lt 2000 ] || fail "second start took ${elapsed} ms"
-wait_state visible 5 || fail "the hidden window did not come back: $(window_state)"
+wait_for 5 is_state visible || fail "the hidden window did not come back: $(window_state)"
 echo "second start: status 0 after ${elapsed} ms, window shown again"
 
 # e. A clean exit (the window asked to close) leaves the settings in the install folder.
 timeout 20 wine taskkill /im varnel.exe >/dev/null 2>&1
-wait_state none 20 || fail "the program did not end when asked to close"
+wait_for 20 is_state none || fail "the program did not end when asked to close"
 for key in start_hidden dontshowexitdiag mainWindowGeometry mainWindowState; do
   grep -q "^$key=" settings/varnel.ini || fail "settings/varnel.ini lacks $key: $(cat settings/varnel.ini)"
 done

@@ -5,26 +5,15 @@
 # - a power-mode switch runs powercfg's command lines in order (a stand-in in the system folder);
 # - a Windows Tuning tweak writes its registry values, and unchecking removes them.
 #   window_clicks.sh <stage folder> <windowstate.exe> <powercfg stand-in> <fake tuning client>
-# Runs in the prefix the test fixture made (VARNEL_WINEPREFIX), with its null graphics driver.
-set -uo pipefail
-if [ -z "${VARNEL_E2E_LOGGED:-}" ]; then
-  log=$(mktemp)
-  VARNEL_E2E_LOGGED=1 bash "$0" "$@" >"$log" 2>&1 </dev/null
-  status=$?
-  cat "$log"
-  rm -f "$log"
-  exit "$status"
-fi
+# The prefix has Wine's null graphics driver: the clicks are posted messages.
+source "$(dirname "$0")/common.sh"
 stage=$1
 probe=$2
 powercfg=$3
 client=$4
-export WINEPREFIX=$VARNEL_WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
-export HOME=$VARNEL_WINEPREFIX/unix-home
 
 drive=$WINEPREFIX/drive_c
 system=$drive/windows/system32
-provider=$drive/windows/syswow64/CLEVOMOF.dll
 client_folder="$drive/Program Files/Varnel/XTU/Client"
 work=$(mktemp -d)
 cleanup() {
@@ -35,19 +24,6 @@ cleanup() {
   timeout 20 wine reg delete 'HKLM\SYSTEM\CurrentControlSet\Control\GraphicsDrivers' /v TdrDdiDelay /f >/dev/null 2>&1
 }
 trap cleanup EXIT
-fail() {
-  echo "FAIL: $*"
-  exit 1
-}
-# wait_for <seconds> <command...>: until the command succeeds.
-wait_for() {
-  local deadline=$((SECONDS + $1))
-  shift
-  until "$@"; do
-    [ $SECONDS -lt "$deadline" ] || return 1
-    sleep 0.3
-  done
-}
 # Client positions in the 800 x 900 window at 96 dpi.
 click() { timeout 20 wine "$probe" Varnel click "$1" "$2" >/dev/null 2>&1 || fail "no window to click"; }
 power_tab() { click 49 432; }
@@ -68,8 +44,7 @@ printf '[settings]\nenable_power_modes=true\npowermode=normal\nDontManageCPU=tru
 # Wine's own font engine measures text far taller than Windows does, which squeezes the power
 # modes out of their tab; FreeType's metrics match Windows'.
 wine varnel.exe -platform windows:fontengine=freetype >program.log 2>&1 &
-wait_for 60 bash -c "[ \"\$(timeout 20 wine '$probe' Varnel | tr -d '\r')\" = visible ]" ||
-  fail "the window never appeared"
+wait_for 60 is_state visible || fail "the window never appeared"
 
 # c. The read chain asks the client for all eleven settings.
 calls() { tr -d '\r' <xtu.log 2>/dev/null; }
@@ -91,7 +66,8 @@ writes=$(calls | grep '^write ' | tr '\n' ';')
 [ "$writes" = "write 29 52;" ] || fail "only the changed ratio may be written, got: $writes"
 echo "tuning tab filled from the client: undervolt 85, 37 W, 56 s saved; only 'write 29 52' sent"
 
-# b. A switch to the silent mode: powercfg's pairs in order, the scheme re-activated after each.
+# b. A switch to the silent mode: powercfg's pairs in order, the scheme re-activated after each;
+# three seconds later the scheme takes the mode's brightness once more, after the panel.
 power_tab
 rm -f "$system/powercfg.log"
 click 221 497
@@ -108,15 +84,17 @@ powercfg -change -monitor-timeout-dc 15
 powercfg -change -x -standby-timeout-ac 30
 powercfg -change -x -standby-timeout-dc 30
 powercfg setacvalueindex $lid
-powercfg setdcvalueindex $lid"
+powercfg setdcvalueindex $lid
+powercfg -setacvalueindex $scheme 60
+powercfg -setdcvalueindex $scheme 60"
 pairs() { grep -v -x 'powercfg -SetActive SCHEME_CURRENT' "$system/powercfg.log" 2>/dev/null; }
-wait_for 30 bash -c "[ \$(grep -c . '$system/powercfg.log' 2>/dev/null || echo 0) -ge 18 ]" ||
+wait_for 30 bash -c "[ \$(grep -c . '$system/powercfg.log' 2>/dev/null || echo 0) -ge 21 ]" ||
   fail "powercfg was not called as expected: $(cat "$system/powercfg.log" 2>/dev/null)"
 [ "$(pairs)" = "$expected" ] || fail "powercfg calls differ:
 $(pairs)"
 activations=$(grep -c -x 'powercfg -SetActive SCHEME_CURRENT' "$system/powercfg.log")
-[ "$activations" -eq 6 ] || fail "expected 6 activations, got $activations"
-echo "silent mode: 12 powercfg settings in order, 6 activations"
+[ "$activations" -eq 7 ] || fail "expected 7 activations, got $activations"
+echo "silent mode: 14 powercfg settings in order, 7 activations"
 
 # d. The long TDR delay tweak: checked writes both values, unchecked removes them.
 regvalue() {
