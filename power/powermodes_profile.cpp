@@ -147,18 +147,20 @@ void PowerModes::loadPowerModeValues()
     auto read = [&](const char *prefix) { return m_profiles.value(prefix, mode); };
     qCDebug(lcPower) << "loading power mode" << mode;
 
-    // Each figure within what its control holds, from the user's file or else the defaults.
+    // Each figure within what its control holds, from the user's file or else the defaults; a
+    // key missing from both reads as 0, the control's lowest.
     auto inRange = [&](const char *prefix, const QAbstractSlider *slider) {
-        return m_profiles.number(prefix, mode, slider->minimum(), slider->maximum(),
-                                 slider->value());
+        return m_profiles.number(prefix, mode, slider->minimum(), slider->maximum(), 0);
     };
     auto entry = [&](const char *prefix, const QComboBox *combo) {
-        return m_profiles.number(prefix, mode, 0, combo->count() - 1, combo->currentIndex());
+        return m_profiles.number(prefix, mode, 0, combo->count() - 1, 0);
     };
-    ui.silent_cpu_min->setValue(inRange(profilekey::cpuMin, ui.silent_cpu_min));
-    ui.Cpu_Minimum_Label->setText(percentLabel("CPU minimum: ", ui.silent_cpu_min->value()));
-    ui.silent_cpu_max->setValue(inRange(profilekey::cpuMax, ui.silent_cpu_max));
-    ui.Cpu_Maximum_Label->setText(percentLabel("CPU maximum: ", ui.silent_cpu_max->value()));
+    const int cpuMin = inRange(profilekey::cpuMin, ui.silent_cpu_min);
+    ui.silent_cpu_min->setValue(cpuMin);
+    ui.Cpu_Minimum_Label->setText(percentLabel("CPU minimum: ", cpuMin));
+    const int cpuMax = inRange(profilekey::cpuMax, ui.silent_cpu_max);
+    ui.silent_cpu_max->setValue(cpuMax);
+    ui.Cpu_Maximum_Label->setText(percentLabel("CPU maximum: ", cpuMax));
     ui.turbo_override->setChecked(read(profilekey::turboOverride).toBool());
     showTurboOverride(ui.turbo_override->isChecked());
     ui.power_mode_turbo_boost->setValue(inRange(profilekey::turboBoost, ui.power_mode_turbo_boost));
