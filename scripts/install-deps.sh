@@ -18,6 +18,8 @@ packages=(
   python3-dbusmock
   # the Windows lane: cross compiler and Wine
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix wine wine64 nsis
+  # the fonts Wine substitutes for the Windows ones, so that the window is laid out as tested
+  fonts-wine
 )
 
 sudo_cmd=()
