@@ -255,6 +255,7 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void setVisible(bool visible) override;
 
 private:
     void LoadSettings();
@@ -311,6 +312,7 @@ private:
     bool m_dragging = false;
     QPoint m_pressPosition;
     bool m_hidden = false;
+    bool m_workingTabChosen = false;
     int m_logicalDpi = 96;
     bool m_keyHookStepDone = false;
 

@@ -91,7 +91,16 @@ void MainWindow::applyAvailability()
                              static_cast<QWidget *>(ui->ignore_lcd_bright)})
         holdUnavailable(control, noPanel);
 
-    openOnAWorkingTab();
+}
+
+// Chosen when the window is first shown: a start hidden in the tray lays out no other page.
+void MainWindow::setVisible(bool visible)
+{
+    if (visible && !m_workingTabChosen) {
+        m_workingTabChosen = true;
+        openOnAWorkingTab();
+    }
+    QMainWindow::setVisible(visible);
 }
 
 void MainWindow::openOnAWorkingTab()

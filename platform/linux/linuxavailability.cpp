@@ -12,6 +12,8 @@
 #include <QFile>
 #include <QSystemTrayIcon>
 
+#include <algorithm>
+
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -134,20 +136,21 @@ LinuxAvailability::Probes LinuxAvailability::nativeProbes()
     probes.keyboardLight = [] { return !LedKeyboardLight().ledName().isEmpty(); };
     probes.systemTray = QSystemTrayIcon::isSystemTrayAvailable;
     probes.monitorChannel = [] {
-        void *library = nullptr;
-        for (const char *name : {"libddcutil.so.5", "libddcutil.so.4", "libddcutil.so"}) {
-            if ((library = dlopen(name, RTLD_LAZY | RTLD_LOCAL)))
-                break;
-        }
-        if (!library)
-            return false;
-        dlclose(library);
+        // The buses first: loading the library costs more than all the rest of start-up's
+        // checks, and without a bus the user may open it answers nothing.
         const QStringList buses =
             QDir(QStringLiteral("/dev")).entryList({QStringLiteral("i2c-*")}, QDir::System);
-        for (const QString &bus : buses) {
-            if (::access(QFile::encodeName(QStringLiteral("/dev/") + bus).constData(),
-                         R_OK | W_OK) == 0)
+        const bool reachable = std::any_of(buses.begin(), buses.end(), [](const QString &bus) {
+            return ::access(QFile::encodeName(QStringLiteral("/dev/") + bus).constData(),
+                            R_OK | W_OK) == 0;
+        });
+        if (!reachable)
+            return false;
+        for (const char *name : {"libddcutil.so.5", "libddcutil.so.4", "libddcutil.so"}) {
+            if (void *library = dlopen(name, RTLD_LAZY | RTLD_LOCAL)) {
+                dlclose(library);
                 return true;
+            }
         }
         return false;
     };

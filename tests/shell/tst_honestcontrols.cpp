@@ -353,6 +353,7 @@ void HonestControlsTest::firstStartOpensOnAWorkingTab()
         p.fake.availability->programs[QLatin1String(program)] = QStringLiteral("missing");
     p.start(); // power modes off: the first tab is disabled
     QTabWidget &tabs = *p.ui().tabWidget;
+    p.window->show();
     QVERIFY(!tabs.isTabEnabled(tabs.indexOf(p.ui().tab_10)));
     QCOMPARE(tabs.currentWidget(), p.ui().tab_3);
     QVERIFY(tabWorks(tabs, tabs.currentIndex()));
