@@ -10,6 +10,8 @@
 #include <QDir>
 #include <QLoggingCategory>
 
+#include <limits>
+
 namespace {
 
 void applyDensityFont()
@@ -29,9 +31,9 @@ int main(int argc, char *argv[])
     // The program's own diagnostics stay quiet unless QT_LOGGING_RULES asks for them.
     QLoggingCategory::setFilterRules(QStringLiteral("varnel.*.debug=false"));
     // The network stack would list every network interface every ten seconds for as long as
-    // the program runs, for an update check that asks once.
+    // the program runs, for an update check that asks once: the longest interval it takes.
     if (!qEnvironmentVariableIsSet("QT_BEARER_POLL_TIMEOUT"))
-        qputenv("QT_BEARER_POLL_TIMEOUT", "-1");
+        qputenv("QT_BEARER_POLL_TIMEOUT", QByteArray::number(std::numeric_limits<int>::max()));
     SingleApplication app(argc, argv, false, 1, 100);
     applyDensityFont();
     QApplication::setOrganizationDomain(QStringLiteral("TALVERON-PC"));

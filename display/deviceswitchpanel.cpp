@@ -28,23 +28,27 @@ DeviceSwitchPanel::DeviceSwitchPanel(Ui::MainWindow &ui, const Settings &setting
       m_switches(*platform.switches), m_registry(*platform.registry),
       m_keyBlocker(*platform.keyBlocker)
 {
-    m_switches.onRefused([this](int switchId, int value, const QString &why) {
+    m_switches.onAnswered([this](int switchId, int value, const QString &why) {
         if (switchId == Camera)
-            cameraRefused(value, why);
+            cameraAnswered(value, why);
     });
 }
 
 DeviceSwitchPanel::~DeviceSwitchPanel()
 {
-    m_switches.onRefused({});
+    m_switches.onAnswered({});
 }
 
-// The radio buttons go back to what the camera still is, and say why. The saved choice stays:
-// the next start asks again.
-void DeviceSwitchPanel::cameraRefused(int value, const QString &why)
+// A refused switch puts the radio buttons back to the camera's last known state and says
+// why. The saved choice stays: the next start asks again.
+void DeviceSwitchPanel::cameraAnswered(int value, const QString &why)
 {
-    qCDebug(lcDevices) << "camera switch refused:" << why;
-    (value ? m_ui.Radio_CameraOFF : m_ui.Radio_CameraON)->setChecked(true);
+    if (why.isEmpty()) {
+        m_camera = value;
+        return;
+    }
+    qCDebug(lcDevices) << "camera switch to" << value << "refused:" << why;
+    (m_camera ? m_ui.Radio_CameraON : m_ui.Radio_CameraOFF)->setChecked(true);
     m_ui.Radio_CameraON->setToolTip(why);
     m_ui.Radio_CameraOFF->setToolTip(why);
 }
@@ -137,7 +141,8 @@ void DeviceSwitchPanel::windowsKeyClicked()
 void DeviceSwitchPanel::loadCamera()
 {
     const bool on = m_settings.general().value(keys::camera).toBool();
-    m_switches.setSwitch(Camera, on ? 1 : 0);
+    m_camera = on ? 1 : 0;
+    m_switches.setSwitch(Camera, m_camera);
     if (on)
         m_ui.Radio_CameraON->setChecked(true);
     else

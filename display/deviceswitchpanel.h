@@ -53,12 +53,13 @@ public:
     static QString devconCommand(const QString &verb);
 
 private:
-    void cameraRefused(int value, const QString &why);
+    void cameraAnswered(int value, const QString &why);
 
     Ui::MainWindow &m_ui;
     Settings m_settings;
     CommandRunner &m_commands;
     DeviceSwitches &m_switches;
+    int m_camera = 0; // the camera's last known state: as loaded, then as last switched
     Registry &m_registry;
     KeyBlocker &m_keyBlocker;
 };

@@ -8,22 +8,23 @@
 // The laptop's device switches (1 camera, 2 wireless LAN, 3 touchpad; value 0 off, 1 on).
 class DeviceSwitches {
 public:
-    // Told, once the answer has come, that a switch was refused and stays as it was.
-    using Refused = std::function<void(int switchId, int value, const QString &why)>;
+    // Told where a switch answers later: why is empty when it took effect, else the reason it
+    // was refused (the switch then stays as it was).
+    using Answered = std::function<void(int switchId, int value, const QString &why)>;
 
     virtual ~DeviceSwitches() = default;
     virtual void setSwitch(int switchId, int value) = 0;
-    void onRefused(Refused handler) { m_refused = std::move(handler); }
+    void onAnswered(Answered handler) { m_answered = std::move(handler); }
 
 protected:
-    void refuse(int switchId, int value, const QString &why) const
+    void answer(int switchId, int value, const QString &why) const
     {
-        if (m_refused)
-            m_refused(switchId, value, why);
+        if (m_answered)
+            m_answered(switchId, value, why);
     }
 
 private:
-    Refused m_refused;
+    Answered m_answered;
 };
 
 // External monitors over DDC/CI: read-compare-write of one VCP feature on every physical

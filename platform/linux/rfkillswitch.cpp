@@ -2,6 +2,7 @@
 
 #include "helperclient.h"
 
+#include <QDBusConnection>
 #include <QFile>
 #include <QLoggingCategory>
 
@@ -56,12 +57,15 @@ void LinuxDeviceSwitches::setSwitch(int switchId, int value)
         break;
     }
     case Camera:
-        if (m_helper)
+        // Without a system bus there is no helper to ask, and the switch is disabled.
+        if (m_helper && QDBusConnection::systemBus().isConnected())
             m_helper->call(
                 QStringLiteral("SetCamera"), {value != 0},
                 [this, value](const QDBusMessage &reply) {
-                    if (reply.type() == QDBusMessage::ErrorMessage)
-                        refuse(Camera, value, HelperClient::describe(reply));
+                    answer(Camera, value,
+                           reply.type() == QDBusMessage::ErrorMessage
+                               ? HelperClient::describe(reply)
+                               : QString());
                 },
                 HelperClient::Caller::Other);
         else

@@ -58,13 +58,22 @@ private slots:
         QCOMPARE(deviceOperations(fake.log), QStringList({entry, entry}));
         QCOMPARE(folder.ini(kGeneral, keys::camera).toInt(), value);
 
-        // Refused after the click: the radios show the camera as it still is, and say why.
+        // Refused after the click: the radios go back to the camera's state before it (off at
+        // the first start), and say why.
         const QString why = QStringLiteral("Not allowed: the camera stays as it was.");
         fake.switches->answerNo(1, value, why);
-        QCOMPARE(w.form()->Radio_CameraON->isChecked(), value == 0);
-        QCOMPARE(w.form()->Radio_CameraOFF->isChecked(), value == 1);
+        QVERIFY(!w.form()->Radio_CameraON->isChecked());
+        QVERIFY(w.form()->Radio_CameraOFF->isChecked());
         QCOMPARE(w.form()->Radio_CameraON->toolTip(), why);
         QCOMPARE(w.form()->Radio_CameraOFF->toolTip(), why);
+
+        // Switched for real, then refused the other way: back to the switched state.
+        button->click();
+        fake.switches->answerNo(1, value, QString());
+        QRadioButton *other = value ? w.form()->Radio_CameraOFF : w.form()->Radio_CameraON;
+        other->click();
+        fake.switches->answerNo(1, 1 - value, why);
+        QVERIFY(button->isChecked());
     }
 
     void storedCameraStateIsAppliedAtStart_data()

@@ -57,7 +57,7 @@ public:
     explicit FakeSwitches(SharedLog log) : m_log(std::move(log)) {}
     void setSwitch(int switchId, int value) override;
     // The answer of a switch that says no, as it comes after the call.
-    void answerNo(int switchId, int value, const QString &why) { refuse(switchId, value, why); }
+    void answerNo(int switchId, int value, const QString &why) { answer(switchId, value, why); }
 
 private:
     SharedLog m_log;
