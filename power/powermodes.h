@@ -53,6 +53,8 @@ public:
     QString keyboardLedCode() const { return m_keyboardLedCode; }
     // The text the companion tools read.
     QString statusRecord() const { return m_fanProfileCode + m_keyboardLedCode; }
+    // Called whenever the status record changes.
+    void onStatusChanged(std::function<void()> handler) { m_statusChanged = std::move(handler); }
     int onBattery() const { return m_onBattery; }
     bool autoSwitchedToBattery() const { return m_autoSwitchedToBattery; }
     int modeBeforeBattery() const { return m_modeBeforeBattery; }
@@ -108,6 +110,7 @@ private:
     void markTrayMode(const QString &mode);
     QRadioButton *modeRadio(Mode mode) const;
     void setBatteryModeAutoEnabled(bool on);
+    void setCodes(const QString &fanProfile, const QString &keyboardLed);
 
     Ui::MainWindow &ui;
     Settings m_settings;
@@ -124,6 +127,7 @@ private:
     bool m_turboOverridePending = false;
     QString m_fanProfileCode = QStringLiteral("none");
     QString m_keyboardLedCode = QStringLiteral(",none");
+    std::function<void()> m_statusChanged;
     int m_onBattery = 0;
     bool m_autoSwitchedToBattery = false;
     int m_modeBeforeBattery = 0;

@@ -22,6 +22,16 @@ void PowerModes::runAndActivate(const powercmd::Pair &pair) const
     commands.startShown(powercmd::activateScheme(), ShowMode::Hidden);
 }
 
+void PowerModes::setCodes(const QString &fanProfile, const QString &keyboardLed)
+{
+    if (fanProfile == m_fanProfileCode && keyboardLed == m_keyboardLedCode)
+        return;
+    m_fanProfileCode = fanProfile;
+    m_keyboardLedCode = keyboardLed;
+    if (m_statusChanged)
+        m_statusChanged();
+}
+
 void PowerModes::applyCpuMin()
 {
     runAndActivate(powercmd::processorMinimum(ui.silent_cpu_min->value()));
@@ -77,14 +87,15 @@ void PowerModes::applyPanelBrightness()
 
 void PowerModes::applyFanProfile()
 {
-    m_fanProfileCode = powercmd::fanProfileCode(ui.comboBox_5->currentIndex(), m_fanProfileCode);
+    setCodes(powercmd::fanProfileCode(ui.comboBox_5->currentIndex(), m_fanProfileCode),
+             m_keyboardLedCode);
 }
 
 void PowerModes::applyKeyboardLed()
 {
     if (m_loading || ui.checkBox->isChecked())
         return;
-    m_keyboardLedCode = QLatin1Char(',') + QString::number(ui.horizontalSlider_2->value());
+    setCodes(m_fanProfileCode, QLatin1Char(',') + QString::number(ui.horizontalSlider_2->value()));
     if (m_platform.keyboardLight)
         m_platform.keyboardLight->setLevel(ui.horizontalSlider_2->value());
 }

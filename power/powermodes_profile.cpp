@@ -294,7 +294,7 @@ void PowerModes::ignoreKeyboardClicked()
     save(profilekey::ignoreKeyboard, ignore);
     ui.horizontalSlider_2->setEnabled(!ignore);
     if (ignore)
-        m_keyboardLedCode = QStringLiteral(",none");
+        setCodes(m_fanProfileCode, QStringLiteral(",none"));
     else
         applyKeyboardLed();
 }
@@ -331,7 +331,7 @@ void PowerModes::enableClicked()
         m_settings.general().setValue(QLatin1String(keys::enablePowerModes), false);
         ui.tabWidget->setTabEnabled(0, false);
         ui.reset_power_modes->setEnabled(false);
-        m_keyboardLedCode = QStringLiteral(",none");
+        setCodes(m_fanProfileCode, QStringLiteral(",none"));
     }
     setBatteryModeAutoEnabled(on);
 }

@@ -147,6 +147,7 @@ public slots:
     void NVAPI_GPU2PSTATE(int value);
     void startwidgets();
     void sharedmemtimer();
+    void retryStatus();
     void loadIntoSharedMem(const QString &text);
 
     // ---- suite, resume and maintenance
@@ -328,6 +329,7 @@ private:
     nvidia_api *m_gpuThread = nullptr;
     WidgetManager *m_widgets = nullptr;
     StatusPublisher *m_status = nullptr;
+    bool m_statusRetryPending = false;
     MyEventFilter *m_eventFilter = nullptr;
     ResumeActions *m_resume = nullptr;
     Companions *m_companions = nullptr;

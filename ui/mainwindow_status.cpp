@@ -8,17 +8,28 @@
 
 #include <QTimer>
 
+// The record is published when it changes, so it is never older than a second without a timer
+// waking the laptop every second to write the same bytes again. A publication that fails (a
+// reader still holds the old segment) is tried again each second until it succeeds.
 void MainWindow::startStatusPublisher()
 {
     m_status = new StatusPublisher(QStringLiteral("VarnelSharedMem"), this);
-    auto *timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, &MainWindow::sharedmemtimer);
-    timer->start(1000);
+    m_power->onStatusChanged([this] { sharedmemtimer(); });
+    sharedmemtimer();
 }
 
 void MainWindow::sharedmemtimer()
 {
-    m_status->publish(m_power->statusRecord());
+    if (m_status->publish(m_power->statusRecord()) || m_statusRetryPending)
+        return;
+    m_statusRetryPending = true;
+    QTimer::singleShot(1000, this, &MainWindow::retryStatus);
+}
+
+void MainWindow::retryStatus()
+{
+    m_statusRetryPending = false;
+    sharedmemtimer();
 }
 
 void MainWindow::loadIntoSharedMem(const QString &text)
