@@ -272,8 +272,9 @@ private:
     void createDisplay();
     void createCpuTuning();
     void createAudio();
-    void createMonitoring();     // GPU thread (constructor step 13)
-    void startStatusPublisher(); // shared status block timer (constructor step 17)
+    void createMonitoring(); // GPU thread (constructor step 13)
+    void publishStatus(const QString &text);
+    void startStatusPublisher(); // the shared status block (constructor step 17)
     void createSuite();          // event filter (constructor step 7)
     void applyBrandingTitle();   // constructor steps 12 and 19
 
@@ -330,6 +331,7 @@ private:
     WidgetManager *m_widgets = nullptr;
     StatusPublisher *m_status = nullptr;
     bool m_statusRetryPending = false;
+    QString m_statusPending; // the text last asked for, published or still to be
     MyEventFilter *m_eventFilter = nullptr;
     ResumeActions *m_resume = nullptr;
     Companions *m_companions = nullptr;

@@ -20,7 +20,19 @@ void MainWindow::startStatusPublisher()
 
 void MainWindow::sharedmemtimer()
 {
-    if (m_status->publish(m_power->statusRecord()) || m_statusRetryPending)
+    publishStatus(m_power->statusRecord());
+}
+
+void MainWindow::loadIntoSharedMem(const QString &text)
+{
+    publishStatus(text);
+}
+
+// The latest text wins; one retry at a time.
+void MainWindow::publishStatus(const QString &text)
+{
+    m_statusPending = text;
+    if (m_status->publish(text) || m_statusRetryPending)
         return;
     m_statusRetryPending = true;
     QTimer::singleShot(1000, this, &MainWindow::retryStatus);
@@ -29,10 +41,5 @@ void MainWindow::sharedmemtimer()
 void MainWindow::retryStatus()
 {
     m_statusRetryPending = false;
-    sharedmemtimer();
-}
-
-void MainWindow::loadIntoSharedMem(const QString &text)
-{
-    m_status->publish(text);
+    publishStatus(m_statusPending);
 }
