@@ -1,6 +1,6 @@
 // The "Brightness" tab on the real window: refreshing from the panel, the slider writing it,
 // adaptive brightness, the two shortcuts and the provider install.
-#include "../power/powerwindow.h"
+#include "testwindow.h"
 #include "panelbrightnesscontrol.h"
 
 #include <QMainWindow>
@@ -31,7 +31,7 @@ const QString kFix = QStringLiteral("shown 0: Libs\\AuxSwitch.exe");
 
 void PanelBrightnessTest::refreshShowsThePanelWithoutWritingIt()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->level = 42;
     p.start();
     Ui::MainWindow &ui = p.ui();
@@ -48,7 +48,7 @@ void PanelBrightnessTest::refreshShowsThePanelWithoutWritingIt()
 
 void PanelBrightnessTest::refreshRunsTheFixToolOnlyOnAChange()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->level = 42;
     p.start();
     p.ui().checkBox_3->setChecked(true);
@@ -75,7 +75,7 @@ void PanelBrightnessTest::unreadablePanelDisablesTheSliderSayingWhy()
 {
     QFETCH(QString, platformReason);
     QFETCH(QString, shownReason);
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->level = -1;
     if (!platformReason.isEmpty())
         p.fake.availability->features[Feature::PanelBacklight] = platformReason;
@@ -103,7 +103,7 @@ void PanelBrightnessTest::unreadablePanelDisablesTheSliderSayingWhy()
 
 void PanelBrightnessTest::refreshDuringAPowerModeApplyChangesNothing()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->level = 42;
     p.startWithPowerModes();
     p.fake.panel->level = 90;
@@ -139,7 +139,7 @@ void PanelBrightnessTest::busyControlLeavesEverythingAlone()
 
 void PanelBrightnessTest::sliderWritesThePanel()
 {
-    PowerWindow p;
+    TestWindow p;
     p.start();
     p.ui().Slider_Brightness->setValue(65);
     QCOMPARE(p.fake.log->entries, QStringList{"panel write 65"});
@@ -161,7 +161,7 @@ void PanelBrightnessTest::adaptiveBrightnessCommands()
 {
     QFETCH(bool, checked);
     QFETCH(QString, value);
-    PowerWindow p;
+    TestWindow p;
     p.setGeneral("AdaptiveBrightness", !checked);
     p.fake.panel->level = 55;
     p.start();
@@ -183,7 +183,7 @@ void PanelBrightnessTest::adaptiveBrightnessCommands()
 
 void PanelBrightnessTest::adaptiveSettingIsAppliedAtStart()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setGeneral("AdaptiveBrightness", true);
     p.window = std::make_unique<MainWindow>(p.fake.bundle());
     QVERIFY(p.ui().Check_Adaptive->isChecked());
@@ -195,7 +195,7 @@ void PanelBrightnessTest::adaptiveSettingIsAppliedAtStart()
 
 void PanelBrightnessTest::shortcutsOpenTheSettingsPages()
 {
-    PowerWindow p;
+    TestWindow p;
     p.start();
     p.ui().Button_DisplaySettings->click();
     p.ui().Button_ScreenPower->click();
@@ -207,7 +207,7 @@ void PanelBrightnessTest::shortcutsOpenTheSettingsPages()
 
 void PanelBrightnessTest::providerInstallRunsItsStepsThenLoads()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->provider = false;
     p.setGeneral("enable_power_modes", true);
     p.window = std::make_unique<MainWindow>(p.fake.bundle());
@@ -240,7 +240,7 @@ void PanelBrightnessTest::providerInstallRunsItsStepsThenLoads()
 
 void PanelBrightnessTest::providerDeclinedClosesTheWindow()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->provider = false;
     p.fake.dialogs->answers << QMessageBox::No;
     p.window = std::make_unique<MainWindow>(p.fake.bundle());

@@ -1,7 +1,7 @@
 // Applying a power mode on the real window: the exact commands in order, the panel and scheme
 // brightness delays, the companion codes and the turbo override.
 #include "powermodes.h"
-#include "powerwindow.h"
+#include "testwindow.h"
 
 #include <QtTest>
 
@@ -52,7 +52,7 @@ QStringList lid(int value)
 }
 
 // "Manage CPU" on without running its handler, which would talk to the tuning service.
-void manageCpu(PowerWindow &p, bool on)
+void manageCpu(TestWindow &p, bool on)
 {
     p.ui().checkBox_DontManageCPU->setChecked(on);
     p.ui().turbo_override->setEnabled(on);
@@ -61,7 +61,7 @@ void manageCpu(PowerWindow &p, bool on)
 
 void PowerApplyTest::wholeProfileRunsTheCatalogueInOrder()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->level = 37;
     p.startWithPowerModes();
     QCOMPARE(p.ui().Slider_Brightness->value(), 37);
@@ -88,7 +88,7 @@ void PowerApplyTest::wholeProfileRunsTheCatalogueInOrder()
 
 void PowerApplyTest::panelFollowsAfterTwoSecondsAndSchemeAfterThree()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.panel->level = 37;
     p.startWithPowerModes();
     p.window->ApplyPowerValues();
@@ -108,7 +108,7 @@ void PowerApplyTest::panelFollowsAfterTwoSecondsAndSchemeAfterThree()
 
 void PowerApplyTest::ignoredPanelStillWritesTheSchemeBrightness()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setUser("ignore_lcd_bright_normal", true);
     p.fake.panel->level = 64;
     p.startWithPowerModes();
@@ -161,7 +161,7 @@ void PowerApplyTest::singleFieldSlotsRunOnePairEach()
     QFETCH(QStringList, commands);
     QFETCH(QString, userKey);
     QFETCH(QVariant, userValue);
-    PowerWindow p;
+    TestWindow p;
     if (!userKey.isEmpty())
         p.setUser(userKey, userValue);
     p.startWithPowerModes();
@@ -171,7 +171,7 @@ void PowerApplyTest::singleFieldSlotsRunOnePairEach()
 
 void PowerApplyTest::applyLeavesTheKeyboardCodeAlone()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     PowerModes *modes = p.window->powerModes();
     QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
@@ -190,7 +190,7 @@ void PowerApplyTest::applyLeavesTheKeyboardCodeAlone()
 
 void PowerApplyTest::turboOverrideNeedsOverrideAndManagedCpu()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     manageCpu(p, true);
@@ -209,7 +209,7 @@ void PowerApplyTest::turboOverrideNeedsOverrideAndManagedCpu()
 
 void PowerApplyTest::turboOverrideAppliesADifferingValueOnce()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     manageCpu(p, true);
@@ -228,7 +228,7 @@ void PowerApplyTest::turboOverrideAppliesADifferingValueOnce()
 
 void PowerApplyTest::turboOverrideMovedBackStillAppliesOnce()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     manageCpu(p, true);

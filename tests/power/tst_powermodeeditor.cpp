@@ -1,7 +1,7 @@
 // The power-mode editor on the real window: reading profiles, saving edits, the delays each
 // edit schedules, the clamps, the feature switch with its tray entries, and the reset.
 #include "powermodes.h"
-#include "powerwindow.h"
+#include "testwindow.h"
 
 #include <QAction>
 #include <QMenu>
@@ -41,7 +41,7 @@ QStringList menuTexts(QMenu *menu)
 
 void PowerModeEditorTest::userKeyWinsAndRemovedKeyShowsDefault()
 {
-    PowerWindow p;
+    TestWindow p;
     QCOMPARE(p.defaultValue("cpu_min_slider_normal").toInt(), 5);
     p.setUser("cpu_min_slider_normal", 33);
     p.setUser("LidClose_Combo_normal", 2);
@@ -50,7 +50,7 @@ void PowerModeEditorTest::userKeyWinsAndRemovedKeyShowsDefault()
     QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
     QCOMPARE(p.ui().silent_cpu_max->value(), p.defaultValue("cpu_max_slider_normal").toInt());
 
-    QSettings(p.folder.file(PowerWindow::user), QSettings::IniFormat)
+    QSettings(p.folder.file(TestWindow::user), QSettings::IniFormat)
         .remove(QStringLiteral("settings/cpu_min_slider_normal"));
     p.window->loadPowerModeValues();
     QCOMPARE(p.ui().silent_cpu_min->value(), 5);
@@ -59,8 +59,8 @@ void PowerModeEditorTest::userKeyWinsAndRemovedKeyShowsDefault()
 
 void PowerModeEditorTest::keysMissingEverywhereShowTheMinimums()
 {
-    PowerWindow p;
-    QFile::remove(p.folder.file(PowerWindow::defaults));
+    TestWindow p;
+    QFile::remove(p.folder.file(TestWindow::defaults));
     p.setUser("comboBox_5_maximum", 6); // another mode's key changes nothing here
     p.startWithPowerModes(QStringLiteral("silent"));
     Ui::MainWindow &ui = p.ui();
@@ -80,7 +80,7 @@ void PowerModeEditorTest::keysMissingEverywhereShowTheMinimums()
 
 void PowerModeEditorTest::loadShowsTheProfileWithLabels()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setUser("turbo_override_maximum", true);
     p.setUser("ignore_lcd_bright_maximum", true);
     p.setUser("checkBox_maximum", true);
@@ -119,7 +119,7 @@ void PowerModeEditorTest::loadShowsTheProfileWithLabels()
 
 void PowerModeEditorTest::loadWritesNothingBackButTheKeyboardLevel()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes(QStringLiteral("battery"));
     // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
     QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
@@ -134,9 +134,9 @@ void PowerModeEditorTest::loadWritesNothingBackButTheKeyboardLevel()
 
 void PowerModeEditorTest::oneEditWritesOneKey()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
-    QFile::remove(p.folder.file(PowerWindow::user));
+    QFile::remove(p.folder.file(TestWindow::user));
     p.ui().silent_cpu_min->setValue(20);
     QCOMPARE(p.userKeys(), QStringList{"cpu_min_slider_normal"});
     QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), 20);
@@ -147,7 +147,7 @@ void PowerModeEditorTest::oneEditWritesOneKey()
 
 void PowerModeEditorTest::raisingTheMinimumPushesTheMaximum()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setUser("cpu_max_slider_normal", 80);
     p.startWithPowerModes();
     QCOMPARE(p.ui().silent_cpu_max->value(), 80);
@@ -168,7 +168,7 @@ void PowerModeEditorTest::raisingTheMinimumPushesTheMaximum()
 
 void PowerModeEditorTest::loweringTheMaximumPullsTheMinimum()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setUser("cpu_min_slider_normal", 70);
     p.startWithPowerModes();
     p.ui().silent_cpu_max->setValue(60);
@@ -213,9 +213,9 @@ void PowerModeEditorTest::editsScheduleTheirApply()
     QFETCH(int, value);
     QFETCH(QString, key);
     QFETCH(QString, scheduled);
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
-    QFile::remove(p.folder.file(PowerWindow::user));
+    QFile::remove(p.folder.file(TestWindow::user));
     QWidget *widget = p.window->findChild<QWidget *>(control);
     QVERIFY(widget);
     if (auto *slider = qobject_cast<QAbstractSlider *>(widget))
@@ -230,7 +230,7 @@ void PowerModeEditorTest::editsScheduleTheirApply()
 
 void PowerModeEditorTest::scheduledCallsFireInOrder()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     ui.TurnOffScreen_combo->setCurrentIndex(1);
@@ -259,7 +259,7 @@ void PowerModeEditorTest::scheduledCallsFireInOrder()
 
 void PowerModeEditorTest::immediateEditsSetTheCodes()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     PowerModes *modes = p.window->powerModes();
     p.ui().comboBox_5->setCurrentIndex(0);
@@ -274,7 +274,7 @@ void PowerModeEditorTest::immediateEditsSetTheCodes()
 
 void PowerModeEditorTest::clickHandlersSaveAndSwitchControls()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     PowerModes *modes = p.window->powerModes();
@@ -309,7 +309,7 @@ void PowerModeEditorTest::clickHandlersSaveAndSwitchControls()
 
 void PowerModeEditorTest::noModeCheckedUsesTheDigitZero()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     for (QRadioButton *radio : {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
@@ -323,7 +323,7 @@ void PowerModeEditorTest::noModeCheckedUsesTheDigitZero()
 
 void PowerModeEditorTest::switchingTheFeatureMovesTrayEntries()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
     QMenu *menu = p.window->trayMenu();
@@ -353,7 +353,7 @@ void PowerModeEditorTest::switchingTheFeatureMovesTrayEntries()
 
 void PowerModeEditorTest::disabledAtStartKeepsTabAndTrayOff()
 {
-    PowerWindow p;
+    TestWindow p;
     p.start();
     Ui::MainWindow &ui = p.ui();
     QVERIFY(!ui.checkBox_2->isChecked());
@@ -361,7 +361,7 @@ void PowerModeEditorTest::disabledAtStartKeepsTabAndTrayOff()
     QVERIFY(!ui.battery_mode_auto->isEnabled());
     QVERIFY(!ui.reset_power_modes->isEnabled());
     QCOMPARE(menuTexts(p.window->trayMenu()), (QStringList{"-", "Show Window Center", "Exit"}));
-    QVERIFY(!QFile::exists(p.folder.file(PowerWindow::user)));
+    QVERIFY(!QFile::exists(p.folder.file(TestWindow::user)));
 
     // A load with the feature off only switches the editor off.
     p.window->loadPowerModeValues();
@@ -370,7 +370,7 @@ void PowerModeEditorTest::disabledAtStartKeepsTabAndTrayOff()
 
 void PowerModeEditorTest::resetAppliesDefaultsAndTellsOnce()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setUser("cpu_min_slider_battery", 44);
     p.setUser("cpu_min_slider_normal", 45);
     p.startWithPowerModes(QStringLiteral("battery"));

@@ -1,7 +1,7 @@
 // Switching power modes on the real window: radio buttons and tray entries, the automatic
 // battery mode over a scripted power source, and the two invocable refresh slots.
 #include "powermodes.h"
-#include "powerwindow.h"
+#include "testwindow.h"
 
 #include <QAction>
 #include <QImage>
@@ -36,7 +36,7 @@ QImage imageOf(const QIcon &icon)
 }
 
 // Which of the four tray entries carry the selected icon.
-QStringList selectedEntries(const PowerWindow &p)
+QStringList selectedEntries(const TestWindow &p)
 {
     const QImage selected = imageOf(QIcon(QLatin1String(kSelected)));
     const TrayActions &tray = p.window->trayActions();
@@ -48,13 +48,13 @@ QStringList selectedEntries(const PowerWindow &p)
     return out;
 }
 
-void prepare(PowerWindow &p)
+void prepare(TestWindow &p)
 {
     p.folder.copyShipped(QLatin1String(kSelected));
     p.folder.copyShipped(QLatin1String(kNotSelected));
 }
 
-void startAutomatic(PowerWindow &p, const QString &mode = QStringLiteral("normal"))
+void startAutomatic(TestWindow &p, const QString &mode = QStringLiteral("normal"))
 {
     prepare(p);
     p.setGeneral("autobatterymode", true);
@@ -68,7 +68,7 @@ const QString kNormalScreen = QStringLiteral("run: powercfg -change -monitor-tim
 
 void PowerSwitchingTest::trayEntrySelectsAndMarksTheMode()
 {
-    PowerWindow p;
+    TestWindow p;
     prepare(p);
     p.startWithPowerModes();
     QVERIFY(imageOf(QIcon(QLatin1String(kSelected))) !=
@@ -91,7 +91,7 @@ void PowerSwitchingTest::trayEntrySelectsAndMarksTheMode()
 
 void PowerSwitchingTest::selectingTheSameModeAppliesItAgain()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes(QStringLiteral("silent"));
     p.window->trayActions().silent->trigger();
     const int first = p.fake.log->withPrefix("run: ").size();
@@ -102,7 +102,7 @@ void PowerSwitchingTest::selectingTheSameModeAppliesItAgain()
 
 void PowerSwitchingTest::selectionDuringAnApplyOnlyRecordsIt()
 {
-    PowerWindow p;
+    TestWindow p;
     prepare(p);
     p.startWithPowerModes();
     bool cutIn = false;
@@ -123,7 +123,7 @@ void PowerSwitchingTest::selectionDuringAnApplyOnlyRecordsIt()
 
 void PowerSwitchingTest::unpluggingSwitchesToBatteryAndKeepsTheMainsMode()
 {
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p);
     QVERIFY(p.ui().battery_mode_auto->isChecked());
     p.window->timerDone();
@@ -148,7 +148,7 @@ void PowerSwitchingTest::unpluggingSwitchesToBatteryAndKeepsTheMainsMode()
 
 void PowerSwitchingTest::pluggingInRestoresTheMainsMode()
 {
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p, QStringLiteral("maximum"));
     p.fake.powerSource->status = 0;
     p.window->timerDone();
@@ -167,7 +167,7 @@ void PowerSwitchingTest::pluggingInRestoresTheMainsMode()
 
 void PowerSwitchingTest::batteryChosenByHandIsNeverLeft()
 {
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p);
     p.ui().battery_mode->click();
     p.clearRecords();
@@ -182,7 +182,7 @@ void PowerSwitchingTest::batteryChosenByHandIsNeverLeft()
 
 void PowerSwitchingTest::unknownLineStatusChangesNothing()
 {
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p);
     p.fake.powerSource->status = 255;
     p.window->timerDone();
@@ -201,7 +201,7 @@ void PowerSwitchingTest::unknownLineStatusChangesNothing()
 
 void PowerSwitchingTest::handPickedModeOnBatteryLastsOneTick()
 {
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p);
     p.fake.powerSource->status = 0;
     p.window->timerDone();
@@ -222,7 +222,7 @@ void PowerSwitchingTest::handPickedModeOnBatteryLastsOneTick()
 
 void PowerSwitchingTest::automaticModeOffDoesNothing()
 {
-    PowerWindow p;
+    TestWindow p;
     prepare(p);
     p.startWithPowerModes();
     QVERIFY(!p.ui().battery_mode_auto->isChecked());
@@ -235,7 +235,7 @@ void PowerSwitchingTest::automaticModeOffDoesNothing()
 
 void PowerSwitchingTest::autoSwitchIsStoredAndRestored()
 {
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p);
     p.fake.powerSource->status = 0;
     p.window->timerDone();
@@ -266,7 +266,7 @@ void PowerSwitchingTest::batteryStateFollowsTheLineStatus()
 {
     QFETCH(QList<int>, statuses);
     QFETCH(int, onBattery);
-    PowerWindow p;
+    TestWindow p;
     startAutomatic(p);
     for (int status : statuses) {
         p.fake.powerSource->status = status;
@@ -279,7 +279,7 @@ void PowerSwitchingTest::batteryStateFollowsTheLineStatus()
 
 void PowerSwitchingTest::schemeChangeReappliesAdaptiveBrightness()
 {
-    PowerWindow p;
+    TestWindow p;
     p.startWithPowerModes();
     const QString query = QStringLiteral("powercfg /getactivescheme");
     p.fake.commands->outputs[query] = QStringLiteral("GUID: balanced");

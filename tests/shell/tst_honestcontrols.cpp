@@ -1,7 +1,7 @@
 // Controls that cannot do what they say on the running machine: the Linux answers (native
 // helper programs, probes, the desktop's power settings), the per-user working folder of a
 // system-wide install, and the real window holding such controls disabled with the reason.
-#include "../power/powerwindow.h"
+#include "testwindow.h"
 #include "commandtable.h"
 #include "desktoppower.h"
 #include "linuxavailability.h"
@@ -300,7 +300,7 @@ void HonestControlsTest::systemWideInstallWorksInAUserFolder()
 
 void HonestControlsTest::windowHoldsUnavailableControlsDisabled()
 {
-    PowerWindow p;
+    TestWindow p;
     const QString helper = QStringLiteral("needs the helper");
     p.fake.availability->features[Feature::CpuTuning] = helper;
     p.fake.availability->features[Feature::LidShutdown] = helper;
@@ -344,7 +344,7 @@ void HonestControlsTest::windowHoldsUnavailableControlsDisabled()
 
 void HonestControlsTest::firstStartOpensOnAWorkingTab()
 {
-    PowerWindow p;
+    TestWindow p;
     p.fake.availability->features[Feature::NvidiaGpu] = QStringLiteral("no gpu");
     p.fake.availability->features[Feature::CpuTuning] = QStringLiteral("helper");
     p.fake.availability->features[Feature::WindowsOnlyFix] = QStringLiteral("windows only");

@@ -1,5 +1,5 @@
 // The shared status block, read from a second process as the companion tools read it.
-#include "../power/powerwindow.h"
+#include "testwindow.h"
 #include "powermodes.h"
 #include "statuspublisher.h"
 
@@ -72,7 +72,7 @@ void StatusPublisherTest::serialisation()
 
 void StatusPublisherTest::windowPublishesTheModeCodes()
 {
-    PowerWindow p;
+    TestWindow p;
     p.setUser("comboBox_5_normal", 3);
     p.setUser("horizontalSlider_2_normal", 40);
     p.start();
@@ -104,7 +104,7 @@ void StatusPublisherTest::windowPublishesTheModeCodes()
 
 void StatusPublisherTest::windowPublishesEveryTextThroughItsSlot()
 {
-    PowerWindow p;
+    TestWindow p;
     p.start();
     QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
                                       Q_ARG(QString, QStringLiteral("5,100"))));

@@ -1,9 +1,9 @@
 #pragma once
 
-// The real window over the fake platform, in a fresh install folder holding the shipped default
-// power modes. Settings are written before the window is built; the log and the scheduler are
-// cleared once it stands (delays the start-up scheduled are dropped), so a test sees only what
-// it caused.
+// The real window over the fake platform (shared by every suite that builds it), in a fresh install
+// folder holding the shipped default power modes. Settings are written before the window is built;
+// the log and the scheduler are cleared once it stands (delays the start-up scheduled are dropped),
+// so a test sees only what it caused.
 
 #include "fakeplatform.h"
 #include "mainwindow.h"
@@ -14,7 +14,7 @@
 
 #include <memory>
 
-struct PowerWindow {
+struct TestWindow {
     FakePlatform fake;
     TestFolder folder;
     std::unique_ptr<MainWindow> window;
@@ -23,7 +23,7 @@ struct PowerWindow {
     static constexpr const char *user = "settings/user_power_mode.ini";
     static constexpr const char *defaults = "settings/default_power_mode.ini";
 
-    PowerWindow() { folder.copyShipped(QStringLiteral("settings/default_power_mode.ini")); }
+    TestWindow() { folder.copyShipped(QStringLiteral("settings/default_power_mode.ini")); }
 
     // Power modes on, in the given mode, as a user who turned them on earlier would start.
     void startWithPowerModes(const QString &mode = QStringLiteral("normal"))
