@@ -5,6 +5,7 @@
 #include "platform.h"
 #include "settingsfiles.h"
 #include "singleapplication.h"
+#include "stylesheethold.h"
 
 #include <QDesktopWidget>
 #include <QDir>
@@ -40,16 +41,18 @@ int main(int argc, char *argv[])
     QApplication::setOrganizationName(QStringLiteral("TALVERON-PC"));
     QApplication::setApplicationName(QStringLiteral("Varnel"));
     QApplication::setApplicationVersion(QStringLiteral("1.4.4"));
-    QApplication::setStyle(new DarkStyle);
     QDir::setCurrent(nativeWorkingFolder());
+    auto *general = new SettingsFile(SettingsFileSet().general);
+    const bool startHidden = general->value(QString::fromLatin1(keys::startHidden)).toBool();
+    if (startHidden)
+        StyleSheetHold::holdUntilShown();
+    QApplication::setStyle(new DarkStyle);
 
     auto *window = new MainWindow();
     QObject::connect(&app, &QApplication::aboutToQuit, window, &MainWindow::ShutdownQuit);
     QObject::connect(&app, &SingleApplication::instanceStarted, window,
                      &MainWindow::wakeFromSecondStart);
 
-    auto *general = new SettingsFile(SettingsFileSet().general);
-    const bool startHidden = general->value(QString::fromLatin1(keys::startHidden)).toBool();
     // Started hidden, the window is only created, unmapped, as showing and hiding it left it:
     // showing it first flashed it on screen and laid out every control before anybody looked.
     if (startHidden) {

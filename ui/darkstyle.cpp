@@ -1,6 +1,7 @@
 #include "darkstyle.h"
 
 #include "keys.h"
+#include "stylesheethold.h"
 
 #include <QApplication>
 #include <QFile>
@@ -85,9 +86,6 @@ void DarkStyle::polish(QApplication *app)
         QApplication::setFont(font);
     }
 
-    QFile sheet(QStringLiteral(":/darkstyle/darkstyle.qss"));
-    if (sheet.open(QFile::ReadOnly | QFile::Text)) {
-        app->setStyleSheet(QLatin1String(sheet.readAll()));
-        sheet.close();
-    }
+    if (!StyleSheetHold::held())
+        applyDarkStyleSheet();
 }

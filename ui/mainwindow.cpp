@@ -9,6 +9,7 @@
 #include "keys.h"
 #include "scheduler.h"
 #include "screenfit.h"
+#include "stylesheethold.h"
 
 #include <QAction>
 #include <QApplication>
@@ -47,12 +48,8 @@ MainWindow::MainWindow(Platform platform, QWidget *parent)
     }
 
     initDarkStyleResources();
-    QFile sheet(QString::fromLatin1(kStyleSheet));
-    if (sheet.open(QFile::ReadOnly | QFile::Text)) {
-        const QString text = QLatin1String(sheet.readAll());
-        if (qApp->styleSheet() != text)
-            qApp->setStyleSheet(text);
-    }
+    if (!StyleSheetHold::held())
+        applyDarkStyleSheet();
 
     applyPalette();
 
@@ -99,6 +96,8 @@ void MainWindow::applyPalette()
 
 void MainWindow::SetStyle()
 {
+    if (StyleSheetHold::held())
+        return;
     QFile sheet(QString::fromLatin1(kStyleSheet));
     if (!sheet.exists()) {
         std::fputs("Unable to set stylesheet, file not found\n", stdout);

@@ -1,5 +1,6 @@
 // Controls whose action has no equivalent on the running machine: disabled, saying why.
 #include "mainwindow.h"
+#include "stylesheethold.h"
 #include "ui_mainwindow.h"
 
 #include "availability.h"
@@ -90,12 +91,13 @@ void MainWindow::applyAvailability()
     for (QWidget *control : {static_cast<QWidget *>(ui->PowerModeBrightSlider),
                              static_cast<QWidget *>(ui->ignore_lcd_bright)})
         holdUnavailable(control, noPanel);
-
 }
 
 // Chosen when the window is first shown: a start hidden in the tray lays out no other page.
 void MainWindow::setVisible(bool visible)
 {
+    if (visible)
+        StyleSheetHold::release();
     if (visible && !m_workingTabChosen) {
         m_workingTabChosen = true;
         openOnAWorkingTab();
