@@ -30,8 +30,7 @@ const char kUpdaterCommand[] = R"(updates\Update.exe)";
 
 UpdateChecker::UpdateChecker(Ui::MainWindow &ui, const Platform &platform, const Settings &settings,
                              QWidget *window)
-    : QObject(window), m_ui(ui), m_platform(platform), m_settings(settings), m_window(window),
-      m_network(new QNetworkAccessManager(this))
+    : QObject(window), m_ui(ui), m_platform(platform), m_settings(settings), m_window(window)
 {
 }
 
@@ -58,6 +57,10 @@ void UpdateChecker::check()
     }
     // Waiting for the answer in a local event loop kept the window from appearing while a
     // server held the connection open: the answer is taken when it comes, within 10 s.
+    // Made for the first request: the network stack loads its plugins and starts watching the
+    // interfaces, which a build without an update server never needs.
+    if (!m_network)
+        m_network = new QNetworkAccessManager(this);
     m_reply = m_network->get(QNetworkRequest(url));
     QNetworkReply *reply = m_reply;
     connect(reply, &QNetworkReply::finished, this, [this, reply] { answered(reply); });

@@ -77,10 +77,10 @@ MainWindow::MainWindow(Platform platform, QWidget *parent)
     else
         installmof();
 
+    m_hidden = m_settings.general().value(keys::startHidden).toBool();
     applyAvailability();
     m_platform.scheduler->singleShot(61000, this, "tscheckstatus");
     startStatusPublisher();
-    m_hidden = m_settings.general().value(keys::startHidden).toBool();
 }
 
 MainWindow::~MainWindow()

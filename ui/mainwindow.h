@@ -264,6 +264,7 @@ private:
     void applyPalette();
     // Disables, with the reason as tool tip, every control the machine cannot back.
     void applyAvailability();
+    void applyDesktopAvailability();
     void openOnAWorkingTab();
 
     // Construction and start-up hooks of each subsystem, called in the window's fixed order.
@@ -315,6 +316,7 @@ private:
     QPoint m_pressPosition;
     bool m_hidden = false;
     bool m_workingTabChosen = false;
+    bool m_desktopAvailabilityPending = false;
     int m_logicalDpi = 96;
     bool m_keyHookStepDone = false;
 

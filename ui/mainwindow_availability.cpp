@@ -36,14 +36,9 @@ void MainWindow::applyAvailability()
     holdTab(Feature::CpuTuning, ui->tab);
     hold(Feature::CpuTuning, {ui->turbo_override, ui->power_mode_turbo_boost});
     hold(Feature::ProcessorLimits, {ui->silent_cpu_min, ui->silent_cpu_max});
-    hold(Feature::ScreenTimeouts, {ui->TurnOffScreen_combo, ui->Sleep_After_Combo});
     holdItemUnavailable(ui->LidClose_Combo, 2, machine.whyUnavailable(Feature::LidShutdown));
     hold(Feature::CameraSwitch, {ui->Radio_CameraON, ui->Radio_CameraOFF});
-    hold(Feature::SuperKeyBlocker, {ui->Check_DisableWinKey});
-    hold(Feature::TouchpadSwitch, {ui->Radio_TouchpadON, ui->Radio_TouchpadOFF});
-    hold(Feature::AmbientLight, {ui->Check_Adaptive});
     hold(Feature::MonitorControl, {ui->Slider_SecondBRight});
-    hold(Feature::EventSounds, {ui->comboBox_SoundCheme});
     hold(Feature::SystemTray, {ui->Check_CloseHides, ui->Check_StartHidden});
     hold(Feature::WindowsOnlyFix,
          {ui->CheckTDRdelay, ui->CheckDisableFastStartup, ui->check_hkfilter});
@@ -91,13 +86,39 @@ void MainWindow::applyAvailability()
     for (QWidget *control : {static_cast<QWidget *>(ui->PowerModeBrightSlider),
                              static_cast<QWidget *>(ui->ignore_lcd_bright)})
         holdUnavailable(control, noPanel);
+
+    // The desktop's settings are asked through GIO and the session bus, which a start hidden
+    // in the tray does not otherwise load: asked when the window is first shown.
+    m_desktopAvailabilityPending = true;
+    if (!m_hidden)
+        applyDesktopAvailability();
+}
+
+void MainWindow::applyDesktopAvailability()
+{
+    if (!m_desktopAvailabilityPending)
+        return;
+    m_desktopAvailabilityPending = false;
+    Availability &machine = *m_platform.availability;
+    auto hold = [&machine](Feature feature, std::initializer_list<QWidget *> controls) {
+        const QString why = machine.whyUnavailable(feature);
+        for (QWidget *control : controls)
+            holdUnavailable(control, why);
+    };
+    hold(Feature::ScreenTimeouts, {ui->TurnOffScreen_combo, ui->Sleep_After_Combo});
+    hold(Feature::SuperKeyBlocker, {ui->Check_DisableWinKey});
+    hold(Feature::TouchpadSwitch, {ui->Radio_TouchpadON, ui->Radio_TouchpadOFF});
+    hold(Feature::AmbientLight, {ui->Check_Adaptive});
+    hold(Feature::EventSounds, {ui->comboBox_SoundCheme});
 }
 
 // Chosen when the window is first shown: a start hidden in the tray lays out no other page.
 void MainWindow::setVisible(bool visible)
 {
-    if (visible)
+    if (visible) {
         StyleSheetHold::release();
+        applyDesktopAvailability();
+    }
     if (visible && !m_workingTabChosen) {
         m_workingTabChosen = true;
         openOnAWorkingTab();

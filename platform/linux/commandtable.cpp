@@ -21,24 +21,73 @@ QString literalStart(const QString &pattern)
     return pattern.left(end);
 }
 
+// The text a pattern without any expression matches ("(?i)" first: in any case), or nothing.
+std::optional<QString> wholeLiteral(QString pattern, Qt::CaseSensitivity *sensitivity)
+{
+    *sensitivity = Qt::CaseSensitive;
+    if (pattern.startsWith(QLatin1String("(?i)"))) {
+        pattern.remove(0, 4);
+        *sensitivity = Qt::CaseInsensitive;
+    }
+    static const QString special = QStringLiteral("^$.|?*+()[]{}");
+    QString text;
+    for (int i = 0; i < pattern.size(); ++i) {
+        const QChar c = pattern.at(i);
+        if (c == QLatin1Char('\\')) {
+            if (i + 1 == pattern.size() || pattern.at(i + 1).isLetterOrNumber())
+                return std::nullopt;
+            text += pattern.at(++i);
+        } else if (special.contains(c)) {
+            return std::nullopt;
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
 } // namespace
+
+CommandTable::Row CommandTable::makeRow(const QString &pattern)
+{
+    Row row;
+    Qt::CaseSensitivity sensitivity = Qt::CaseSensitive;
+    if (const std::optional<QString> text = wholeLiteral(pattern, &sensitivity)) {
+        row.literal = *text;
+        row.literalCase = sensitivity;
+    } else {
+        row.pattern = QRegularExpression(QRegularExpression::anchoredPattern(pattern));
+    }
+    row.literalStart = literalStart(pattern);
+    return row;
+}
 
 void CommandTable::add(const QString &pattern, Handler handler, std::function<bool()> available)
 {
-    m_rows.push_back({QRegularExpression(QRegularExpression::anchoredPattern(pattern)),
-                      std::move(handler), std::move(available), literalStart(pattern), AsyncHandler()});
+    Row row = makeRow(pattern);
+    row.handler = std::move(handler);
+    row.available = std::move(available);
+    m_rows.push_back(std::move(row));
 }
 
 void CommandTable::addAsync(const QString &pattern, AsyncHandler handler)
 {
-    m_rows.push_back({QRegularExpression(QRegularExpression::anchoredPattern(pattern)), Handler(),
-                      {}, literalStart(pattern), std::move(handler)});
+    Row row = makeRow(pattern);
+    row.asyncHandler = std::move(handler);
+    m_rows.push_back(std::move(row));
 }
 
 const CommandTable::Row *CommandTable::find(const QString &commandLine,
                                             QRegularExpressionMatch *match) const
 {
     for (const Row &row : m_rows) {
+        // Most rows are plain text: compared as text, no expression engine is even loaded.
+        if (row.literal) {
+            if (commandLine.compare(*row.literal, row.literalCase) != 0)
+                continue;
+            *match = QRegularExpressionMatch();
+            return &row;
+        }
         if (!commandLine.startsWith(row.literalStart))
             continue;
         QRegularExpressionMatch m = row.pattern.match(commandLine);

@@ -40,7 +40,11 @@ private:
         // row spares compiling its expression (a few dozen of them cost most of the first run).
         QString literalStart;
         AsyncHandler asyncHandler;
+        // A pattern that is plain text (such rows take no captures) is this text instead.
+        std::optional<QString> literal;
+        Qt::CaseSensitivity literalCase = Qt::CaseSensitive;
     };
+    static Row makeRow(const QString &pattern);
     const Row *find(const QString &commandLine, QRegularExpressionMatch *match) const;
     QVector<Row> m_rows;
 };

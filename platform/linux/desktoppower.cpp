@@ -81,11 +81,15 @@ void addDesktopPowerCommands(CommandTable &table, std::shared_ptr<DesktopTimeout
                   timeouts->setScreenOff(onBattery(match), match.captured(2).toInt());
                   return QString();
               });
-    table.add(QStringLiteral("powercfg (?:-change )?-x -standby-timeout-(ac|dc) (\\d+)"),
-              [timeouts](const QRegularExpressionMatch &match) {
-                  timeouts->setSleepAfter(onBattery(match), match.captured(2).toInt());
-                  return QString();
-              });
+    // Two rows rather than an optional "-change ": each has a plain start, so other powercfg
+    // lines (the panel brightness of every start) never compile it.
+    for (const char *form : {"powercfg -x -standby-timeout-(ac|dc) (\\d+)",
+                             "powercfg -change -x -standby-timeout-(ac|dc) (\\d+)"}) {
+        table.add(QLatin1String(form), [timeouts](const QRegularExpressionMatch &match) {
+            timeouts->setSleepAfter(onBattery(match), match.captured(2).toInt());
+            return QString();
+        });
+    }
     // Both lines carry the same action; logind has one lid switch for mains and battery.
     table.add(QStringLiteral("powercfg set(ac|dc)valueindex SCHEME_CURRENT %1 (\\d)")
                   .arg(QLatin1String(kLidSubgroups)),

@@ -1,6 +1,9 @@
 #include "gsettingskey.h"
 
 #include <QDBusConnection>
+#include <QDir>
+#include <QFile>
+#include <QHash>
 #include <QLoggingCategory>
 
 #undef signals // GLib uses the word as an identifier
@@ -78,6 +81,37 @@ const Gio *gio()
     return api.get();
 }
 
+// Whether a compiled schema file on GLib's search path names the schema. Where none does,
+// GIO (1.3 MB resident with what it pulls in) is not loaded just to learn that: desktops other
+// than GNOME, and machines without it, never need it.
+bool schemaMayBeInstalled(const QByteArray &schema)
+{
+    static QHash<QByteArray, bool> known;
+    const auto cached = known.constFind(schema);
+    if (cached != known.constEnd())
+        return *cached;
+    QStringList folders = qEnvironmentVariable("GSETTINGS_SCHEMA_DIR").split(QLatin1Char(':'));
+    const QString dataHome = qEnvironmentVariable("XDG_DATA_HOME");
+    QStringList dataFolders = qEnvironmentVariable("XDG_DATA_DIRS").split(QLatin1Char(':'));
+    if (dataFolders.join(QString()).isEmpty())
+        dataFolders = QStringList{QStringLiteral("/usr/local/share"), QStringLiteral("/usr/share")};
+    dataFolders.prepend(dataHome.isEmpty() ? QDir::homePath() + QLatin1String("/.local/share")
+                                           : dataHome);
+    for (const QString &data : qAsConst(dataFolders))
+        folders << data + QLatin1String("/glib-2.0/schemas");
+    bool named = false;
+    for (const QString &folder : qAsConst(folders)) {
+        QFile compiled(folder + QLatin1String("/gschemas.compiled"));
+        if (!folder.isEmpty() && compiled.open(QIODevice::ReadOnly) &&
+            compiled.readAll().contains(schema)) {
+            named = true;
+            break;
+        }
+    }
+    known.insert(schema, named);
+    return named;
+}
+
 // Without a session bus dconf cannot store anything and complains on the console.
 bool backendReachable()
 {
@@ -96,6 +130,10 @@ GSettings *GSettingsKey::settings() const
         return m_settings;
     m_looked = true;
     const char *schema = m_schema.constData();
+    if (!schemaMayBeInstalled(m_schema)) {
+        qCDebug(lcGSettings) << "no compiled schema names" << schema;
+        return nullptr;
+    }
     if (!gio()) {
         qCDebug(lcGSettings) << "no GIO for" << schema;
         return nullptr;

@@ -58,7 +58,7 @@ Platform linuxPlatform()
 
     auto registry = std::make_shared<LinuxRegistry>();
     auto userStore = std::make_shared<UserStoreRegistry>();
-    const auto touchpad = TouchpadRegistry::sessionPreference();
+    const auto touchpad = std::make_shared<SessionTouchpad>();
     registry->addRoute(TouchpadRegistry::key,
                        std::make_shared<TouchpadRegistry>(touchpad, userStore));
     const auto eventSounds = SoundSchemeStore::sessionEventSounds();
@@ -87,7 +87,7 @@ Platform linuxPlatform()
     LinuxAvailability::Probes probes = LinuxAvailability::nativeProbes();
     probes.desktopTimeouts = [timeouts] { return timeouts->available(); };
     probes.superKeySetting = plasma ? plasmaSession : OverlayKeyBlocker::available;
-    probes.touchpadSetting = [touchpad] { return touchpad != nullptr; };
+    probes.touchpadSetting = [touchpad] { return touchpad->exists(); };
     probes.ambientSetting = SessionDesktopSettings::hasAmbientBrightness;
     probes.eventSounds = [eventSounds] { return eventSounds != nullptr; };
     p.availability = std::make_shared<LinuxAvailability>(probes, table);

@@ -92,6 +92,27 @@ std::shared_ptr<TouchpadPreference> TouchpadRegistry::sessionPreference()
     return nullptr;
 }
 
+TouchpadPreference *SessionTouchpad::found()
+{
+    if (!m_searched) {
+        m_searched = true;
+        m_preference = TouchpadRegistry::sessionPreference();
+    }
+    return m_preference.get();
+}
+
+std::optional<bool> SessionTouchpad::enabled()
+{
+    TouchpadPreference *preference = found();
+    return preference ? preference->enabled() : std::nullopt;
+}
+
+bool SessionTouchpad::setEnabled(bool on)
+{
+    TouchpadPreference *preference = found();
+    return preference && preference->setEnabled(on);
+}
+
 bool TouchpadRegistry::isSwitch(const QString &name) const
 {
     return m_desktop && name.compare(QLatin1String(kEnabledName), Qt::CaseInsensitive) == 0;

@@ -43,6 +43,22 @@ private:
     QString m_service;
 };
 
+// The session's preference, found when first asked: the search asks the bus and opens GIO,
+// which a start hidden in the tray never needs.
+class SessionTouchpad : public TouchpadPreference {
+public:
+    // Whether the desktop has a touchpad switch at all.
+    bool exists() { return found() != nullptr; }
+    std::optional<bool> enabled() override;
+    bool setEnabled(bool on) override;
+
+private:
+    TouchpadPreference *found();
+
+    bool m_searched = false;
+    std::shared_ptr<TouchpadPreference> m_preference;
+};
+
 // The precision-touchpad key as the program writes it, carried to the desktop's switch: its
 // value "Enabled" (1 on, 0 off) is the desktop's preference. Where the desktop has none, the
 // value is kept in the fallback store so the radios still show the last choice.

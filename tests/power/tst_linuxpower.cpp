@@ -2,6 +2,7 @@
 // command-table rows for the scheme and settings-page command lines.
 #include "commandtable.h"
 #include "desktopsettings.h"
+#include "gsettingskey.h"
 #include "powercfgcommands.h"
 #include "powercommands.h"
 #include "powersupply.h"
@@ -15,6 +16,7 @@ class LinuxPowerTest : public QObject {
     Q_OBJECT
 
 private slots:
+    void absentSchemaLoadsNoGio();
     void acLineStatus_data();
     void acLineStatus();
     void oneReaderFollowsPlugsAndVanishedSupplies();
@@ -111,6 +113,29 @@ void LinuxPowerTest::oneReaderFollowsPlugsAndVanishedSupplies()
     QCOMPARE(supply.acLineStatus(), 255);
 }
 
+// First: GIO stays unloaded only while nothing in the process has asked for a key.
+void LinuxPowerTest::absentSchemaLoadsNoGio()
+{
+    QTemporaryDir data;
+    QDir(data.path()).mkpath(QStringLiteral("glib-2.0/schemas"));
+    QFile compiled(data.path() + QStringLiteral("/glib-2.0/schemas/gschemas.compiled"));
+    QVERIFY(compiled.open(QIODevice::WriteOnly));
+    compiled.write("GVariant org.gnome.desktop.session");
+    compiled.close();
+    qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
+    qunsetenv("GSETTINGS_SCHEMA_DIR");
+    QVERIFY(
+        !GSettingsKey("org.gnome.settings-daemon.plugins.power", "ambient-enabled").available());
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    QVERIFY(!maps.readAll().contains("libgio"));
+    // Named by a compiled file, the schema is looked up through GIO itself.
+    GSettingsKey("org.gnome.desktop.session", "idle-delay").available();
+    maps.seek(0);
+    QVERIFY(maps.readAll().contains("libgio"));
+}
+
 void LinuxPowerTest::tableRowsMatchWholeLines_data()
 {
     QTest::addColumn<QString>("pattern");
@@ -132,6 +157,8 @@ void LinuxPowerTest::tableRowsMatchWholeLines_data()
                                              << "explorer axb" << false;
     QTest::newRow("other command") << "tasklist /fi"
                                    << "taskkill /fi" << false;
+    QTest::newRow("plain text keeps its case") << "tasklist"
+                                               << "TASKLIST" << false;
     QTest::newRow("longer line") << "tasklist"
                                  << "tasklist /v" << false;
 }

@@ -5,8 +5,9 @@
 #include <QMenu>
 #include <QtTest>
 
-// Started hidden, the style sheet waits for the first window shown, whichever it is.
-class TestStyleSheetHold : public QObject {
+// Started hidden in the tray, the style sheet and the desktop's settings wait for the first
+// window shown.
+class TestHiddenStart : public QObject {
     Q_OBJECT
 
     static void holdWithNoSheet()
@@ -45,6 +46,20 @@ private slots:
         QVERIFY(!qApp->styleSheet().isEmpty());
     }
 
+    void desktopSettingsAskedWhenFirstShown()
+    {
+        TestWindow rig;
+        rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
+        rig.fake.availability->features[Feature::PanelBacklight] = QStringLiteral("no panel");
+        rig.setGeneral("start_hidden", true);
+        rig.start();
+        QVERIFY(!rig.ui().PowerModeBrightSlider->isEnabled()); // the machine's own: at once
+        QVERIFY(rig.ui().Radio_TouchpadON->isEnabled());
+        rig.window->show();
+        QVERIFY(!rig.ui().Radio_TouchpadON->isEnabled());
+        QCOMPARE(rig.ui().Radio_TouchpadOFF->toolTip(), QStringLiteral("no switch"));
+    }
+
     void unheldStyleSetsTheSheet()
     {
         qApp->setStyleSheet(QString()); // the style sets it again at once
@@ -54,5 +69,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestStyleSheetHold)
-#include "tst_stylesheethold.moc"
+QTEST_MAIN(TestHiddenStart)
+#include "tst_hiddenstart.moc"
