@@ -39,89 +39,55 @@ private slots:
         qputenv("GSETTINGS_BACKEND", "keyfile");
     }
 
-    void valueCarriedToTheDesktop_data()
+    void valueReachesTheDesktopOrTheStore_data()
     {
-        QTest::addColumn<QVariant>("written");
-        QTest::addColumn<bool>("on");
-        QTest::newRow("0 turns it off") << QVariant(0) << false;
-        QTest::newRow("1 turns it on") << QVariant(1) << true;
+        QTest::addColumn<bool>("desktop");
+        QTest::addColumn<bool>("accepts");
+        QTest::newRow("the desktop takes it") << true << true;
+        QTest::newRow("a desktop that cannot say: the store") << true << false;
+        QTest::newRow("no desktop: the store") << false << false;
     }
 
-    void valueCarriedToTheDesktop()
+    void valueReachesTheDesktopOrTheStore()
     {
-        QFETCH(QVariant, written);
-        QFETCH(bool, on);
-        auto desktop = std::make_shared<ScriptedPreference>();
-        auto store = std::make_shared<UserStoreRegistry>();
-        TouchpadRegistry registry(desktop, store);
-        registry.setValue(kKey, QStringLiteral("Enabled"), written);
-        QCOMPARE(desktop->sets, QList<bool>({on}));
-        QCOMPARE(registry.value(kKey, QStringLiteral("Enabled"), QVariant()).toInt(), on ? 1 : 0);
-        QVERIFY(!store->contains(kKey, QStringLiteral("Enabled")));
-    }
-
-    void desktopThatCannotSayFallsBackToTheStore()
-    {
-        auto desktop = std::make_shared<ScriptedPreference>();
-        desktop->accepts = false;
-        auto store = std::make_shared<UserStoreRegistry>();
-        TouchpadRegistry registry(desktop, store);
-        registry.setValue(kKey, QStringLiteral("Enabled"), 1);
-        QCOMPARE(store->value(kKey, QStringLiteral("Enabled"), QVariant()).toInt(), 1);
-        QCOMPARE(registry.value(kKey, QStringLiteral("Enabled"), QVariant()).toInt(), 1);
-        registry.setValue(kKey, QStringLiteral("Enabled"), 0);
-        QCOMPARE(registry.value(kKey, QStringLiteral("Enabled"), QVariant()).toInt(), 0);
-    }
-
-    void withoutDesktopTheStoreRemembers()
-    {
+        QFETCH(bool, desktop);
+        QFETCH(bool, accepts);
+        auto preference = desktop ? std::make_shared<ScriptedPreference>() : nullptr;
+        if (preference)
+            preference->accepts = accepts;
         auto store = std::make_shared<UserStoreRegistry>();
         store->remove(kKey, QStringLiteral("Enabled"));
-        TouchpadRegistry registry(nullptr, store);
+        TouchpadRegistry registry(preference, store);
         QVERIFY(!registry.value(kKey, QStringLiteral("Enabled"), QVariant()).isValid());
-        registry.setValue(kKey, QStringLiteral("Enabled"), 1);
-        QCOMPARE(registry.value(kKey, QStringLiteral("Enabled"), QVariant()).toInt(), 1);
-    }
-
-    void gnomeSendEvents_data()
-    {
-        QTest::addColumn<QString>("mode");
-        QTest::addColumn<bool>("enabled");
-        QTest::newRow("enabled") << "enabled" << true;
-        QTest::newRow("disabled") << "disabled" << false;
-        QTest::newRow("off only with a mouse") << "disabled-on-external-mouse" << true;
+        for (const int value : {0, 1}) {
+            registry.setValue(kKey, QStringLiteral("Enabled"), value);
+            QCOMPARE(registry.value(kKey, QStringLiteral("Enabled"), QVariant()).toInt(), value);
+            QCOMPARE(store->contains(kKey, QStringLiteral("Enabled")), !accepts);
+            if (preference)
+                QCOMPARE(preference->sets.last(), value == 1);
+        }
     }
 
     void gnomeSendEvents()
-    {
-        QFETCH(QString, mode);
-        QFETCH(bool, enabled);
-        GSettingsKey sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events");
-        if (!sendEvents.available())
-            QSKIP("GNOME's desktop schemas are not installed");
-        GnomeTouchpad touchpad;
-        QVERIFY(sendEvents.setText(mode));
-        QCOMPARE(touchpad.enabled(), std::optional<bool>(enabled));
-    }
-
-    void gnomeTouchpadWritesSendEvents()
-    {
-        GnomeTouchpad touchpad;
-        if (!touchpad.available())
-            QSKIP("GNOME's desktop schemas are not installed");
-        GSettingsKey sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events");
-        QVERIFY(touchpad.setEnabled(false));
-        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("disabled")));
-        QVERIFY(touchpad.setEnabled(true));
-        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("enabled")));
-    }
-
-    void missingSchemaIsAbsent()
     {
         GSettingsKey missing("org.example.varnel.nothing", "key");
         QVERIFY(!missing.available());
         QCOMPARE(missing.text(), std::optional<QString>());
         QVERIFY(!missing.setBoolean(true));
+        GSettingsKey sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events");
+        GnomeTouchpad touchpad;
+        if (!sendEvents.available() || !touchpad.available())
+            QSKIP("GNOME's desktop schemas are not installed");
+        const QList<QPair<QString, bool>> modes = {
+            {"enabled", true}, {"disabled", false}, {"disabled-on-external-mouse", true}};
+        for (const auto &mode : modes) {
+            QVERIFY(sendEvents.setText(mode.first));
+            QCOMPARE(touchpad.enabled(), std::optional<bool>(mode.second));
+        }
+        QVERIFY(touchpad.setEnabled(false));
+        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("disabled")));
+        QVERIFY(touchpad.setEnabled(true));
+        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("enabled")));
     }
 
 private:

@@ -11,15 +11,11 @@ class NvmlGpuTest : public QObject {
 private slots:
     void init();
     void cleanup();
-    void onlyNvidiaDisplayControllersCount();
     void noNvidiaGpuFailsWithoutLoadingTheLibrary();
     void missingLibraryFailsQuietly();
     void sleepingGpuIsNeverTouched();
-    void aGpuThatFallsAsleepIsLeftAloneFromThatCycle();
-    void awakeGpuIsReadAndShutDownEveryCycle();
-    void unreportedUtilisationIsNotPresent();
-    void versionedTemperatureWhenThePlainOneIsGone();
-    void failingQueriesReachTheLoop();
+    void awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps();
+    void queriesAnswerAsTheDriverInterface();
 
 private:
     static QString tree(const char *name)
@@ -38,6 +34,17 @@ private:
             return nullptr;
         m_handles << handle;
         return static_cast<FakeNvmlScript *>(dlsym(handle, "fakeNvml"));
+    }
+    // One pass of the polling loop over the real backend: the temperatures it reported.
+    static QList<int> pollTemperatures(nvidia_api &loop, int passes = 1)
+    {
+        QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+        for (int i = 0; i < passes; ++i)
+            loop.pollOnce();
+        QList<int> out;
+        for (const QVariantList &signal : temperature)
+            out << signal.at(0).toInt();
+        return out;
     }
 
     QList<void *> m_handles;
@@ -64,23 +71,20 @@ void NvmlGpuTest::cleanup()
     m_handles.clear();
 }
 
-void NvmlGpuTest::onlyNvidiaDisplayControllersCount()
+void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
 {
-    const auto awake = NvmlGpuSensors::scanPci(tree("gpu-awake"));
     // The GPU's own audio function sleeps as it likes; it is no display controller.
+    const auto awake = NvmlGpuSensors::scanPci(tree("gpu-awake"));
     QCOMPARE(awake.devices, QStringList{QStringLiteral("0000:01:00.0")});
     QVERIFY(!awake.anySleeping);
     QVERIFY(NvmlGpuSensors::scanPci(tree("gpu-asleep")).anySleeping);
     QVERIFY(NvmlGpuSensors::scanPci(tree("no-nvidia")).devices.isEmpty());
-}
 
-void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
-{
     NvmlGpuSensors gpu(library("fakenvml"), tree("no-nvidia"));
     QVERIFY(!gpu.absentForGood()); // nothing is known before the first look
     QVERIFY(gpu.initialize() != 0);
-    QCOMPARE(m_script->initCalls, 0);
     gpu.unload();
+    QCOMPARE(m_script->initCalls, 0);
     QCOMPARE(m_script->shutdownCalls, 0);
     QVERIFY(gpu.absentForGood());
 
@@ -95,7 +99,8 @@ void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
 
 void NvmlGpuTest::missingLibraryFailsQuietly()
 {
-    NvmlGpuSensors gpu(QStringLiteral("libnvidia-ml-missing.so.1"), tree("gpu-awake"));
+    const QString missing = QStringLiteral("libnvidia-ml-missing.so.1");
+    NvmlGpuSensors gpu(missing, tree("gpu-awake"));
     const int status = gpu.initialize();
     QVERIFY(status != 0);
     QVERIFY(!gpu.errorMessage(status).isEmpty());
@@ -104,13 +109,9 @@ void NvmlGpuTest::missingLibraryFailsQuietly()
     gpu.unload();
 
     // The loop over it reports the failure path, and nothing else.
-    nvidia_api loop(std::make_shared<NvmlGpuSensors>(QStringLiteral("libnvidia-ml-missing.so.1"),
-                                                     tree("gpu-awake")));
-    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+    nvidia_api loop(std::make_shared<NvmlGpuSensors>(missing, tree("gpu-awake")));
     QSignalSpy clock(&loop, &nvidia_api::GPU1CORECLOCK);
-    loop.pollOnce();
-    QCOMPARE(temperature.size(), 1);
-    QCOMPARE(temperature.at(0).at(0).toInt(), 0);
+    QCOMPARE(pollTemperatures(loop), QList<int>{0});
     QCOMPARE(clock.size(), 0);
 }
 
@@ -125,22 +126,17 @@ void NvmlGpuTest::sleepingGpuIsNeverTouched()
     QCOMPARE(gpu.allClockFrequencies(0, &graphics, &memory), 0);
     QCOMPARE(memory, 0u);
     gpu.unload();
-    QCOMPARE(m_script->initCalls, 0);
-    QCOMPARE(m_script->queries, 0);
 
     // The loop takes that as asleep: zeros, and no further query.
     nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-asleep")));
-    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
     QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
-    loop.pollOnce();
-    QCOMPARE(temperature.size(), 1);
-    QCOMPARE(temperature.at(0).at(0).toInt(), 0);
+    QCOMPARE(pollTemperatures(loop), QList<int>{0});
     QCOMPARE(pstate.size(), 0);
     QCOMPARE(m_script->initCalls, 0);
     QCOMPARE(m_script->queries, 0);
 }
 
-void NvmlGpuTest::aGpuThatFallsAsleepIsLeftAloneFromThatCycle()
+void NvmlGpuTest::awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
 {
     // A copy of the awake tree whose power state the test changes between cycles.
     QTemporaryDir sys;
@@ -159,88 +155,61 @@ void NvmlGpuTest::aGpuThatFallsAsleepIsLeftAloneFromThatCycle()
     };
 
     nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.path()));
-    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
-    loop.pollOnce();
-    QCOMPARE(m_script->initCalls, 1);
-    QCOMPARE(temperature.takeLast().at(0).toInt(), 61);
-
-    setPowerState("suspended");
-    // The bus was listed in the first cycle; later cycles read only the GPU's power state.
-    QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
-    loop.pollOnce();
-    QCOMPARE(m_script->initCalls, 1);
-    QCOMPARE(temperature.takeLast().at(0).toInt(), 0);
-
-    setPowerState("active");
-    loop.pollOnce();
-    QCOMPARE(m_script->initCalls, 2);
-    QCOMPARE(temperature.takeLast().at(0).toInt(), 61);
-}
-
-void NvmlGpuTest::awakeGpuIsReadAndShutDownEveryCycle()
-{
-    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-awake")));
-    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
     QSignalSpy load(&loop, &nvidia_api::GPU1LOAD);
     QSignalSpy core(&loop, &nvidia_api::GPU1CORECLOCK);
     QSignalSpy memory(&loop, &nvidia_api::GPU1MEMCLOCK);
     QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
-    loop.pollOnce();
-    QCOMPARE(temperature.value(0).value(0).toInt(), 61);
-    QCOMPARE(load.size(), 2);
-    QCOMPARE(load.at(0).at(0).toInt(), 42);
+    QCOMPARE(pollTemperatures(loop, 2), QList<int>({61, 61}));
+    QCOMPARE(load.value(0).value(0).toInt(), 42);
     QCOMPARE(core.value(0).value(0).toInt(), 1530);
     QCOMPARE(memory.value(0).value(0).toInt(), 7001);
     QCOMPARE(pstate.value(0).value(0).toInt(), 2);
-    loop.pollOnce();
     QCOMPARE(m_script->initCalls, 2);
     QCOMPARE(m_script->shutdownCalls, 2);
+
+    setPowerState("suspended");
+    // The bus was listed in the first cycle; later cycles read only the GPU's power state.
+    QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
+    QCOMPARE(pollTemperatures(loop), QList<int>{0});
+    QCOMPARE(m_script->initCalls, 2);
+    setPowerState("active");
+    QCOMPARE(pollTemperatures(loop), QList<int>{61});
+    QCOMPARE(m_script->initCalls, 3);
 }
 
-void NvmlGpuTest::unreportedUtilisationIsNotPresent()
+void NvmlGpuTest::queriesAnswerAsTheDriverInterface()
 {
-    m_script->utilizationResult = 3; // not supported
+    // A driver without the plain temperature query answers the versioned one.
+    FakeNvmlScript *versioned = script("fakenvml_v");
+    QVERIFY(versioned);
+    *versioned = *m_script;
+    NvmlGpuSensors newer(library("fakenvml_v"), tree("gpu-awake"));
+    QCOMPARE(newer.initialize(), 0);
+    int count = 0;
+    QCOMPARE(newer.enumeratePhysicalGpus(&count), 0);
+    int celsius = 0;
+    QCOMPARE(newer.thermalSensor0(0, &celsius), 0);
+    QCOMPARE(celsius, 61);
+    QCOMPARE(versioned->lastTemperatureVersion, 12u | (1u << 24));
+    newer.unload();
+
     NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
     QCOMPARE(gpu.initialize(), 0);
-    int count = 0;
     QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+    // Utilisation not supported: not present; a real failure leaves the previous figures.
     bool present = true;
     unsigned percent = 77;
+    m_script->utilizationResult = 3;
     QCOMPARE(gpu.dynamicPstatesInfo(0, &present, &percent), 0);
     QVERIFY(!present);
-
-    m_script->utilizationResult = 9; // a real failure leaves the previous figures
+    m_script->utilizationResult = 9;
     present = true;
     QVERIFY(gpu.dynamicPstatesInfo(0, &present, &percent) != 0);
     QVERIFY(present);
     QCOMPARE(percent, 77u);
-    gpu.unload();
-}
 
-void NvmlGpuTest::versionedTemperatureWhenThePlainOneIsGone()
-{
-    FakeNvmlScript *versioned = script("fakenvml_v");
-    QVERIFY(versioned);
-    *versioned = *m_script;
-    NvmlGpuSensors gpu(library("fakenvml_v"), tree("gpu-awake"));
-    QCOMPARE(gpu.initialize(), 0);
-    int count = 0;
-    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
-    int celsius = 0;
-    QCOMPARE(gpu.thermalSensor0(0, &celsius), 0);
-    QCOMPARE(celsius, 61);
-    QCOMPARE(versioned->lastTemperatureVersion, 12u | (1u << 24));
-    gpu.unload();
-}
-
-void NvmlGpuTest::failingQueriesReachTheLoop()
-{
     m_script->temperatureResult = 9;
-    NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
-    QCOMPARE(gpu.initialize(), 0);
-    int count = 0;
-    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
-    int celsius = 5;
+    celsius = 5;
     QCOMPARE(gpu.thermalSensor0(0, &celsius), 9);
     QCOMPARE(celsius, 5);
     QCOMPARE(gpu.errorMessage(9), QStringLiteral("Driver Not Loaded"));
@@ -248,7 +217,6 @@ void NvmlGpuTest::failingQueriesReachTheLoop()
     // After an unload the handles are gone, as the driver interface's are.
     unsigned graphics = 0, memory = 0;
     QVERIFY(gpu.allClockFrequencies(0, &graphics, &memory) != 0);
-
     m_script->initResult = 9;
     QCOMPARE(gpu.initialize(), 9);
     QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
