@@ -20,11 +20,22 @@ const QString window =
 const QString pstate = QStringLiteral("sys/devices/system/cpu/intel_pstate/");
 const QString camera = QStringLiteral("sys/bus/usb/devices/1-6/authorized");
 
+struct CallRow {
+    QStringList allowed;
+    QString method;
+    QVariantList arguments;
+    QString error;
+    QString file;
+    QByteArray content;
+};
+
 bool waitForReadChains(QSignalSpy &ends, int count)
 {
     return QTest::qWaitFor([&] { return ends.count() >= count; }, 20000);
 }
 } // namespace
+
+Q_DECLARE_METATYPE(CallRow)
 
 // varnel-helper as the window reaches it, over a private system bus and a fake tree: started by
 // the bus, asking polkit on every call, carrying out the tuning client's chains.
@@ -35,8 +46,7 @@ private slots:
     void init();
     void calls_data();
     void calls();
-    void startupReadsAndApplyWrites();
-    void refusalIsShown();
+    void startupReadsAndApplyWritesUnlessRefused();
     void missingHelperDisablesManageCpu();
     void powerModeLimitsReachTheHelper();
     void noAgentRefuses(); // last: polkit keeps asking for an agent from then on
@@ -89,50 +99,35 @@ std::unique_ptr<QSignalSpy> TestHelperWindow::startWindow(TestWindow &t,
 
 void TestHelperWindow::calls_data()
 {
-    QTest::addColumn<QStringList>("allowed");
-    QTest::addColumn<QString>("method");
-    QTest::addColumn<QVariantList>("arguments");
-    QTest::addColumn<QString>("error");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<CallRow>("row");
     const QString none, refused = helpererror::notAuthorized;
     const QStringList limits{helperaction::processorLimits}, tuning{helperaction::tuning};
+    const QString maxPct = pstate + "max_perf_pct";
     QTest::newRow("processor maximum, authorised")
-        << limits << "SetProcessorMaximum" << QVariantList{70} << none << pstate + "max_perf_pct"
-        << QByteArray("70");
+        << CallRow{limits, "SetProcessorMaximum", {70}, none, maxPct, "70"};
     QTest::newRow("processor maximum, refused")
-        << QStringList() << "SetProcessorMaximum" << QVariantList{60} << refused
-        << pstate + "max_perf_pct" << QByteArray("100");
+        << CallRow{{}, "SetProcessorMaximum", {60}, refused, maxPct, "100"};
     QTest::newRow("processor limits do not authorise tuning")
-        << limits << "SetTurboPower" << QVariantList{35000u} << refused << longTermPower
-        << QByteArray("45000000");
-    QTest::newRow("turbo power, authorised") << tuning << "SetTurboPower" << QVariantList{35000u}
-                                             << none << longTermPower << QByteArray("35000000");
-    QTest::newRow("out of range though authorised")
-        << tuning << "SetTurboPower" << QVariantList{5000000u} << helpererror::outOfRange
-        << longTermPower << QByteArray("45000000");
+        << CallRow{limits, "SetTurboPower", {35000u}, refused, longTermPower, "45000000"};
+    QTest::newRow("turbo power, authorised")
+        << CallRow{tuning, "SetTurboPower", {35000u}, none, longTermPower, "35000000"};
+    QTest::newRow("out of range though authorised") << CallRow{
+        tuning, "SetTurboPower", {5000000u}, helpererror::outOfRange, longTermPower, "45000000"};
     QTest::newRow("camera off, authorised")
-        << QStringList{helperaction::camera} << "SetCamera" << QVariantList{false} << none << camera
-        << QByteArray("0");
-    QTest::newRow("camera, refused")
-        << tuning << "SetCamera" << QVariantList{false} << refused << camera << QByteArray("1");
+        << CallRow{{helperaction::camera}, "SetCamera", {false}, none, camera, "0"};
+    QTest::newRow("camera, refused") << CallRow{tuning, "SetCamera", {false}, refused, camera, "1"};
     QTest::newRow("reading needs its own yes")
-        << tuning << "ReadPowerLimits" << QVariantList() << refused << none << QByteArray();
+        << CallRow{tuning, "ReadPowerLimits", {}, refused, none, ""};
 }
 
 void TestHelperWindow::calls()
 {
-    QFETCH(QStringList, allowed);
-    QFETCH(QString, method);
-    QFETCH(QVariantList, arguments);
-    QFETCH(QString, error);
-    QFETCH(QString, file);
-    QFETCH(QByteArray, content);
-    m_bus.allow(allowed);
-    const QDBusMessage reply = call(method, arguments);
-    QCOMPARE(reply.type() == QDBusMessage::ErrorMessage ? reply.errorName() : QString(), error);
-    if (!file.isEmpty())
-        QCOMPARE(m_tree.get(file), content);
+    QFETCH(CallRow, row);
+    m_bus.allow(row.allowed);
+    const QDBusMessage reply = call(row.method, row.arguments);
+    QCOMPARE(reply.type() == QDBusMessage::ErrorMessage ? reply.errorName() : QString(), row.error);
+    if (!row.file.isEmpty())
+        QCOMPARE(m_tree.get(row.file), row.content);
 }
 
 void TestHelperWindow::noAgentRefuses()
@@ -149,7 +144,7 @@ void TestHelperWindow::noAgentRefuses()
     QCOMPARE(m_tree.get(longTermPower), QByteArray("45000000"));
 }
 
-void TestHelperWindow::startupReadsAndApplyWrites()
+void TestHelperWindow::startupReadsAndApplyWritesUnlessRefused()
 {
     TestWindow t;
     t.setGeneral("DontManageCPU", true);
@@ -176,21 +171,14 @@ void TestHelperWindow::startupReadsAndApplyWrites()
     // What was read back is what the tab shows.
     QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
     QCOMPARE(t.window->cpuTuning()->readTurboTime, 56);
-}
 
-void TestHelperWindow::refusalIsShown()
-{
+    // Refused: nothing changes, and the tab says why.
     m_bus.allow({helperaction::read});
-    TestWindow t;
-    t.setGeneral("DontManageCPU", true);
-    auto chainEnds = startWindow(t, systemHelperAvailable);
-    QVERIFY(waitForReadChains(*chainEnds, 1));
-    Ui::MainWindow &ui = t.ui();
     ui.Slider_TurboBoost->setValue(240);
     ui.Button_ApplyValues->click();
-    QVERIFY(waitForReadChains(*chainEnds, 2));
-    QCOMPARE(m_tree.get(longTermPower), QByteArray("45000000"));
-    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("45W"));
+    QVERIFY(waitForReadChains(*chainEnds, 3));
+    QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
+    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
     QVERIFY2(ui.frame_2->toolTip().contains(QLatin1String("Not allowed")),
              qPrintable(ui.frame_2->toolTip()));
 }
