@@ -1,5 +1,6 @@
 #include "gsettingskey.h"
 #include "linuxregistry.h"
+#include "rfkillswitch.h"
 #include "touchpadpreference.h"
 
 #include <QTemporaryDir>
@@ -27,7 +28,8 @@ public:
 
 } // namespace
 
-class TestTouchpadPreference : public QObject {
+// The Linux device backends: the wireless switch and the touchpad preference.
+class TestLinuxDevices : public QObject {
     Q_OBJECT
 
 private slots:
@@ -37,6 +39,36 @@ private slots:
         // Before GLib looks anything up: a private, file-backed settings store.
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_config.path()));
         qputenv("GSETTINGS_BACKEND", "keyfile");
+    }
+
+    // index (4 bytes, host order), type, operation, soft block, hard block
+    void switchWritesOneChangeAllEvent_data()
+    {
+        QTest::addColumn<int>("switchId");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("wlan off") << 2 << 0 << QByteArray("\0\0\0\0\x01\x03\x01\x00", 8);
+        QTest::newRow("wlan on") << 2 << 1 << QByteArray("\0\0\0\0\x01\x03\x00\x00", 8);
+        QTest::newRow("camera needs root") << 1 << 0 << QByteArray();
+        QTest::newRow("touchpad follows the desktop") << 3 << 0 << QByteArray();
+    }
+
+    void switchWritesOneChangeAllEvent()
+    {
+        QFETCH(int, switchId);
+        QFETCH(int, value);
+        QFETCH(QByteArray, bytes);
+        QTemporaryDir dir;
+        QFile file(dir.filePath(QStringLiteral("rfkill")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        LinuxDeviceSwitches(file.fileName()).setSwitch(switchId, value);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), bytes);
+        // A missing device fails quietly.
+        const QString missing = QStringLiteral("/nonexistent/rfkill");
+        QVERIFY(!rfkill::write(missing, rfkill::changeAllEvent(1, true)));
+        LinuxDeviceSwitches(missing).setSwitch(2, 1);
     }
 
     void valueReachesTheDesktopOrTheStore_data()
@@ -68,7 +100,7 @@ private slots:
         }
     }
 
-    void gnomeSendEvents()
+    void gsettingsKeysAndGnomeTouchpad()
     {
         GSettingsKey missing("org.example.varnel.nothing", "key");
         QVERIFY(!missing.available());
@@ -94,5 +126,5 @@ private:
     QTemporaryDir m_config;
 };
 
-QTEST_GUILESS_MAIN(TestTouchpadPreference)
-#include "tst_touchpadpreference.moc"
+QTEST_GUILESS_MAIN(TestLinuxDevices)
+#include "tst_linuxdevices.moc"

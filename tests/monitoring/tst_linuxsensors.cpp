@@ -1,12 +1,15 @@
 #include "fakenvml.h"
+#include "linuxsampler.h"
 #include "nvidia_api.h"
 #include "nvmlgpu.h"
 
 #include <QtTest>
 
 #include <dlfcn.h>
+#include <sys/statvfs.h>
 
-class NvmlGpuTest : public QObject {
+// The Linux monitoring backends: NVML for the GPU, /proc and /sys for the usage figures.
+class LinuxSensorsTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
@@ -16,6 +19,10 @@ private slots:
     void sleepingGpuIsNeverTouched();
     void awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps();
     void queriesAnswerAsTheDriverInterface();
+    void samplerMemoryAndInterfaces();
+    void processorTimesFromTheFirstStatLine();
+    void freeSpaceIsWhatTheUserMayUse();
+    void missingTreeGivesNothingAndThisMachineGivesFigures();
 
 private:
     static QString tree(const char *name)
@@ -23,6 +30,7 @@ private:
         return QFINDTESTDATA(QStringLiteral("fixtures/") + QLatin1String(name) +
                              QStringLiteral("/sys"));
     }
+    static QString laptop() { return QFINDTESTDATA("fixtures/laptop"); }
     static QString library(const char *name)
     {
         return QStringLiteral(VARNEL_TEST_BIN_DIR "/monitoring/lib%1.so").arg(QLatin1String(name));
@@ -51,7 +59,7 @@ private:
     FakeNvmlScript *m_script = nullptr;
 };
 
-void NvmlGpuTest::init()
+void LinuxSensorsTest::init()
 {
     m_script = script("fakenvml");
     QVERIFY2(m_script, "the stand-in library is built with the tests");
@@ -64,14 +72,14 @@ void NvmlGpuTest::init()
     m_script->temperature[0] = 61;
 }
 
-void NvmlGpuTest::cleanup()
+void LinuxSensorsTest::cleanup()
 {
     for (void *handle : m_handles)
         dlclose(handle);
     m_handles.clear();
 }
 
-void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
+void LinuxSensorsTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
 {
     // The GPU's own audio function sleeps as it likes; it is no display controller.
     const auto awake = NvmlGpuSensors::scanPci(tree("gpu-awake"));
@@ -97,7 +105,7 @@ void NvmlGpuTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
     QCOMPARE(temperature.at(0).at(0).toInt(), 0);
 }
 
-void NvmlGpuTest::missingLibraryFailsQuietly()
+void LinuxSensorsTest::missingLibraryFailsQuietly()
 {
     const QString missing = QStringLiteral("libnvidia-ml-missing.so.1");
     NvmlGpuSensors gpu(missing, tree("gpu-awake"));
@@ -115,7 +123,7 @@ void NvmlGpuTest::missingLibraryFailsQuietly()
     QCOMPARE(clock.size(), 0);
 }
 
-void NvmlGpuTest::sleepingGpuIsNeverTouched()
+void LinuxSensorsTest::sleepingGpuIsNeverTouched()
 {
     NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-asleep"));
     QCOMPARE(gpu.initialize(), 0);
@@ -136,7 +144,7 @@ void NvmlGpuTest::sleepingGpuIsNeverTouched()
     QCOMPARE(m_script->queries, 0);
 }
 
-void NvmlGpuTest::awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
+void LinuxSensorsTest::awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
 {
     // A copy of the awake tree whose power state the test changes between cycles.
     QTemporaryDir sys;
@@ -177,7 +185,7 @@ void NvmlGpuTest::awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
     QCOMPARE(m_script->initCalls, 3);
 }
 
-void NvmlGpuTest::queriesAnswerAsTheDriverInterface()
+void LinuxSensorsTest::queriesAnswerAsTheDriverInterface()
 {
     // A driver without the plain temperature query answers the versioned one.
     FakeNvmlScript *versioned = script("fakenvml_v");
@@ -224,5 +232,87 @@ void NvmlGpuTest::queriesAnswerAsTheDriverInterface()
     QCOMPARE(m_script->shutdownCalls, 1);
 }
 
-QTEST_GUILESS_MAIN(NvmlGpuTest)
-#include "tst_nvmlgpu.moc"
+void LinuxSensorsTest::samplerMemoryAndInterfaces()
+{
+    LinuxSampler sampler(laptop() + QStringLiteral("/proc"), laptop() + QStringLiteral("/sys"));
+    quint64 total = 0, available = 0;
+    QVERIFY(sampler.memoryStatus(&total, &available));
+    QCOMPARE(total, quint64(16303412) * 1024);
+    QCOMPARE(available, quint64(9781884) * 1024);
+
+    // lo, docker0 and the veth pair have no device; wlp2s0 (index 2) comes before enp3s0 (3).
+    const QVector<InterfaceCounters> table = sampler.interfaceTable();
+    QCOMPARE(table.size(), 2);
+    QCOMPARE(table.at(0).type, 801u); // wireless: ARPHRD_IEEE80211
+    QCOMPARE(table.at(0).inOctets, quint32(7000000000ull - 4294967296ull));
+    QCOMPARE(table.at(0).outOctets, 300000u);
+    QCOMPARE(table.at(1).type, 1u); // ARPHRD_ETHER
+    QCOMPARE(table.at(1).inOctets, 1000000u);
+    QCOMPARE(table.at(1).outOctets, 200000u);
+
+    // Without MemAvailable there is no figure.
+    QTemporaryDir dir;
+    QFile meminfo(dir.filePath(QStringLiteral("meminfo")));
+    QVERIFY(meminfo.open(QIODevice::WriteOnly));
+    meminfo.write("MemTotal:       16303412 kB\nMemFree:         2044108 kB\n");
+    meminfo.close();
+    QVERIFY(!LinuxSampler(dir.path(), dir.path()).memoryStatus(&total, &available));
+}
+
+void LinuxSensorsTest::processorTimesFromTheFirstStatLine()
+{
+    // user nice system idle iowait irq softirq; 100 ticks a second = 100000 units of 100 ns.
+    const struct {
+        const char *stat;
+        bool ok;
+        quint64 idle, kernel, user;
+    } rows[] = {
+        {"cpu  10 2 30 400 5 6 7 8 0 0\ncpu0 1 1 1 1 1 1 1\n", true, 405, 30 + 6 + 7 + 405, 12},
+        {"cpu 1 0 1 100 0 0 0\n", true, 100, 101, 1}, // an older kernel's seven fields
+        {"cpu0 1 2 3 4 5 6 7\n", false, 0, 0, 0},     // a per-processor line first
+        {"cpu  a b c d e f g\n", false, 0, 0, 0},
+        {"", false, 0, 0, 0},
+    };
+    for (const auto &row : rows) {
+        quint64 idle = 0, kernel = 0, user = 0;
+        QCOMPARE(parseProcStat(row.stat, 100, &idle, &kernel, &user), row.ok);
+        if (row.ok) {
+            QCOMPARE(idle, row.idle * 100000);
+            QCOMPARE(kernel, row.kernel * 100000);
+            QCOMPARE(user, row.user * 100000);
+        }
+    }
+}
+
+void LinuxSensorsTest::freeSpaceIsWhatTheUserMayUse()
+{
+    QTemporaryDir dir;
+    struct statvfs info {};
+    QCOMPARE(statvfs(QFile::encodeName(dir.path()).constData(), &info), 0);
+    LinuxSampler sampler(laptop(), laptop(), dir.path());
+    const quint64 expected = quint64(info.f_bavail) * info.f_frsize;
+    // Other processes write meanwhile; a few MiB either way is the same figure.
+    QVERIFY(qAbs(qint64(sampler.freeBytesForUser()) - qint64(expected)) < (16ll << 20));
+    QVERIFY(sampler.freeBytesForUser() <= quint64(info.f_bfree) * info.f_frsize);
+}
+
+void LinuxSensorsTest::missingTreeGivesNothingAndThisMachineGivesFigures()
+{
+    LinuxSampler missing(QStringLiteral("/nonexistent/proc"), QStringLiteral("/nonexistent/sys"),
+                         QStringLiteral("/nonexistent"));
+    quint64 a = 0, b = 0, c = 0;
+    QVERIFY(!missing.memoryStatus(&a, &b));
+    QVERIFY(!missing.systemTimes(&a, &b, &c));
+    QVERIFY(missing.interfaceTable().isEmpty());
+    QCOMPARE(missing.freeBytesForUser(), quint64(0));
+
+    LinuxSampler live;
+    QVERIFY(live.memoryStatus(&a, &b));
+    QVERIFY(a > 0 && b <= a);
+    QVERIFY(live.systemTimes(&a, &b, &c));
+    QVERIFY(b >= a);
+    QVERIFY(live.freeBytesForUser() > 0);
+}
+
+QTEST_GUILESS_MAIN(LinuxSensorsTest)
+#include "tst_linuxsensors.moc"
