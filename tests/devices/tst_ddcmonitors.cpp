@@ -67,17 +67,6 @@ public:
     QSemaphore released;
 };
 
-DdcDisplay display(int bus, const QString &connector, const QString &model = QString(),
-                   const QString &serial = QString())
-{
-    DdcDisplay d;
-    d.bus = bus;
-    d.connector = connector;
-    d.model = model;
-    d.serial = serial;
-    return d;
-}
-
 const ScreenIdentity kExternal{QStringLiteral("DP-1"), QStringLiteral("U2720Q"),
                                QStringLiteral("ABC123")};
 
@@ -109,7 +98,7 @@ private slots:
         QFETCH(quint32, value);
         QFETCH(bool, written);
         auto *bus = new ScriptedBus;
-        bus->monitors = {{display(4, QStringLiteral("DP-1")), readable, current, maximum}};
+        bus->monitors = {{DdcDisplay{4, "DP-1"}, readable, current, maximum}};
         DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
         control.request(kExternal, 0x10, value);
         control.waitUntilIdle();
@@ -122,11 +111,10 @@ private slots:
     void everyMonitorBehindTheScreenIsSet()
     {
         auto *bus = new ScriptedBus;
-        bus->monitors = {
-            {display(3, QStringLiteral("eDP-1"))},
-            {display(4, QStringLiteral("DP-1"))},
-            {display(5, QString(), QStringLiteral("U2720Q"), QStringLiteral("ABC123"))},
-            {display(6, QStringLiteral("HDMI-A-1"))}};
+        bus->monitors = {{DdcDisplay{3, "eDP-1"}},
+                         {DdcDisplay{4, "DP-1"}},
+                         {DdcDisplay{5, "", "U2720Q", "ABC123"}},
+                         {DdcDisplay{6, "HDMI-A-1"}}};
         DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
         control.request(kExternal, 0x10, 30);
         control.waitUntilIdle();
@@ -137,7 +125,7 @@ private slots:
     void rapidMovesCollapseIntoTheLast()
     {
         auto *bus = new ScriptedBus;
-        bus->monitors = {{display(4, QStringLiteral("DP-1"))}};
+        bus->monitors = {{DdcDisplay{4, "DP-1"}}};
         bus->holdReads = true;
         DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
         control.request(kExternal, 0x10, 60);
@@ -167,7 +155,7 @@ private slots:
                 control.request(kExternal, 0x10, quint32(20 + i));
                 control.waitUntilIdle();
                 std::lock_guard<std::mutex> lock(bus->mutex);
-                bus->monitors = {{display(4, QStringLiteral("DP-1"))}};
+                bus->monitors = {{DdcDisplay{4, "DP-1"}}};
             }
             QCOMPARE(bus->takeLog(), interval ? QStringList()
                                               : QStringList({"read 4 16", "write 4 16 21",
@@ -176,13 +164,8 @@ private slots:
         }
     }
 
-    void sameMonitor_data()
+    void sameMonitor()
     {
-        QTest::addColumn<QString>("connector");
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<QString>("serial");
-        QTest::addColumn<QString>("screenName");
-        QTest::addColumn<bool>("same");
         const struct {
             const char *name, *connector, *model, *serial, *screen;
             bool same;
@@ -199,20 +182,11 @@ private slots:
             {"nothing known", "", "", "", "", false},
         };
         for (const auto &r : rows) {
-            QTest::newRow(r.name) << QString(r.connector) << QString(r.model) << QString(r.serial)
-                                  << QString(r.screen) << r.same;
+            const ScreenIdentity screen{r.screen, QStringLiteral("U2720Q"),
+                                        QStringLiteral("ABC123")};
+            const DdcDisplay display{1, r.connector, r.model, r.serial};
+            QVERIFY2(ddc::sameMonitor(display, screen) == r.same, r.name);
         }
-    }
-
-    void sameMonitor()
-    {
-        QFETCH(QString, connector);
-        QFETCH(QString, model);
-        QFETCH(QString, serial);
-        QFETCH(QString, screenName);
-        QFETCH(bool, same);
-        const ScreenIdentity screen{screenName, QStringLiteral("U2720Q"), QStringLiteral("ABC123")};
-        QCOMPARE(ddc::sameMonitor(display(1, connector, model, serial), screen), same);
     }
 
     void connectorFromSysfs()
