@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 // The Linux monitoring backends: NVML for the GPU, /proc and /sys for the usage figures.
 class LinuxSensorsTest : public QObject {
@@ -22,7 +23,7 @@ private slots:
     void samplerMemoryAndInterfaces();
     void processorTimesFromTheFirstStatLine();
     void freeSpaceIsWhatTheUserMayUse();
-    void missingTreeGivesNothingAndThisMachineGivesFigures();
+    void missingTreeGivesNothing();
 
 private:
     static QString tree(const char *name)
@@ -115,12 +116,6 @@ void LinuxSensorsTest::missingLibraryFailsQuietly()
     int count = -1;
     QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
     gpu.unload();
-
-    // The loop over it reports the failure path, and nothing else.
-    nvidia_api loop(std::make_shared<NvmlGpuSensors>(missing, tree("gpu-awake")));
-    QSignalSpy clock(&loop, &nvidia_api::GPU1CORECLOCK);
-    QCOMPARE(pollTemperatures(loop), QList<int>{0});
-    QCOMPARE(clock.size(), 0);
 }
 
 void LinuxSensorsTest::sleepingGpuIsNeverTouched()
@@ -239,6 +234,9 @@ void LinuxSensorsTest::samplerMemoryAndInterfaces()
     QVERIFY(sampler.memoryStatus(&total, &available));
     QCOMPARE(total, quint64(16303412) * 1024);
     QCOMPARE(available, quint64(9781884) * 1024);
+    quint64 idle = 0, kernel = 0, user = 0;
+    QVERIFY(sampler.systemTimes(&idle, &kernel, &user));
+    QCOMPARE(idle, quint64(98765432 + 12000) * (10000000 / sysconf(_SC_CLK_TCK)));
 
     // lo, docker0 and the veth pair have no device; wlp2s0 (index 2) comes before enp3s0 (3).
     const QVector<InterfaceCounters> table = sampler.interfaceTable();
@@ -296,7 +294,7 @@ void LinuxSensorsTest::freeSpaceIsWhatTheUserMayUse()
     QVERIFY(sampler.freeBytesForUser() <= quint64(info.f_bfree) * info.f_frsize);
 }
 
-void LinuxSensorsTest::missingTreeGivesNothingAndThisMachineGivesFigures()
+void LinuxSensorsTest::missingTreeGivesNothing()
 {
     LinuxSampler missing(QStringLiteral("/nonexistent/proc"), QStringLiteral("/nonexistent/sys"),
                          QStringLiteral("/nonexistent"));
@@ -305,13 +303,6 @@ void LinuxSensorsTest::missingTreeGivesNothingAndThisMachineGivesFigures()
     QVERIFY(!missing.systemTimes(&a, &b, &c));
     QVERIFY(missing.interfaceTable().isEmpty());
     QCOMPARE(missing.freeBytesForUser(), quint64(0));
-
-    LinuxSampler live;
-    QVERIFY(live.memoryStatus(&a, &b));
-    QVERIFY(a > 0 && b <= a);
-    QVERIFY(live.systemTimes(&a, &b, &c));
-    QVERIFY(b >= a);
-    QVERIFY(live.freeBytesForUser() > 0);
 }
 
 QTEST_GUILESS_MAIN(LinuxSensorsTest)
