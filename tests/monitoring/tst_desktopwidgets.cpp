@@ -196,6 +196,16 @@ void DesktopWidgetsTest::usageTickShowsFiguresFromTheSecondSample()
     widget.timeout_slot();
     QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
     QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
+
+    // A small previous idle time (32-bit high half zero) counts as no sample yet.
+    UsageWidget fresh(fake.sampler, nullptr, [] { return 0; });
+    fake.sampler->timesOk = true;
+    fake.sampler->idleTime = 1000;
+    fresh.timeout_slot();
+    fake.sampler->idleTime = 2000;
+    fake.sampler->kernelTime += 5000;
+    fresh.timeout_slot();
+    QCOMPARE(text(&fresh, "processor"), QString());
 }
 
 void DesktopWidgetsTest::usageRatesNeedTrafficBothWays()

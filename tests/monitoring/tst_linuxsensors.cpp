@@ -23,7 +23,7 @@ private slots:
     void samplerMemoryAndInterfaces();
     void processorTimesFromTheFirstStatLine();
     void freeSpaceIsWhatTheUserMayUse();
-    void missingTreeGivesNothing();
+    void missingTreeGivesNothingThisMachineFigures();
 
 private:
     static QString tree(const char *name)
@@ -294,7 +294,7 @@ void LinuxSensorsTest::freeSpaceIsWhatTheUserMayUse()
     QVERIFY(sampler.freeBytesForUser() <= quint64(info.f_bfree) * info.f_frsize);
 }
 
-void LinuxSensorsTest::missingTreeGivesNothing()
+void LinuxSensorsTest::missingTreeGivesNothingThisMachineFigures()
 {
     LinuxSampler missing(QStringLiteral("/nonexistent/proc"), QStringLiteral("/nonexistent/sys"),
                          QStringLiteral("/nonexistent"));
@@ -303,6 +303,12 @@ void LinuxSensorsTest::missingTreeGivesNothing()
     QVERIFY(!missing.systemTimes(&a, &b, &c));
     QVERIFY(missing.interfaceTable().isEmpty());
     QCOMPARE(missing.freeBytesForUser(), quint64(0));
+
+    // This machine's own tree, where the sampler looks by default.
+    LinuxSampler live;
+    QVERIFY(live.memoryStatus(&a, &b) && a > 0 && b <= a);
+    QVERIFY(live.systemTimes(&a, &b, &c) && b >= a);
+    QVERIFY(live.freeBytesForUser() > 0);
 }
 
 QTEST_GUILESS_MAIN(LinuxSensorsTest)
