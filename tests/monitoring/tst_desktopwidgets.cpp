@@ -284,17 +284,22 @@ void DesktopWidgetsTest::batteryKeepsLabelsOnUnknownCodesAndNoBattery()
     scriptBattery(fake, QStringLiteral("6"), QStringLiteral("57"));
     BatteryWidget widget(fake.bundle());
     batteryTick(widget, *fake.scheduler);
-    // Unknown codes, then no battery at all: the tool prints its header alone.
-    const QStringList states = {"BatteryStatus\r\n10\r\n", "BatteryStatus\r\n12\r\n",
-                                "BatteryStatus  \r\r\n"};
-    for (const QString &state : states) {
-        fake.commands->asyncOutputs[QLatin1String(kStateQuery)] = state;
+    // Unknown codes, then no battery at all (the tool prints its header alone) keep the labels;
+    // each tick asks again, so a known code then shows.
+    const QString charging = QStringLiteral("Battery Charging");
+    const QList<QPair<QString, QString>> states = {{"BatteryStatus\r\n10\r\n", charging},
+                                                   {"BatteryStatus\r\n12\r\n", charging},
+                                                   {"BatteryStatus  \r\r\n", charging},
+                                                   {"BatteryStatus\r\n3\r\n", "Full Battery"}};
+    for (const auto &state : states) {
+        fake.commands->asyncOutputs[QLatin1String(kStateQuery)] = state.first;
         fake.commands->asyncOutputs[QLatin1String(kChargeQuery)] =
             QStringLiteral("EstimatedChargeRemaining  \r\r\n");
         batteryTick(widget, *fake.scheduler);
-        QCOMPARE(text(&widget, "state"), QStringLiteral("Battery Charging"));
+        QCOMPARE(text(&widget, "state"), state.second);
         QCOMPARE(text(&widget, "charge"), QStringLiteral("57%"));
     }
+    QCOMPARE(fake.log->withPrefix(QStringLiteral("process: ")).size(), 10);
 }
 
 void DesktopWidgetsTest::startupCreatesParentlessWidgets_data()
