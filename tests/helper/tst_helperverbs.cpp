@@ -1,10 +1,13 @@
 #include "camera.h"
 #include "cpuregisters.h"
 #include "fakesystree.h"
+#include "helperclient.h"
 #include "powerlimits.h"
 #include "processorlimits.h"
 
 #include <QtTest>
+
+#include <optional>
 
 namespace {
 
@@ -72,6 +75,7 @@ private slots:
     void registers();
     void offsetCommands();
     void camera();
+    void aMissingBusRefusesAtOnce();
 };
 
 void TestHelperVerbs::processorLimits_data()
@@ -267,6 +271,21 @@ void TestHelperVerbs::camera()
         QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/1-2/authorized")), QByteArray("1"));
         QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/usb1/authorized")), QByteArray("1"));
     }
+}
+
+// Without a system bus a call to the helper could never be answered; a power mode applied
+// while the window is built waits for that answer, so it must come at once, as a refusal.
+void TestHelperVerbs::aMissingBusRefusesAtOnce()
+{
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/varnel-no-system-bus");
+    HelperClient helper([] { return true; });
+    std::optional<QDBusMessage> reply;
+    helper.call(QStringLiteral("SetTurboPower"), {35000u},
+                [&](const QDBusMessage &message) { reply = message; });
+    QVERIFY(!reply); // answered like a bus call, after the caller has returned
+    QTRY_VERIFY(reply.has_value());
+    QCOMPARE(reply->type(), QDBusMessage::ErrorMessage);
+    QCOMPARE(helper.takeRefusal(), QStringLiteral("The system bus is not running."));
 }
 
 QTEST_GUILESS_MAIN(TestHelperVerbs)
