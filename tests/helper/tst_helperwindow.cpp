@@ -1,15 +1,13 @@
 #include "cputuning.h"
-#include "fakeplatform.h"
 #include "fakesystree.h"
 #include "helperclient.h"
 #include "linuxcommands.h"
-#include "mainwindow.h"
+#include "outcome.h"
 #include "polkitauthority.h"
 #include "privatesystembus.h"
 #include "systemhelper.h"
-#include "testfolder.h"
+#include "testwindow.h"
 #include "tuningcommands.h"
-#include "ui_mainwindow.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -19,32 +17,47 @@ const QString longTermPower =
     QStringLiteral("sys/class/powercap/intel-rapl:0/constraint_0_power_limit_uw");
 const QString window =
     QStringLiteral("sys/class/powercap/intel-rapl:0/constraint_0_time_window_us");
+const QString pstate = QStringLiteral("sys/devices/system/cpu/intel_pstate/");
+const QString camera = QStringLiteral("sys/bus/usb/devices/1-6/authorized");
+
+struct CallRow {
+    QStringList allowed;
+    QString method;
+    QVariantList arguments;
+    QString error;
+    QString file;
+    QByteArray content;
+};
+
+bool waitForReadChains(QSignalSpy &ends, int count)
+{
+    return QTest::qWaitFor([&] { return ends.count() >= count; }, 20000);
+}
 } // namespace
 
-// The real window on Linux, its tuning client's chains carried out by varnel-helper over a
-// private system bus and a fake tree.
+Q_DECLARE_METATYPE(CallRow)
+
+// varnel-helper as the window reaches it, over a private system bus and a fake tree: started by
+// the bus, asking polkit on every call, carrying out the tuning client's chains.
 class TestHelperWindow : public QObject {
     Q_OBJECT
 private slots:
     void initTestCase();
     void init();
-    void cleanup();
-    void startupShowsTheMachinesLimits();
-    void applyWritesThroughTheHelper();
-    void refusalIsShown();
+    void calls_data();
+    void calls();
+    void startupReadsAndApplyWritesUnlessRefused();
     void missingHelperDisablesManageCpu();
     void powerModeLimitsReachTheHelper();
+    void noAgentRefuses(); // last: polkit keeps asking for an agent from then on
 
 private:
-    void startWindow(std::function<bool()> available);
-    bool waitForReadChains(int count);
+    static QDBusMessage call(const QString &method, const QVariantList &arguments = {});
+    // The real window over the Linux command table; its read chains' ends are counted.
+    static std::unique_ptr<QSignalSpy> startWindow(TestWindow &t, std::function<bool()> available);
 
     FakeSysTree m_tree;
     PrivateSystemBus m_bus;
-    std::unique_ptr<TestFolder> m_folder;
-    std::unique_ptr<FakePlatform> m_fake;
-    std::unique_ptr<MainWindow> m_window;
-    std::unique_ptr<QSignalSpy> m_chainEnds;
 };
 
 void TestHelperWindow::initTestCase()
@@ -54,126 +67,157 @@ void TestHelperWindow::initTestCase()
 
 void TestHelperWindow::init()
 {
+    m_tree.putPstate();
     m_tree.putRapl();
     m_tree.putMsr(0, 0x1AD, 0x2E2E2F2F31313333ULL);
-    m_folder = std::make_unique<TestFolder>();
-    m_folder->setIni(QStringLiteral("settings/varnel.ini"), QStringLiteral("DontManageCPU"), true);
+    m_tree.putUsbDevice(QStringLiteral("1-6"), true);
     m_bus.allow({helperaction::read, helperaction::tuning});
 }
 
-void TestHelperWindow::cleanup()
+QDBusMessage TestHelperWindow::call(const QString &method, const QVariantList &arguments)
 {
-    m_chainEnds.reset();
-    m_window.reset();
-    m_fake.reset();
-    m_folder.reset();
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QStringLiteral("org.varnel.Helper"), QStringLiteral("/org/varnel/Helper"),
+        QStringLiteral("org.varnel.Helper"), method);
+    message.setArguments(arguments);
+    return QDBusConnection::systemBus().call(message, QDBus::Block, 20000);
 }
 
-void TestHelperWindow::startWindow(std::function<bool()> available)
+std::unique_ptr<QSignalSpy> TestHelperWindow::startWindow(TestWindow &t,
+                                                          std::function<bool()> available)
 {
     auto helper = std::make_shared<HelperClient>(std::move(available));
     auto table = std::make_shared<CommandTable>();
     addTuningCommands(*table, helper);
     addProcessorLimitCommands(*table, helper);
-    m_fake = std::make_unique<FakePlatform>();
-    Platform bundle = m_fake->bundle();
+    Platform bundle = t.fake.bundle();
     bundle.commands = std::make_shared<LinuxCommandRunner>(table);
     bundle.privileged = helper;
-    m_window = std::make_unique<MainWindow>(bundle);
-    m_chainEnds =
-        std::make_unique<QSignalSpy>(m_window->cpuTuning(), &CpuTuning::readChainFinished);
+    t.window = std::make_unique<MainWindow>(bundle);
+    return std::make_unique<QSignalSpy>(t.window->cpuTuning(), &CpuTuning::readChainFinished);
 }
 
-bool TestHelperWindow::waitForReadChains(int count)
+void TestHelperWindow::calls_data()
 {
-    return QTest::qWaitFor([&] { return m_chainEnds->count() >= count; }, 20000);
+    QTest::addColumn<CallRow>("row");
+    const QString none, refused = helpererror::notAuthorized;
+    const QStringList limits{helperaction::processorLimits}, tuning{helperaction::tuning};
+    const QString maxPct = pstate + "max_perf_pct";
+    QTest::newRow("processor maximum, authorised")
+        << CallRow{limits, "SetProcessorMaximum", {70}, none, maxPct, "70"};
+    QTest::newRow("processor maximum, refused")
+        << CallRow{{}, "SetProcessorMaximum", {60}, refused, maxPct, "100"};
+    QTest::newRow("processor limits do not authorise tuning")
+        << CallRow{limits, "SetTurboPower", {35000u}, refused, longTermPower, "45000000"};
+    QTest::newRow("turbo power, authorised")
+        << CallRow{tuning, "SetTurboPower", {35000u}, none, longTermPower, "35000000"};
+    QTest::newRow("out of range though authorised") << CallRow{
+        tuning, "SetTurboPower", {5000000u}, helpererror::outOfRange, longTermPower, "45000000"};
+    QTest::newRow("camera off, authorised")
+        << CallRow{{helperaction::camera}, "SetCamera", {false}, none, camera, "0"};
+    QTest::newRow("camera, refused") << CallRow{tuning, "SetCamera", {false}, refused, camera, "1"};
+    QTest::newRow("reading needs its own yes")
+        << CallRow{tuning, "ReadPowerLimits", {}, refused, none, ""};
 }
 
-void TestHelperWindow::startupShowsTheMachinesLimits()
+void TestHelperWindow::calls()
 {
-    startWindow(systemHelperAvailable);
-    QVERIFY(waitForReadChains(1));
-    Ui::MainWindow *ui = m_window->form();
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("45W"));
-    QCOMPARE(ui->Slider_TurboBoost->value(), 360);
-    QCOMPARE(ui->Slider_TurboTime->value(), 28);
-    QCOMPARE(ui->Core1Spin->value(), 51);
-    QVERIFY(ui->checkBox_DontManageCPU->isEnabled());
+    QFETCH(CallRow, row);
+    m_bus.allow(row.allowed);
+    const QDBusMessage reply = call(row.method, row.arguments);
+    QCOMPARE(reply.type() == QDBusMessage::ErrorMessage ? reply.errorName() : QString(), row.error);
+    if (!row.file.isEmpty())
+        QCOMPARE(m_tree.get(row.file), row.content);
+}
+
+void TestHelperWindow::noAgentRefuses()
+{
+    m_bus.allow({helperaction::read});
+    const QDBusReply<uint> power = call(QStringLiteral("ReadPowerLimits"));
+    QVERIFY2(power.isValid(), qPrintable(power.error().message()));
+    QCOMPARE(power.value(), 45000u);
+
+    m_bus.withoutAgent();
+    const QDBusMessage reply = call(QStringLiteral("SetTurboPower"), {40000u});
+    QCOMPARE(reply.errorName(), helpererror::notAuthorized);
+    QVERIFY(reply.errorMessage().contains(QLatin1String("no authentication agent")));
+    QCOMPARE(m_tree.get(longTermPower), QByteArray("45000000"));
+}
+
+void TestHelperWindow::startupReadsAndApplyWritesUnlessRefused()
+{
+    TestWindow t;
+    t.setGeneral("DontManageCPU", true);
+    auto chainEnds = startWindow(t, systemHelperAvailable);
+    QVERIFY(waitForReadChains(*chainEnds, 1));
+    Ui::MainWindow &ui = t.ui();
+    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("45W"));
+    QCOMPARE(ui.Slider_TurboBoost->value(), 360);
+    QCOMPARE(ui.Slider_TurboTime->value(), 28);
+    QCOMPARE(ui.Core1Spin->value(), 51);
+    QVERIFY(ui.checkBox_DontManageCPU->isEnabled());
     // A plain file answers no mailbox: the offset cannot be read here, and the tab says so.
-    QCOMPARE(ui->Label_UnderVolt_Value->text(), QStringLiteral("-000mV"));
-    QVERIFY(ui->frame_2->toolTip().contains(QLatin1String("voltage offset")));
-}
+    QCOMPARE(ui.Label_UnderVolt_Value->text(), QStringLiteral("-000mV"));
+    QVERIFY(ui.frame_2->toolTip().contains(QLatin1String("voltage offset")));
 
-void TestHelperWindow::applyWritesThroughTheHelper()
-{
-    startWindow(systemHelperAvailable);
-    QVERIFY(waitForReadChains(1));
-    Ui::MainWindow *ui = m_window->form();
-    ui->Slider_TurboBoost->setValue(284); // 35.5 W
-    ui->Slider_TurboTime->setValue(56);
-    ui->Core1Spin->setValue(45);
-    ui->Button_ApplyValues->click();
-    QVERIFY(waitForReadChains(2));
-
+    ui.Slider_TurboBoost->setValue(284); // 35.5 W
+    ui.Slider_TurboTime->setValue(56);
+    ui.Core1Spin->setValue(45);
+    ui.Button_ApplyValues->click();
+    QVERIFY(waitForReadChains(*chainEnds, 2));
     QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
     QCOMPARE(m_tree.get(window), QByteArray("56000000"));
     QCOMPARE(m_tree.msr(0, 0x1AD), 0x2E2E2F2F3131332DULL);
     // What was read back is what the tab shows.
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
-    QCOMPARE(m_window->cpuTuning()->readTurboTime, 56);
-}
+    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
+    QCOMPARE(t.window->cpuTuning()->readTurboTime, 56);
 
-void TestHelperWindow::refusalIsShown()
-{
+    // Refused: nothing changes, and the tab says why.
     m_bus.allow({helperaction::read});
-    startWindow(systemHelperAvailable);
-    QVERIFY(waitForReadChains(1));
-    Ui::MainWindow *ui = m_window->form();
-    ui->Slider_TurboBoost->setValue(240);
-    ui->Button_ApplyValues->click();
-    QVERIFY(waitForReadChains(2));
-
-    QCOMPARE(m_tree.get(longTermPower), QByteArray("45000000"));
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("45W"));
-    QVERIFY2(ui->frame_2->toolTip().contains(QLatin1String("Not allowed")),
-             qPrintable(ui->frame_2->toolTip()));
+    ui.Slider_TurboBoost->setValue(240);
+    ui.Button_ApplyValues->click();
+    QVERIFY(waitForReadChains(*chainEnds, 3));
+    QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
+    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
+    QVERIFY2(ui.frame_2->toolTip().contains(QLatin1String("Not allowed")),
+             qPrintable(ui.frame_2->toolTip()));
 }
 
 void TestHelperWindow::missingHelperDisablesManageCpu()
 {
-    m_folder->setIni(QStringLiteral("settings/varnel.ini"), QStringLiteral("DontManageCPU"), false);
-    startWindow([] { return false; });
-    Ui::MainWindow *ui = m_window->form();
-    QVERIFY(!ui->checkBox_DontManageCPU->isEnabled());
-    QVERIFY(ui->checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
+    TestWindow t;
+    t.setGeneral("DontManageCPU", false);
+    startWindow(t, [] { return false; });
+    QVERIFY(!t.ui().checkBox_DontManageCPU->isEnabled());
+    QVERIFY(t.ui().checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
 }
 
 void TestHelperWindow::powerModeLimitsReachTheHelper()
 {
-    m_tree.putPstate();
     m_bus.allow({helperaction::read, helperaction::processorLimits});
-    startWindow(systemHelperAvailable);
-    Ui::MainWindow *ui = m_window->form();
-    ui->silent_cpu_min->setValue(30);
-    ui->silent_cpu_max->setValue(70);
-    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMin"));
-    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMax"));
-    const QString pstate = QStringLiteral("sys/devices/system/cpu/intel_pstate/");
+    TestWindow t;
+    t.setGeneral("DontManageCPU", true);
+    startWindow(t, systemHelperAvailable);
+    Ui::MainWindow &ui = t.ui();
+    auto apply = [&](const char *slot) { return QMetaObject::invokeMethod(t.window.get(), slot); };
+    ui.silent_cpu_min->setValue(30);
+    ui.silent_cpu_max->setValue(70);
+    QVERIFY(apply("ApplyCpuMin") && apply("ApplyCpuMax"));
     QCOMPARE(m_tree.get(pstate + QStringLiteral("min_perf_pct")), QByteArray("30"));
     QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
-    QVERIFY(ui->silent_cpu_max->toolTip().isEmpty());
+    QVERIFY(ui.silent_cpu_max->toolTip().isEmpty());
 
     // Refused: the mode keeps its setting, and the slider says it is not in force.
     m_bus.allow({helperaction::read});
-    ui->silent_cpu_max->setValue(50);
-    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMax"));
+    ui.silent_cpu_max->setValue(50);
+    QVERIFY(apply("ApplyCpuMax"));
     QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
-    QVERIFY2(ui->silent_cpu_max->toolTip().startsWith(QLatin1String("Not applied: Not allowed")),
-             qPrintable(ui->silent_cpu_max->toolTip()));
-    QCOMPARE(ui->Cpu_Maximum_Label->toolTip(), ui->silent_cpu_max->toolTip());
+    QVERIFY2(ui.silent_cpu_max->toolTip().startsWith(QLatin1String("Not applied: Not allowed")),
+             qPrintable(ui.silent_cpu_max->toolTip()));
+    QCOMPARE(ui.Cpu_Maximum_Label->toolTip(), ui.silent_cpu_max->toolTip());
     m_bus.allow({helperaction::read, helperaction::processorLimits});
-    QVERIFY(QMetaObject::invokeMethod(m_window.get(), "ApplyCpuMax"));
-    QVERIFY(ui->silent_cpu_max->toolTip().isEmpty());
+    QVERIFY(apply("ApplyCpuMax"));
+    QVERIFY(ui.silent_cpu_max->toolTip().isEmpty());
 }
 
 QTEST_MAIN(TestHelperWindow)

@@ -16,8 +16,10 @@ unsigned indexOf(void *handle)
 {
     return static_cast<unsigned>(reinterpret_cast<unsigned long>(handle) - 1);
 }
-bool valid(void *handle)
+// Counts the query; false for a handle the library never gave out.
+bool query(void *handle)
 {
+    ++fakeNvml.queries;
     return handle && indexOf(handle) < fakeNvml.count && indexOf(handle) < 2;
 }
 } // namespace
@@ -54,8 +56,7 @@ EXPORT int nvmlDeviceGetHandleByIndex_v2(unsigned index, void **device)
 
 EXPORT int nvmlDeviceGetClockInfo(void *device, unsigned type, unsigned *mhz)
 {
-    ++fakeNvml.queries;
-    if (!valid(device))
+    if (!query(device))
         return 2;
     *mhz = type == 2 ? fakeNvml.memoryMHz[indexOf(device)] : fakeNvml.graphicsMHz[indexOf(device)];
     return 0;
@@ -68,8 +69,7 @@ struct Utilization {
 
 EXPORT int nvmlDeviceGetUtilizationRates(void *device, Utilization *rates)
 {
-    ++fakeNvml.queries;
-    if (!valid(device))
+    if (!query(device))
         return 2;
     if (fakeNvml.utilizationResult != 0)
         return fakeNvml.utilizationResult;
@@ -80,8 +80,7 @@ EXPORT int nvmlDeviceGetUtilizationRates(void *device, Utilization *rates)
 
 EXPORT int nvmlDeviceGetPerformanceState(void *device, int *state)
 {
-    ++fakeNvml.queries;
-    if (!valid(device))
+    if (!query(device))
         return 2;
     *state = fakeNvml.pstate[indexOf(device)];
     return 0;
@@ -90,8 +89,7 @@ EXPORT int nvmlDeviceGetPerformanceState(void *device, int *state)
 #ifndef FAKE_NVML_VERSIONED_TEMPERATURE_ONLY
 EXPORT int nvmlDeviceGetTemperature(void *device, unsigned sensor, unsigned *celsius)
 {
-    ++fakeNvml.queries;
-    if (!valid(device) || sensor != 0)
+    if (!query(device) || sensor != 0)
         return 2;
     if (fakeNvml.temperatureResult != 0)
         return fakeNvml.temperatureResult;
@@ -108,9 +106,8 @@ struct TemperatureV1 {
 
 EXPORT int nvmlDeviceGetTemperatureV(void *device, TemperatureV1 *reading)
 {
-    ++fakeNvml.queries;
     fakeNvml.lastTemperatureVersion = reading->version;
-    if (!valid(device) || reading->sensorType != 0)
+    if (!query(device) || reading->sensorType != 0)
         return 2;
     if (fakeNvml.temperatureResult != 0)
         return fakeNvml.temperatureResult;
