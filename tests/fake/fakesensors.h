@@ -83,11 +83,6 @@ public:
         QMutexLocker lock(&m_lock);
         return m_calls;
     }
-    void clearCalls()
-    {
-        QMutexLocker lock(&m_lock);
-        m_calls.clear();
-    }
 
     int initResult = -1; // no GPU unless a test says otherwise
     int enumResult = 0;

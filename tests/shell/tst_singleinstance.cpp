@@ -101,22 +101,31 @@ private:
                later->exitCode() == 0 && later->readAllStandardOutput().isEmpty();
     }
 
-    // The block wherever a start may look for one: the file in the private folder, and a
-    // System V segment named through the temporary folder.
-    void writeBlock(const InstanceBlock &value)
+    // Runs f with the probes' temporary folder, where a System V segment's name lives.
+    template <class F> void inProbeTemp(F f)
     {
-        QFile file(m_runtime->path() + QLatin1Char('/') + probeKey() + QStringLiteral(".block"));
-        if (file.open(QIODevice::ReadWrite))
-            file.write(reinterpret_cast<const char *>(&value), sizeof(value));
-        const QByteArray savedTemp = qgetenv("TMPDIR");
+        const QByteArray saved = qgetenv("TMPDIR");
         qputenv("TMPDIR", m_temp->path().toUtf8());
         if (!m_heldSegment)
             m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
-        if ((m_heldSegment->isAttached() || m_heldSegment->attach()) && m_heldSegment->lock()) {
-            *static_cast<InstanceBlock *>(m_heldSegment->data()) = value;
-            m_heldSegment->unlock();
-        }
-        qputenv("TMPDIR", savedTemp);
+        f(*m_heldSegment);
+        qputenv("TMPDIR", saved);
+    }
+
+    QString blockFile() const { return m_runtime->path() + '/' + probeKey() + ".block"; }
+
+    // The block wherever a start may look for one: the file and a System V segment.
+    void writeBlock(const InstanceBlock &value)
+    {
+        QFile file(blockFile());
+        if (file.open(QIODevice::ReadWrite))
+            file.write(reinterpret_cast<const char *>(&value), sizeof(value));
+        inProbeTemp([&](QSharedMemory &segment) {
+            if ((segment.isAttached() || segment.attach()) && segment.lock()) {
+                *static_cast<InstanceBlock *>(segment.data()) = value;
+                segment.unlock();
+            }
+        });
     }
 
     int runningProbes()
@@ -146,14 +155,11 @@ private slots:
         }
         m_probes.clear();
         // A System V block left by a killed start goes with its last user.
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", m_temp->path().toUtf8());
-        if (!m_heldSegment)
-            m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
-        if (m_heldSegment->isAttached() || m_heldSegment->attach())
-            m_heldSegment->detach();
+        inProbeTemp([](QSharedMemory &segment) {
+            if (segment.isAttached() || segment.attach())
+                segment.detach();
+        });
         m_heldSegment.reset();
-        qputenv("TMPDIR", savedTemp);
     }
 
     void fiftyStartsAtOnceLeaveExactlyOne_data()
@@ -268,8 +274,7 @@ private slots:
         QCOMPARE(
             QDir(m_temp->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
             QStringList());
-        const QFileInfo block(m_runtime->path() + QLatin1Char('/') + probeKey() +
-                              QStringLiteral(".block"));
+        const QFileInfo block(blockFile());
         QVERIFY(block.exists());
         QCOMPARE(block.ownerId(), uint(geteuid()));
     }
@@ -281,26 +286,20 @@ private slots:
             QSKIP("needs root to make files of another user");
         const passwd *nobody = getpwnam("nobody");
         QVERIFY(nobody);
-        const QString key = probeKey();
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", m_temp->path().toUtf8());
-        QSharedMemory foreign(key);
-        QVERIFY(foreign.create(sizeof(InstanceBlock)));
-        qputenv("TMPDIR", savedTemp);
+        inProbeTemp([](QSharedMemory &segment) { QVERIFY(segment.create(sizeof(InstanceBlock))); });
+        QFile planted(blockFile());
+        QVERIFY(planted.open(QIODevice::WriteOnly));
+        planted.close();
         for (const QString &name : QDir(m_temp->path()).entryList(QDir::Files | QDir::System))
             QVERIFY(::chown(QFile::encodeName(m_temp->filePath(name)).constData(), nobody->pw_uid,
                             nobody->pw_gid) == 0);
-        const QString blockFile = m_runtime->path() + QLatin1Char('/') + key + ".block";
-        QFile planted(blockFile);
-        QVERIFY(planted.open(QIODevice::WriteOnly));
-        planted.close();
-        QVERIFY(::chown(QFile::encodeName(blockFile).constData(), nobody->pw_uid, nobody->pw_gid) ==
-                0);
+        QVERIFY(::chown(QFile::encodeName(blockFile()).constData(), nobody->pw_uid,
+                        nobody->pw_gid) == 0);
         writeBlock(InstanceBlock{true, 0, 1});
 
         QVERIFY(startPrimary() > 0);
         QVERIFY(handsOver());
-        QCOMPARE(QFileInfo(blockFile).ownerId(), uint(geteuid()));
+        QCOMPARE(QFileInfo(blockFile()).ownerId(), uint(geteuid()));
     }
 
     // Both kinds of block, two starts in one process: one first instance at a time, and the

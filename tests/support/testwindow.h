@@ -35,6 +35,7 @@ struct TestWindow {
 
     void start()
     {
+        window.reset(); // a restart: the old window is gone before the new one reads the settings
         window = std::make_unique<MainWindow>(fake.bundle());
         clearRecords();
     }
