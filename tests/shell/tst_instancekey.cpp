@@ -52,65 +52,55 @@ private slots:
 
     void keyRules_data()
     {
-        QTest::addColumn<int>("change");
-        QTest::addColumn<bool>("same");
-        const std::pair<const char *, bool> rows[] = {{"path differing only in case", true},
-                                                      {"different path", false},
-                                                      {"different user", false},
-                                                      {"different user, not user scoped", true},
-                                                      {"different path, path excluded", true},
-                                                      {"different version", false},
-                                                      {"different version, version excluded", true},
-                                                      {"no user name, different homes", false}};
-        int change = 0;
-        for (const auto &[row, same] : rows)
-            QTest::newRow(row) << change++ << same;
+        QTest::addColumn<quint32>("options");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<bool>("same"); // as the sample's key under the same options
+        const quint32 user = UserScope, noPath = UserScope | ExcludeAppPath,
+                      noVersion = UserScope | ExcludeAppVersion;
+        const struct {
+            const char *row;
+            quint32 options;
+            const char *path, *user, *version;
+            bool same;
+        } rows[] = {
+            {"path differing only in case", user, "/OPT/varnel/VARNEL", "alice", "", true},
+            {"different path", user, "/opt/other/varnel", "alice", "", false},
+            {"different user", user, "/opt/Varnel/varnel", "bob", "", false},
+            {"different user, not user scoped", 0, "/opt/Varnel/varnel", "bob", "", true},
+            {"different path, path excluded", noPath, "/elsewhere/varnel", "alice", "", true},
+            {"different version", user, "/opt/Varnel/varnel", "alice", "1.4.4", false},
+            {"version excluded", noVersion, "/opt/Varnel/varnel", "alice", "1.4.4", true}};
+        for (const auto &r : rows)
+            QTest::newRow(r.row) << r.options << QString(r.path) << QString(r.user)
+                                 << QString(r.version) << r.same;
     }
 
     void keyRules()
     {
-        QFETCH(int, change);
-        QFETCH(bool, same);
+        QFETCH(quint32, options);
         InstanceKeyInputs a = sample();
+        a.options = options;
         InstanceKeyInputs b = a;
-        switch (change) {
-        case 0:
-            b.applicationFilePath = QStringLiteral("/OPT/varnel/VARNEL");
-            break;
-        case 1:
-            b.applicationFilePath = QStringLiteral("/opt/other/varnel");
-            break;
-        case 3:
-            a.options = b.options = 0;
-            Q_FALLTHROUGH();
-        case 2:
-            b.userName = QStringLiteral("bob");
-            break;
-        case 4:
-            a.options = b.options = UserScope | ExcludeAppPath;
-            b.applicationFilePath = QStringLiteral("/elsewhere/varnel");
-            break;
-        case 6:
-            a.options = b.options = UserScope | ExcludeAppVersion;
-            Q_FALLTHROUGH();
-        case 5:
-            b.applicationVersion = QStringLiteral("1.4.4");
-            break;
-        case 7:
-            a.userName.clear();
-            b.userName.clear();
-            b.homeLocations = QStringList{QStringLiteral("/home/bob")};
-            break;
-        }
-        QCOMPARE(instanceKey(a) == instanceKey(b), same);
+        QFETCH(QString, path);
+        QFETCH(QString, user);
+        QFETCH(QString, version);
+        b.applicationFilePath = path;
+        b.userName = user;
+        b.applicationVersion = version;
+        QTEST(instanceKey(a) == instanceKey(b), "same");
     }
 
     void missingUserNameUsesTheHomeLocations()
     {
-        InstanceKeyInputs unnamed = sample(), named = sample();
+        InstanceKeyInputs unnamed = sample(), named = sample(), elsewhere = sample();
         unnamed.userName.clear();
+        elsewhere.userName.clear();
+        elsewhere.homeLocations = QStringList{QStringLiteral("/home/bob")};
         named.userName = QStringLiteral("/home/alice");
         QCOMPARE(instanceKey(unnamed), instanceKey(named));
+        QVERIFY(instanceKey(unnamed) != instanceKey(elsewhere));
     }
 
     void newInstanceMessageBytes()
