@@ -178,12 +178,7 @@ private slots:
             QStringList arguments;
         } rows[] = {
             {"bare name", "Remote.exe", "Remote", true, "Remote", {}},
-            {"sub folder",
-             R"(updates\Update.exe -q "a b")",
-             "updates/Update",
-             true,
-             "Update",
-             {"-q", "a b"}},
+            {"folder", R"(up\Update.exe -q "a b")", "up/Update", true, "Update", {"-q", "a b"}},
             {"upper-case suffix", "Libs\\AuxSwitch.EXE", "Libs/AuxSwitch", true, "AuxSwitch", {}},
             {"not installed", "LatencyFix.exe", "", false, "LatencyFix", {}},
             {"the .exe is no native program", "Remote.exe", "Remote.exe", false, "Remote", {}},
