@@ -1,6 +1,5 @@
-// One instance per user, under real processes: many starts at once, first instances that died
-// in odd ways, blocks and key files tampered with, and clients that talk slowly or not at all.
-// This test program is itself a first instance, so its own server is tried in-process.
+// One instance per user under real processes; this program is itself a first instance, so its
+// own server is tried in-process with slow and silent clients.
 #include "instancefile.h"
 #include "instancekey.h"
 #include "linuxidentity.h"
