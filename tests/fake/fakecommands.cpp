@@ -4,42 +4,6 @@
 
 #include <QTimer>
 
-QStringList OperationLog::withPrefix(const QString &prefix) const
-{
-    QStringList out;
-    for (const QString &e : entries) {
-        if (e.startsWith(prefix))
-            out << e;
-    }
-    return out;
-}
-
-QString FakeCommandRunner::runAndRead(const QString &commandLine, int timeoutMs)
-{
-    Q_UNUSED(timeoutMs)
-    m_log->add(QStringLiteral("run: ") + commandLine);
-    if (onRun)
-        onRun(commandLine);
-    return outputs.value(commandLine);
-}
-
-void FakeCommandRunner::start(const QString &commandLine)
-{
-    m_log->add(QStringLiteral("start: ") + commandLine);
-}
-
-void FakeCommandRunner::startShown(const QString &commandLine, ShowMode mode)
-{
-    m_log->add(QStringLiteral("shown %1: %2").arg(static_cast<int>(mode)).arg(commandLine));
-}
-
-void FakeCommandRunner::startDetached(const QString &program, const QStringList &arguments,
-                                      const QString &workingDirectory)
-{
-    m_log->add(QStringLiteral("detached: %1 %2 in %3")
-                   .arg(program, arguments.join(QLatin1Char('|')), workingDirectory));
-}
-
 namespace {
 
 // A real process whose program may be redirected, and whose scripted command lines are

@@ -2,37 +2,33 @@
 
 #include "fakecommands.h"
 #include "fakedevices.h"
+#include "fakesensors.h"
 #include "manualscheduler.h"
 #include "operationlog.h"
 #include "platform.h"
 
 #include <memory>
 
-class FakeGpu;
-class FakeSampler;
-
 // A whole fake bundle: typed access for scripting, bundle() for the window.
 struct FakePlatform {
-    FakePlatform();
-
     Platform bundle() const;
 
-    SharedLog log;
-    std::shared_ptr<FakeCommandRunner> commands;
-    std::shared_ptr<FakeRegistry> registry;
-    std::shared_ptr<FakeIdentity> identity;
-    std::shared_ptr<FakePanel> panel;
-    std::shared_ptr<FakeSwitches> switches;
-    std::shared_ptr<FakeMonitors> monitors;
-    std::shared_ptr<FakeKeyBlocker> keyBlocker;
-    std::shared_ptr<FakeKeyboardLight> keyboardLight;
-    std::shared_ptr<FakePowerSource> powerSource;
-    std::shared_ptr<FakeAudio> audio;
-    std::shared_ptr<FakeGpu> gpu;
-    std::shared_ptr<FakeSampler> sampler;
-    std::shared_ptr<FakeSleepNotifier> sleep;
-    std::shared_ptr<FakeDesktop> desktop;
-    std::shared_ptr<FakeDialogs> dialogs;
-    std::shared_ptr<ManualScheduler> scheduler;
-    std::shared_ptr<FakeAvailability> availability;
+    SharedLog log = std::make_shared<OperationLog>();
+    std::shared_ptr<FakeCommandRunner> commands = std::make_shared<FakeCommandRunner>(log);
+    std::shared_ptr<FakeRegistry> registry = std::make_shared<FakeRegistry>(log);
+    std::shared_ptr<FakeIdentity> identity = std::make_shared<FakeIdentity>();
+    std::shared_ptr<FakePanel> panel = std::make_shared<FakePanel>(log);
+    std::shared_ptr<FakeSwitches> switches = std::make_shared<FakeSwitches>(log);
+    std::shared_ptr<FakeMonitors> monitors = std::make_shared<FakeMonitors>(log);
+    std::shared_ptr<FakeKeyBlocker> keyBlocker = std::make_shared<FakeKeyBlocker>(log);
+    std::shared_ptr<FakeKeyboardLight> keyboardLight = std::make_shared<FakeKeyboardLight>(log);
+    std::shared_ptr<FakePowerSource> powerSource = std::make_shared<FakePowerSource>();
+    std::shared_ptr<FakeAudio> audio = std::make_shared<FakeAudio>(log);
+    std::shared_ptr<FakeGpu> gpu = std::make_shared<FakeGpu>();
+    std::shared_ptr<FakeSampler> sampler = std::make_shared<FakeSampler>();
+    std::shared_ptr<FakeSleepNotifier> sleep = std::make_shared<FakeSleepNotifier>();
+    std::shared_ptr<FakeDesktop> desktop = std::make_shared<FakeDesktop>(log);
+    std::shared_ptr<FakeDialogs> dialogs = std::make_shared<FakeDialogs>(log);
+    std::shared_ptr<ManualScheduler> scheduler = std::make_shared<ManualScheduler>();
+    std::shared_ptr<FakeAvailability> availability = std::make_shared<FakeAvailability>();
 };

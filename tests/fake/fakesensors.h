@@ -8,9 +8,8 @@
 #include <QStringList>
 #include <QVector>
 
-// Scripted GPUs: every call answers from the fields below (0 = success) and is recorded in
-// calls(), e.g. "initialize", "clocks 1", "unload". The polling thread calls in while a window
-// test runs, so script the fields before the window is built.
+// Scripted GPUs answering from the fields below (0 = success), each call recorded ("clocks 1");
+// the polling thread calls in while a window test runs, so script them before the window.
 class FakeGpu : public GpuSensors {
 public:
     struct Card {
@@ -82,11 +81,6 @@ public:
     {
         QMutexLocker lock(&m_lock);
         return m_calls;
-    }
-    void clearCalls()
-    {
-        QMutexLocker lock(&m_lock);
-        m_calls.clear();
     }
 
     int initResult = -1; // no GPU unless a test says otherwise

@@ -31,5 +31,6 @@ public:
     qint64 now() const { return m_now; }
 
 private:
+    bool fireNext(qint64 until); // the earliest call due by then, if any
     qint64 m_now = 0;
 };

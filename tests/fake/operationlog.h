@@ -11,9 +11,16 @@ struct OperationLog {
 
     void add(const QString &entry) { entries << entry; }
     void clear() { entries.clear(); }
-    // Entries that start with prefix, in order.
-    QStringList withPrefix(const QString &prefix) const;
     int indexOf(const QString &entry) const { return entries.indexOf(entry); }
+    QStringList withPrefix(const QString &prefix) const
+    {
+        QStringList out;
+        for (const QString &e : entries) {
+            if (e.startsWith(prefix))
+                out << e;
+        }
+        return out;
+    }
 };
 
 using SharedLog = std::shared_ptr<OperationLog>;

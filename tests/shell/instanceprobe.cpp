@@ -1,6 +1,5 @@
-// The application object and nothing else. A later start ends inside the constructor with
-// status 0; the first prints "primary <pid>", then "wake" for every later start it hears of,
-// and runs until it is killed.
+// The application object alone: a later start exits 0 in the constructor; the first prints
+// "primary <pid>", then "wake" for every later start, and runs until it is killed.
 #include "singleapplication.h"
 
 #include <cstdio>

@@ -1,12 +1,16 @@
+// The window's own behaviour over the fake bundle (settings boxes, tray, closing, sizing, controls
+// the machine cannot back), and the pure pieces under it: settings files and screen fitting.
+#include "densityfont.h"
 #include "densitysizing.h"
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
+#include "screenfit.h"
+#include "settingsfiles.h"
+#include "testwindow.h"
+#include "unavailablecontrols.h"
 
 #include <QAction>
 #include <QMenu>
 #include <QScreen>
+#include <QStandardItemModel>
 #include <QTimer>
 #include <QtTest>
 
@@ -20,20 +24,29 @@ QStringList menuTexts(QMenu *menu)
     return texts;
 }
 
-const char kGeneral[] = "settings/varnel.ini";
-
-// Counts close events reaching a widget (the application only reports the last window
-// closing from inside its event loop).
-class CloseCounter : public QObject {
-public:
+// Counts close events (the application reports the last window closing only from its loop).
+struct CloseCounter : QObject {
     int closes = 0;
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (event->type() == QEvent::Close)
-            ++closes;
+        closes += event->type() == QEvent::Close;
         return false;
     }
 };
+
+// A rewrite regenerates the INI file and drops a comment the program never writes.
+void markUntouched(const QString &path)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::Append));
+    file.write("; untouched\n");
+}
+
+bool stillUntouched(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.readAll().contains("; untouched");
+}
 
 } // namespace
 
@@ -49,191 +62,148 @@ private slots:
         Ui::MainWindow *ui = w.form();
         for (QCheckBox *box :
              {ui->Check_CloseHides, ui->Check_ExitDialog, ui->Check_Startwithwindows,
-              ui->Check_StartHidden, ui->Check_DisableAudio, ui->checkBox_2}) {
+              ui->Check_StartHidden, ui->Check_DisableAudio, ui->checkBox_2})
             QVERIFY2(!box->isChecked(), qPrintable(box->objectName()));
-        }
         QCOMPARE(menuTexts(w.trayMenu()), QStringList({"---", "Show Window Center", "Exit"}));
-        QVERIFY(w.generalTimer());
         QCOMPARE(w.generalTimer()->interval(), 2500);
         QVERIFY(w.generalTimer()->isActive());
         QVERIFY(!w.isHiddenToTray());
         QCOMPARE(w.windowFlags() & (Qt::Window | Qt::FramelessWindowHint),
                  Qt::Window | Qt::FramelessWindowHint);
-    }
-
-    void startUpSchedulesInOrder()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        const int apps = fake.scheduler->history.indexOf(QStringLiteral("10000 StartApps"));
-        const int ts = fake.scheduler->history.indexOf(QStringLiteral("61000 tscheckstatus"));
-        QVERIFY(apps >= 0);
-        QVERIFY(ts > apps);
+        const QStringList &history = fake.scheduler->history;
+        QVERIFY(history.indexOf("10000 StartApps") >= 0);
+        QVERIFY(history.indexOf("61000 tscheckstatus") > history.indexOf("10000 StartApps"));
     }
 
     void trayMenuWithPowerModes()
     {
-        TestFolder folder;
-        folder.setIni(kGeneral, QStringLiteral("enable_power_modes"), true);
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        QCOMPARE(menuTexts(w.trayMenu()),
+        TestWindow p;
+        p.startWithPowerModes();
+        QCOMPARE(menuTexts(p.window->trayMenu()),
                  QStringList({"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode", "---",
                               "Show Window Center", "Exit"}));
-        QCOMPARE(w.trayActions().exit->parent(), w.trayIcon());
-        QVERIFY(!w.trayMenu()->parent());
+        QCOMPARE(p.window->trayActions().exit->parent(), p.window->trayIcon());
+        QVERIFY(!p.window->trayMenu()->parent());
+    }
+
+    void settingsBoxesRestoredAndWritten_data()
+    {
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<QByteArray>("key");
+        QTest::newRow("close hides") << "Check_CloseHides" << QByteArray("minimize_close");
+        QTest::newRow("start hidden") << "Check_StartHidden" << QByteArray("start_hidden");
+        QTest::newRow("audio sync") << "Check_DisableAudio" << QByteArray("disableAudioSync");
+        QTest::newRow("log-on task")
+            << "Check_Startwithwindows" << QByteArray("start_with_windows");
     }
 
     void settingsBoxesRestoredAndWritten()
     {
-        TestFolder folder;
-        folder.setIni(kGeneral, QStringLiteral("minimize_close"), true);
-        folder.setIni(kGeneral, QStringLiteral("start_hidden"), true);
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        QVERIFY(w.form()->Check_CloseHides->isChecked());
-        QVERIFY(w.form()->Check_StartHidden->isChecked());
-        QVERIFY(w.isHiddenToTray());
-
-        w.form()->Check_DisableAudio->click();
-        QCOMPARE(folder.ini(kGeneral, QStringLiteral("disableAudioSync")).toBool(), true);
-        w.form()->Check_CloseHides->click();
-        QCOMPARE(folder.ini(kGeneral, QStringLiteral("minimize_close")).toBool(), false);
+        QFETCH(QString, box);
+        QFETCH(QByteArray, key);
+        TestWindow p;
+        p.setGeneral(key.constData(), true);
+        p.start();
+        auto *check = p.window->findChild<QCheckBox *>(box);
+        QVERIFY(check->isChecked());
+        QCOMPARE(p.window->isHiddenToTray(), key == "start_hidden");
+        check->click();
+        QCOMPARE(p.generalValue(key.constData()).toBool(), false);
+        check->click();
+        QCOMPARE(p.generalValue(key.constData()).toBool(), true);
+        if (key == "start_with_windows")
+            QCOMPARE(
+                p.fake.log->withPrefix("start: schtasks"),
+                QStringList(
+                    {R"(start: schtasks /Delete /tn "Varnrel" /f)",
+                     R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)"}));
     }
 
     void exitDialogBoxIsAsymmetric()
     {
-        TestFolder folder;
-        folder.mkdir(QStringLiteral("settings"));
-        {
-            FakePlatform fake;
-            MainWindow w(fake.bundle());
-            w.form()->Check_ExitDialog->click();
-            QCOMPARE(folder.ini(kGeneral, QStringLiteral("dontshowexitdiag")).toBool(), true);
-            w.form()->Check_ExitDialog->click();
-            QCOMPARE(folder.ini(kGeneral, QStringLiteral("Re-dontshowexitdiag")).toBool(), false);
-            QVERIFY(folder.ini(kGeneral, QStringLiteral("Re-dontshowexitdiag")).isValid());
-            QCOMPARE(folder.ini(kGeneral, QStringLiteral("dontshowexitdiag")).toBool(), true);
-        }
-        FakePlatform fake;
-        MainWindow restarted(fake.bundle());
-        QVERIFY(restarted.form()->Check_ExitDialog->isChecked());
+        TestWindow p;
+        p.start();
+        p.ui().Check_ExitDialog->click();
+        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        p.ui().Check_ExitDialog->click();
+        QCOMPARE(p.generalValue("Re-dontshowexitdiag"), QVariant("false"));
+        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        p.start();
+        QVERIFY(p.ui().Check_ExitDialog->isChecked());
     }
 
     void closeButtonWithBothBoxesHides()
     {
-        TestFolder folder;
-        folder.setIni(kGeneral, QStringLiteral("minimize_close"), true);
-        folder.setIni(kGeneral, QStringLiteral("dontshowexitdiag"), true);
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        w.show();
+        TestWindow p;
+        p.setGeneral("minimize_close", true);
+        p.setGeneral("dontshowexitdiag", true);
+        p.start();
+        p.window->show();
         CloseCounter counter;
-        w.installEventFilter(&counter);
-        w.form()->closeButton->click();
-        QVERIFY(!w.isVisible());
-        QVERIFY(w.isHiddenToTray());
-        QVERIFY(fake.dialogs->shown.isEmpty());
+        p.window->installEventFilter(&counter);
+        p.ui().closeButton->click();
+        QVERIFY(!p.window->isVisible());
+        QVERIFY(p.window->isHiddenToTray());
         QCOMPARE(counter.closes, 0);
-
         // The tray's Exit quits at once: the window comes back and closes without a question.
-        w.trayActions().exit->trigger();
-        QVERIFY(fake.dialogs->shown.isEmpty());
-        QVERIFY(!w.isVisible());
+        p.window->trayActions().exit->trigger();
+        QVERIFY(!p.window->isVisible());
         QCOMPARE(counter.closes, 1);
+        QVERIFY(p.fake.dialogs->shown.isEmpty());
     }
 
     void closeQuestionsUseTheirOwnTexts()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        fake.dialogs->answers = {QMessageBox::No, QMessageBox::No, QMessageBox::Yes};
-        MainWindow w(fake.bundle());
-        w.show();
-        w.form()->closeButton->click();
-        QVERIFY(w.isVisible());
-        w.systemtray_exit();
-        QVERIFY(w.isVisible());
-        QCOMPARE(fake.dialogs->shown.size(), 2);
-        QCOMPARE(fake.dialogs->shown[0].title, QStringLiteral("Fan Control"));
-        QCOMPARE(fake.dialogs->shown[0].text,
-                 QStringLiteral("Are you sure you want to quit? If you do all background "
-                                "functions will be terminated.\n"));
-        QCOMPARE(fake.dialogs->shown[1].title, QStringLiteral("Varnel"));
-        QCOMPARE(fake.dialogs->shown[1].text,
-                 QStringLiteral("Are you sure you want to quit? If you do, Any background "
-                                "functions will be closed.\n"));
-        QCOMPARE(fake.dialogs->shown[0].icon, QMessageBox::Question);
-        QCOMPARE(fake.dialogs->shown[0].buttons, QMessageBox::Yes | QMessageBox::No);
-
-        w.form()->closeButton->click();
-        QVERIFY(!w.isVisible());
+        TestWindow p;
+        p.fake.dialogs->answers = {QMessageBox::No, QMessageBox::No, QMessageBox::Yes};
+        p.start();
+        p.window->show();
+        p.ui().closeButton->click();
+        p.window->systemtray_exit();
+        QVERIFY(p.window->isVisible());
+        const auto &shown = p.fake.dialogs->shown;
+        QCOMPARE(shown.size(), 2);
+        QCOMPARE(shown[0].title, QStringLiteral("Fan Control"));
+        QCOMPARE(shown[0].text, QStringLiteral("Are you sure you want to quit? If you do all "
+                                               "background functions will be terminated.\n"));
+        QCOMPARE(shown[1].title, QStringLiteral("Varnel"));
+        QCOMPARE(shown[1].text, QStringLiteral("Are you sure you want to quit? If you do, Any "
+                                               "background functions will be closed.\n"));
+        QCOMPARE(shown[0].icon, QMessageBox::Question);
+        QCOMPARE(shown[0].buttons, QMessageBox::Yes | QMessageBox::No);
+        p.ui().closeButton->click();
+        QVERIFY(!p.window->isVisible());
     }
 
-    void startWithWindowsRunsTheTaskCommands()
+    void trayActivationAndSecondStartShowTheWindow()
     {
-        TestFolder folder;
-        folder.mkdir(QStringLiteral("settings"));
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        fake.log->clear();
-        w.form()->Check_Startwithwindows->click();
-        w.form()->Check_Startwithwindows->click();
-        QCOMPARE(
-            fake.log->withPrefix(QStringLiteral("start: schtasks")),
-            QStringList({R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)",
-                         R"(start: schtasks /Delete /tn "Varnrel" /f)"}));
-        QCOMPARE(folder.ini(kGeneral, QStringLiteral("start_with_windows")).toBool(), false);
-    }
-
-    void trayActivationToggles()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
+        TestWindow p;
+        p.start();
+        MainWindow &w = *p.window;
         w.show();
         w.show_hide(QSystemTrayIcon::Trigger);
         QVERIFY(w.isVisible());
         w.show_hide(QSystemTrayIcon::DoubleClick);
-        QVERIFY(!w.isVisible());
-        QVERIFY(w.isHiddenToTray());
+        QVERIFY(!w.isVisible() && w.isHiddenToTray());
         w.show_hide(QSystemTrayIcon::Unknown);
-        QVERIFY(w.isVisible());
-        QVERIFY(!w.isHiddenToTray());
+        QVERIFY(w.isVisible() && !w.isHiddenToTray());
         w.show_hide(QSystemTrayIcon::Context);
         QVERIFY(w.isVisible());
-    }
-
-    void secondStartWakesAHiddenWindow()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        w.show();
         w.show_hide(QSystemTrayIcon::DoubleClick);
-        QVERIFY(!w.isVisible());
         w.wakeFromSecondStart();
-        QVERIFY(w.isVisible());
-        QVERIFY(!w.isMinimized());
-        QVERIFY(!w.isHiddenToTray());
+        QVERIFY(w.isVisible() && !w.isMinimized() && !w.isHiddenToTray());
     }
 
     void shutdownSavesGeometryAndState()
     {
-        TestFolder folder;
-        folder.mkdir(QStringLiteral("settings"));
-        FakePlatform fake;
-        {
-            MainWindow w(fake.bundle());
-            w.setGeometry(40, 50, 1500, 1720);
-            w.ShutdownQuit();
-        }
-        QVERIFY(
-            !folder.ini(kGeneral, QStringLiteral("mainWindowGeometry")).toByteArray().isEmpty());
-        QVERIFY(!folder.ini(kGeneral, QStringLiteral("mainWindowState")).toByteArray().isEmpty());
-        MainWindow restored(fake.bundle());
-        QCOMPARE(restored.geometry().size(), QSize(1500, 1720));
+        TestWindow p;
+        p.start();
+        p.window->setGeometry(40, 50, 1500, 1720);
+        p.window->ShutdownQuit();
+        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
+        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
+        p.start();
+        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
     }
 
     void brandingHighlightReachesThePalette_data()
@@ -241,7 +211,7 @@ private slots:
         QTest::addColumn<QVariantList>("parts"); // red, green, blue as written in the file
         QTest::addColumn<QColor>("highlight");
         QTest::newRow("reseller red") << QVariantList{255, 0, 0} << QColor(255, 0, 0);
-        QTest::newRow("out of range, held to 0 ... 255")
+        QTest::newRow("held to 0 ... 255")
             << QVariantList{300, -5, "2147483647"} << QColor(255, 0, 255);
         QTest::newRow("not a number reads as 0")
             << QVariantList{"1e300", 128, "x"} << QColor(0, 128, 0);
@@ -250,69 +220,234 @@ private slots:
     void brandingHighlightReachesThePalette()
     {
         QFETCH(QVariantList, parts);
-        TestFolder folder;
+        TestWindow p;
         const QString branding = QStringLiteral("branding/varnel_branding.ini");
-        folder.setIni(branding, QStringLiteral("highlightcolor_RED"), parts.at(0));
-        folder.setIni(branding, QStringLiteral("highlightcolor_GREEN"), parts.at(1));
-        folder.setIni(branding, QStringLiteral("highlightcolor_BLUE"), parts.at(2));
-        folder.setIni(branding, QStringLiteral("appname"), QStringLiteral("Reseller Center"));
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        const QPalette p = QApplication::palette();
-        QTEST(p.color(QPalette::Active, QPalette::Highlight), "highlight");
-        QTEST(p.color(QPalette::Inactive, QPalette::Highlight), "highlight");
-        QCOMPARE(p.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
-        QCOMPARE(p.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
-        QCOMPARE(w.form()->Title->text(), QStringLiteral("Reseller Center"));
-    }
-
-    void densitySizing_data()
-    {
-        QTest::addColumn<int>("dpi");
-        QTest::addColumn<QSize>("minimum");
-        QTest::addColumn<int>("button");
-        QTest::newRow("96") << 96 << QSize(800, 900) << 25;
-        QTest::newRow("260 keeps the form") << 260 << QSize(800, 870) << 25;
-        QTest::newRow("300") << 300 << QSize(1900, 2000) << 52;
-        QTest::newRow("340") << 340 << QSize(1900, 2000) << 56;
-    }
-
-    void densitySizing()
-    {
-        QFETCH(int, dpi);
-        QFETCH(QSize, minimum);
-        QFETCH(int, button);
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        // Undo what the test machine's own density did, back to the form as built.
-        w.setMinimumSize(800, 870);
-        w.form()->minimizeButton->setFixedSize(25, 25);
-        w.form()->closeButton->setFixedSize(25, 25);
-        applyDensityToForm(&w, *w.form(), dpi);
-        QCOMPARE(w.minimumSize(), minimum);
-        QCOMPARE(w.form()->closeButton->minimumSize(), QSize(button, button));
-        if (dpi < 97)
-            QCOMPARE(w.form()->Slider_Brightness->minimumHeight(), 27);
+        for (const char *color : {"RED", "GREEN", "BLUE"})
+            p.folder.setIni(branding, QStringLiteral("highlightcolor_") + color, parts.takeFirst());
+        p.folder.setIni(branding, "appname", "Reseller Center");
+        p.start();
+        const QPalette palette = QApplication::palette();
+        QTEST(palette.color(QPalette::Active, QPalette::Highlight), "highlight");
+        QTEST(palette.color(QPalette::Inactive, QPalette::Highlight), "highlight");
+        QCOMPARE(palette.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
+        QCOMPARE(palette.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
+        QCOMPARE(p.ui().Title->text(), QStringLiteral("Reseller Center"));
     }
 
     void draggingKeepsTheWindowOnScreen()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
+        TestWindow p;
+        p.start();
+        MainWindow &w = *p.window;
         w.setMinimumSize(100, 100);
         w.resize(300, 200);
         w.show();
-        const QSize screen = w.screen()->size();
+        const int bottom = w.screen()->size().height();
         w.move(10, 10);
         QTest::mousePress(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
-        QMouseEvent move(QEvent::MouseMove, QPointF(5, screen.height()), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
+        QMouseEvent move(QEvent::MouseMove, QPointF(5, bottom), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
         QApplication::sendEvent(&w, &move);
-        QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, screen.height()));
-        QVERIFY(w.geometry().bottom() < screen.height());
+        QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, bottom));
+        QVERIFY(w.geometry().bottom() < bottom);
         QVERIFY(w.geometry().top() >= 0);
+    }
+
+    void windowHoldsUnavailableControlsDisabled()
+    {
+        TestWindow p;
+        const QString helper = QStringLiteral("needs the helper");
+        p.fake.availability->features[Feature::CpuTuning] = helper;
+        p.fake.availability->features[Feature::LidShutdown] = helper;
+        p.fake.availability->features[Feature::WindowsOnlyFix] = QStringLiteral("windows only");
+        p.fake.availability->programs["Remote.exe"] = QStringLiteral("no Remote");
+        p.fake.availability->programs["FanControl.exe"] = QStringLiteral("no fans");
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        // The tuning subsystem enables its controls as its own state changes; they stay off.
+        ui.checkBox_DontManageCPU->click();
+        ui.checkBox_DontManageCPU->click();
+        ui.turbo_override->setEnabled(true);
+        ui.turbo_override->setToolTip(QStringLiteral("other"));
+        QVERIFY(!ui.turbo_override->isEnabled());
+        QCOMPARE(ui.turbo_override->toolTip(), helper);
+        QVERIFY(!ui.tabWidget->isTabEnabled(ui.tabWidget->indexOf(ui.tab)));
+        QCOMPARE(ui.tabWidget->tabToolTip(ui.tabWidget->indexOf(ui.tab)), helper);
+
+        QVERIFY(!ui.CheckTDRdelay->isEnabled());
+        QCOMPARE(ui.Button_RemoteControl->toolTip(), QStringLiteral("no Remote"));
+        QVERIFY(!ui.Button_FanControl->isEnabled());
+        QVERIFY(ui.Button_KeyboardLed->isEnabled());
+        QVERIFY(ui.checkstart->isEnabled()); // two of the three apps can still start
+        QVERIFY(ui.silent_cpu_min->isEnabled());
+        QVERIFY(!ui.comboBox_5->isEnabled());
+        QCOMPARE(ui.comboBox_5->toolTip(),
+                 QStringLiteral("Fan modes are set by Fan Control: no fans"));
+        QVERIFY(ui.horizontalSlider_2->isEnabled()); // the keyboard app can still start
+
+        // Only the shutdown entry of the lid action is off.
+        auto *lid = qobject_cast<QStandardItemModel *>(ui.LidClose_Combo->model());
+        QVERIFY(lid->item(0)->isEnabled() && lid->item(1)->isEnabled());
+        QVERIFY(!lid->item(2)->isEnabled());
+        QCOMPARE(lid->item(2)->toolTip(), helper);
+        QVERIFY(ui.LidClose_Combo->isEnabled());
+    }
+
+    void firstStartOpensOnAWorkingTab()
+    {
+        TestWindow p;
+        for (Feature f : {Feature::NvidiaGpu, Feature::CpuTuning, Feature::WindowsOnlyFix,
+                          Feature::SuperKeyBlocker})
+            p.fake.availability->features[f] = QStringLiteral("missing");
+        for (const char *program : {R"(Libs\AuxSwitch.exe)", R"(Libs\InitHeadphone.exe)"})
+            p.fake.availability->programs[program] = QStringLiteral("missing");
+        p.start(); // power modes off: the first tab is disabled
+        QTabWidget &tabs = *p.ui().tabWidget;
+        p.window->show();
+        QVERIFY(!tabs.isTabEnabled(tabs.indexOf(p.ui().tab_10)));
+        QCOMPARE(tabs.currentWidget(), p.ui().tab_3);
+        QVERIFY(tabWorks(tabs, tabs.currentIndex()));
+        QVERIFY(!tabWorks(tabs, tabs.indexOf(p.ui().tab_7)));
+    }
+
+    void settingsAreReadAndWrittenAtOnce()
+    {
+        TestFolder folder; // no settings folder yet: the first write makes it
+        const Settings settings;
+        QVERIFY(!settings.general().value("minimize_close").isValid());
+        settings.general().setValue("powermode", "silent");
+        QCOMPARE(folder.ini("settings/varnel.ini", "powermode"), QVariant("silent"));
+        // A change made behind the helper's back is seen by the next read: nothing is cached.
+        folder.setIni("settings/varnel.ini", "powermode", "maximum");
+        QCOMPARE(settings.general().value("powermode").toString(), QStringLiteral("maximum"));
+        // Both separators name the same file.
+        SettingsFile("settings\\settings_widgets.ini").setValue("resorceswidget", 1);
+        QCOMPARE(settings.widgets().value("resorceswidget").toInt(), 1);
+        QCOMPARE(localPath("ThrottleStop\\ThrottleStop.ini"),
+                 QStringLiteral("ThrottleStop/ThrottleStop.ini"));
+        // The update work file keeps its own group.
+        folder.mkdir("updates");
+        settings.updateWork().setValue("Varnel", true);
+        QSettings raw(folder.file("updates/work.ini"), QSettings::IniFormat);
+        QCOMPARE(raw.value("workqueue/Varnel").toBool(), true);
+        QVERIFY(!raw.contains("settings/Varnel"));
+    }
+
+    void onlyChangesRewriteTheFile_data()
+    {
+        QTest::addColumn<QVariant>("stored"); // invalid: the key is missing
+        QTest::addColumn<QVariant>("written");
+        QTest::addColumn<bool>("rewritten");
+        const QByteArray bytes("\x01\x02", 2);
+        QTest::newRow("same text") << QVariant("silent") << QVariant("silent") << false;
+        QTest::newRow("other text") << QVariant("silent") << QVariant("maximum") << true;
+        QTest::newRow("same bool") << QVariant(true) << QVariant(true) << false;
+        QTest::newRow("bool turned off") << QVariant(true) << QVariant(false) << true;
+        QTest::newRow("number as its text") << QVariant(40) << QVariant("40") << false;
+        QTest::newRow("other number") << QVariant(40) << QVariant(41) << true;
+        QTest::newRow("same fraction") << QVariant(1.5) << QVariant(1.5) << false;
+        QTest::newRow("same bytes") << QVariant(bytes) << QVariant(bytes) << false;
+        QTest::newRow("other bytes")
+            << QVariant(bytes) << QVariant(QByteArray("\x01\x03", 2)) << true;
+        // A missing key reads as false, yet writing false must still store it.
+        QTest::newRow("missing key") << QVariant() << QVariant(false) << true;
+        QTest::newRow("text that reads like a bool") << QVariant("true") << QVariant(true) << false;
+    }
+
+    void onlyChangesRewriteTheFile()
+    {
+        QFETCH(QVariant, stored);
+        QFETCH(QVariant, written);
+        QFETCH(bool, rewritten);
+        TestFolder folder;
+        const SettingsFile general = Settings().general();
+        general.setValue("other", 1);
+        if (stored.isValid())
+            general.setValue("key", stored);
+        const QString path = folder.file("settings/varnel.ini");
+        markUntouched(path);
+        general.setValue("key", written);
+        QCOMPARE(!stillUntouched(path), rewritten);
+        QCOMPARE(general.value("key").toString(), written.toString());
+        markUntouched(path);
+        general.remove("absent"); // removing a key that is not there changes nothing either
+        QVERIFY(stillUntouched(path));
+    }
+
+    void walk_data()
+    {
+        QTest::addColumn<QRect>("window");
+        QTest::addColumn<int>("left");
+        QTest::addColumn<QPoint>("expected");
+        // Window 800 wide at x, y with a height; the screen 1920 x 1080 from left.
+        const struct {
+            const char *row;
+            int x, y, height, left, expectedX, expectedY;
+        } rows[] = {
+            {"on screen", 100, 100, 900, 0, 100, 100},
+            {"bottom below: 45 steps of 20 up", 100, 1075, 900, 0, 100, 175},
+            {"right edge past", 1125, 10, 900, 0, 1119, 10},
+            {"left of it", -5, 10, 900, 0, 1, 10},
+            {"above it", 10, -7, 900, 0, 10, 1},
+            {"second screen: only the height counts vertically", 1900, 100, 900, 1920, 1920, 100},
+            {"taller, left alone", 10, 500, 1200, 0, 10, 500},
+            {"20 up overshoots, 2-pixel steps come back", 0, 15, 1070, 0, 0, 1}};
+        for (const auto &r : rows)
+            QTest::newRow(r.row) << QRect(r.x, r.y, 800, r.height) << r.left
+                                 << QPoint(r.expectedX, r.expectedY);
+    }
+
+    void walk()
+    {
+        QFETCH(QRect, window);
+        QFETCH(int, left);
+        QFETCH(QPoint, expected);
+        QCOMPARE(fitOnScreen(window, QSize(1920, 1080), left), QRect(expected, window.size()));
+    }
+
+    void densityTables_data()
+    {
+        QTest::addColumn<int>("dpi");
+        QTest::addColumn<QSize>("minimum");
+        QTest::addColumn<int>("titleButton");
+        QTest::addColumn<int>("fontPixels");
+        const int rows[][5] = {
+            {72, 800, 900, 0, 12},     {96, 800, 900, 0, 12},     {97, 900, 980, 0, 14},
+            {120, 900, 980, 0, 14},    {121, 1000, 1150, 0, 17},  {144, 1000, 1150, 0, 17},
+            {145, 1100, 1400, 0, 19},  {160, 1100, 1400, 0, 19},  {161, 1100, 1400, 0, 20},
+            {168, 1100, 1400, 0, 20},  {169, 1300, 1500, 0, 20},  {180, 1300, 1500, 0, 20},
+            {181, 1300, 1500, 0, 22},  {192, 1300, 1500, 0, 22},  {193, 1550, 1650, 0, 24},
+            {216, 1550, 1650, 0, 24},  {217, 1550, 1700, 0, 26},  {240, 1550, 1700, 0, 26},
+            {241, -1, -1, 0, 34},      {287, -1, -1, 0, 34},      {288, 1900, 2000, 52, 34},
+            {289, 1900, 2000, 52, 36}, {335, 1900, 2000, 52, 36}, {336, 1900, 2000, 56, 36},
+            {337, 1900, 2000, 56, 0}};
+        for (const auto &r : rows)
+            QTest::newRow(qPrintable(QString::number(r[0])))
+                << r[0] << QSize(r[1], r[2]) << r[3] << r[4];
+    }
+
+    void densityTables()
+    {
+        QFETCH(int, dpi);
+        QFETCH(QSize, minimum);
+        QFETCH(int, titleButton);
+        QCOMPARE(minimumSizeForDpi(dpi), minimum);
+        QCOMPARE(titleButtonSizeForDpi(dpi),
+                 titleButton ? QSize(titleButton, titleButton) : QSize());
+        QTEST(fontPixelSizeForDpi(dpi), "fontPixels");
+
+        // Applied to the window; where a table has no entry the form keeps its own size.
+        TestWindow p;
+        p.start();
+        MainWindow &w = *p.window;
+        w.setMinimumSize(800, 870); // undo what the test machine's own density did
+        p.ui().minimizeButton->setFixedSize(25, 25);
+        p.ui().closeButton->setFixedSize(25, 25);
+        applyDensityToForm(&w, p.ui(), dpi);
+        QCOMPARE(w.minimumSize(), minimum.isValid() ? minimum : QSize(800, 870));
+        QCOMPARE(p.ui().closeButton->minimumSize().width(), titleButton ? titleButton : 25);
+        if (dpi < 97)
+            QCOMPARE(p.ui().Slider_Brightness->minimumHeight(), 27);
     }
 };
 

@@ -1,8 +1,8 @@
-// One instance per user, under real processes: many starts at once, first instances that died
-// in odd ways, blocks and key files tampered with, and clients that talk slowly or not at all.
-// This test program is itself a first instance, so its own server is tried in-process.
+// One instance per user under real processes; this program is itself a first instance, so its
+// own server is tried in-process with slow and silent clients.
 #include "instancefile.h"
 #include "instancekey.h"
+#include "linuxidentity.h"
 #include "sharedmemoryblock.h"
 #include "singleapplication.h"
 
@@ -26,20 +26,13 @@ namespace {
 
 const QString kProbe = QStringLiteral(VARNEL_TEST_BIN_DIR "/shell/instance_probe");
 
-QString userName()
-{
-    const passwd *entry = getpwuid(getuid());
-    return entry ? QString::fromLocal8Bit(entry->pw_name) : QString();
-}
-
-// The key every probe start computes: the application object's defaults, the probe's path and
-// this user.
+// The key every probe start computes: the application's defaults, the probe's path, this user.
 QString probeKey()
 {
     InstanceKeyInputs in;
     in.applicationName = QStringLiteral("instance_probe");
     in.applicationFilePath = QFileInfo(kProbe).canonicalFilePath();
-    in.userName = userName();
+    in.userName = LinuxIdentity().userName();
     return instanceKey(in);
 }
 
@@ -101,22 +94,31 @@ private:
                later->exitCode() == 0 && later->readAllStandardOutput().isEmpty();
     }
 
-    // The block wherever a start may look for one: the file in the private folder, and a
-    // System V segment named through the temporary folder.
-    void writeBlock(const InstanceBlock &value)
+    // Runs f with the probes' temporary folder, where a System V segment's name lives.
+    template <class F> void inProbeTemp(F f)
     {
-        QFile file(m_runtime->path() + QLatin1Char('/') + probeKey() + QStringLiteral(".block"));
-        if (file.open(QIODevice::ReadWrite))
-            file.write(reinterpret_cast<const char *>(&value), sizeof(value));
-        const QByteArray savedTemp = qgetenv("TMPDIR");
+        const QByteArray saved = qgetenv("TMPDIR");
         qputenv("TMPDIR", m_temp->path().toUtf8());
         if (!m_heldSegment)
             m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
-        if ((m_heldSegment->isAttached() || m_heldSegment->attach()) && m_heldSegment->lock()) {
-            *static_cast<InstanceBlock *>(m_heldSegment->data()) = value;
-            m_heldSegment->unlock();
-        }
-        qputenv("TMPDIR", savedTemp);
+        f(*m_heldSegment);
+        qputenv("TMPDIR", saved);
+    }
+
+    QString blockFile() const { return m_runtime->path() + '/' + probeKey() + ".block"; }
+
+    // The block wherever a start may look for one: the file and a System V segment.
+    void writeBlock(const InstanceBlock &value)
+    {
+        QFile file(blockFile());
+        if (file.open(QIODevice::ReadWrite))
+            file.write(reinterpret_cast<const char *>(&value), sizeof(value));
+        inProbeTemp([&](QSharedMemory &segment) {
+            if ((segment.isAttached() || segment.attach()) && segment.lock()) {
+                *static_cast<InstanceBlock *>(segment.data()) = value;
+                segment.unlock();
+            }
+        });
     }
 
     int runningProbes()
@@ -146,14 +148,11 @@ private slots:
         }
         m_probes.clear();
         // A System V block left by a killed start goes with its last user.
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", m_temp->path().toUtf8());
-        if (!m_heldSegment)
-            m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
-        if (m_heldSegment->isAttached() || m_heldSegment->attach())
-            m_heldSegment->detach();
+        inProbeTemp([](QSharedMemory &segment) {
+            if (segment.isAttached() || segment.attach())
+                segment.detach();
+        });
         m_heldSegment.reset();
-        qputenv("TMPDIR", savedTemp);
     }
 
     void fiftyStartsAtOnceLeaveExactlyOne_data()
@@ -196,82 +195,60 @@ private slots:
             else
                 QVERIFY(p->readLine().startsWith("primary "));
         }
-    }
-
-    void deadFirstInstanceDoesNotLockOut_data()
-    {
-        QTest::addColumn<bool>("zombie");
-        QTest::newRow("zombie, never reaped") << true;
-        QTest::newRow("killed, its process id now another program's") << false;
-    }
-
-    void deadFirstInstanceDoesNotLockOut()
-    {
-        QFETCH(bool, zombie);
-        qint64 deadPid = 0;
-        if (zombie) {
-            // The probe's parent becomes a program that never reaps it.
-            QProcess *shell = startProbe(
-                QStringLiteral("/bin/sh"),
-                {QStringLiteral("-c"), QStringLiteral("\"$0\" & exec sleep 120"), kProbe});
-            QVERIFY(shell->waitForReadyRead(15000));
-            deadPid = shell->readLine().trimmed().mid(8).toLongLong();
-            QVERIFY(deadPid > 0);
-            ::kill(static_cast<pid_t>(deadPid), SIGKILL);
-            QTRY_COMPARE(processState(deadPid), 'Z');
-        } else {
-            QProcess *first = nullptr;
-            QVERIFY(startPrimary(&first) > 0);
-            first->kill();
-            first->waitForFinished(5000);
-            // The block still says "running" and names a live process that is not ours.
-            writeBlock(InstanceBlock{true, 0, QCoreApplication::applicationPid()});
-        }
-        QVERIFY(startPrimary() > 0);
-        QVERIFY(handsOver());
-    }
-
-    void tamperingWhileTheFirstRunsAdmitsNoSecond_data()
-    {
-        QTest::addColumn<QString>("tamper");
-        QTest::newRow("block zeroed") << "zero";
-        QTest::newRow("key files deleted from the temporary folder") << "delete";
-    }
-
-    void tamperingWhileTheFirstRunsAdmitsNoSecond()
-    {
-        QFETCH(QString, tamper);
-        QProcess *first = nullptr;
-        QVERIFY(startPrimary(&first) > 0);
-        if (tamper == QLatin1String("zero"))
-            writeBlock(InstanceBlock{false, 0, 0});
-        else
-            for (const QString &name :
-                 QDir(m_temp->path())
-                     .entryList({QStringLiteral("qipc_*")}, QDir::Files | QDir::System))
-                QFile::remove(m_temp->filePath(name));
-        // Other programs take the freed file numbers, as they would in a busy /tmp.
-        for (int i = 0; i < 4; ++i) {
-            QFile other(m_temp->filePath(QStringLiteral("other-%1").arg(i)));
-            QVERIFY(other.open(QIODevice::WriteOnly));
-        }
-        QVERIFY(handsOver());
-        QVERIFY(first->waitForReadyRead(5000));
-        QCOMPARE(first->readLine().trimmed(), QByteArray("wake"));
-        QCOMPARE(runningProbes(), 1);
-    }
-
-    void nothingIsKeptInTheSharedTemporaryFolder()
-    {
-        QVERIFY(startPrimary() > 0);
-        QVERIFY(handsOver());
+        // Nothing is kept in the shared temporary folder; the block is ours.
         QCOMPARE(
             QDir(m_temp->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
             QStringList());
-        const QFileInfo block(m_runtime->path() + QLatin1Char('/') + probeKey() +
-                              QStringLiteral(".block"));
-        QVERIFY(block.exists());
-        QCOMPARE(block.ownerId(), uint(geteuid()));
+        QCOMPARE(QFileInfo(blockFile()).ownerId(), uint(geteuid()));
+    }
+
+    // A first instance that died in odd ways, or whose block or key files were tampered with.
+    void disturbedFirstInstanceLeavesOne_data()
+    {
+        QTest::addColumn<QString>("event");
+        QTest::newRow("zombie, never reaped") << "zombie";
+        QTest::newRow("killed, its process id now another program's") << "killed";
+        QTest::newRow("block zeroed while it runs") << "zero";
+        QTest::newRow("key files deleted from the temporary folder") << "delete";
+    }
+
+    void disturbedFirstInstanceLeavesOne()
+    {
+        QFETCH(QString, event);
+        QProcess *first = nullptr;
+        if (event == "zombie") {
+            // The probe's parent becomes a program that never reaps it.
+            QProcess *shell = startProbe("/bin/sh", {"-c", "\"$0\" & exec sleep 120", kProbe});
+            QVERIFY(shell->waitForReadyRead(15000));
+            const qint64 deadPid = shell->readLine().trimmed().mid(8).toLongLong();
+            QVERIFY(deadPid > 0);
+            ::kill(pid_t(deadPid), SIGKILL);
+            QTRY_COMPARE(processState(deadPid), 'Z');
+        } else {
+            QVERIFY(startPrimary(&first) > 0);
+        }
+        if (event == "killed") {
+            first->kill();
+            first->waitForFinished(5000);
+            first = nullptr;
+            // The block still says "running" and names a live process that is not ours.
+            writeBlock(InstanceBlock{true, 0, QCoreApplication::applicationPid()});
+        }
+        if (event == "zero")
+            writeBlock(InstanceBlock{false, 0, 0});
+        if (event == "delete") {
+            for (const QString &name :
+                 QDir(m_temp->path()).entryList({"qipc_*"}, QDir::Files | QDir::System))
+                QFile::remove(m_temp->filePath(name));
+        }
+        // Other programs take the freed file numbers, as they would in a busy /tmp.
+        for (int i = 0; i < 4; ++i)
+            QVERIFY(QFile(m_temp->filePath(QString("other-%1").arg(i))).open(QIODevice::WriteOnly));
+        if (!first)
+            QVERIFY(startPrimary(&first) > 0);
+        QVERIFY(handsOver());
+        QVERIFY(first->waitForReadyRead(5000));
+        QCOMPARE(first->readLine().trimmed(), QByteArray("wake"));
     }
 
     // Another local user made the block first, claiming a first instance that is alive.
@@ -281,26 +258,20 @@ private slots:
             QSKIP("needs root to make files of another user");
         const passwd *nobody = getpwnam("nobody");
         QVERIFY(nobody);
-        const QString key = probeKey();
-        const QByteArray savedTemp = qgetenv("TMPDIR");
-        qputenv("TMPDIR", m_temp->path().toUtf8());
-        QSharedMemory foreign(key);
-        QVERIFY(foreign.create(sizeof(InstanceBlock)));
-        qputenv("TMPDIR", savedTemp);
+        inProbeTemp([](QSharedMemory &segment) { QVERIFY(segment.create(sizeof(InstanceBlock))); });
+        QFile planted(blockFile());
+        QVERIFY(planted.open(QIODevice::WriteOnly));
+        planted.close();
         for (const QString &name : QDir(m_temp->path()).entryList(QDir::Files | QDir::System))
             QVERIFY(::chown(QFile::encodeName(m_temp->filePath(name)).constData(), nobody->pw_uid,
                             nobody->pw_gid) == 0);
-        const QString blockFile = m_runtime->path() + QLatin1Char('/') + key + ".block";
-        QFile planted(blockFile);
-        QVERIFY(planted.open(QIODevice::WriteOnly));
-        planted.close();
-        QVERIFY(::chown(QFile::encodeName(blockFile).constData(), nobody->pw_uid, nobody->pw_gid) ==
-                0);
+        QVERIFY(::chown(QFile::encodeName(blockFile()).constData(), nobody->pw_uid,
+                        nobody->pw_gid) == 0);
         writeBlock(InstanceBlock{true, 0, 1});
 
         QVERIFY(startPrimary() > 0);
         QVERIFY(handsOver());
-        QCOMPARE(QFileInfo(blockFile).ownerId(), uint(geteuid()));
+        QCOMPARE(QFileInfo(blockFile()).ownerId(), uint(geteuid()));
     }
 
     // Both kinds of block, two starts in one process: one first instance at a time, and the

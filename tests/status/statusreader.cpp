@@ -1,9 +1,5 @@
-// Reads the shared status block as a companion tool does.
-//
-//   status_reader <key>          prints the block's bytes in hex and its text, then detaches
-//   status_reader <key> --hold   the same, then stays attached until a line arrives on stdin
-//
-// Exit status 2 when the block cannot be attached.
+// Reads the shared status block as a companion tool does: "status_reader <key> [--hold]" prints
+// its bytes in hex and its text (--hold: then stays attached until a line arrives on stdin).
 #include <QCoreApplication>
 #include <QDataStream>
 #include <QSharedMemory>

@@ -1,29 +1,12 @@
 // The shared status block, read from a second process as the companion tools read it.
-#include "testwindow.h"
 #include "powermodes.h"
 #include "statuspublisher.h"
+#include "testwindow.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
-
-class StatusPublisherTest : public QObject {
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void serialisation_data();
-    void serialisation();
-    void windowPublishesTheModeCodes();
-    void windowPublishesEveryTextThroughItsSlot();
-    void aReaderThatStaysMakesPublishingFail();
-
-private:
-    // The block's namespace follows the temporary folder; a private one keeps other programs
-    // using the same key (a running copy, other tests) out of the way.
-    QTemporaryDir m_tmp;
-};
 
 namespace {
 const QString kKey = QStringLiteral("VarnelSharedMem");
@@ -44,97 +27,83 @@ QStringList readBlock(const QString &key = kKey)
 }
 } // namespace
 
-void StatusPublisherTest::initTestCase()
-{
-    QVERIFY(m_tmp.isValid());
-    qputenv("TMPDIR", m_tmp.path().toLocal8Bit());
-    QVERIFY2(QFile::exists(readerPath()), "build the status_reader program first");
-}
+class StatusPublisherTest : public QObject {
+    Q_OBJECT
 
-void StatusPublisherTest::serialisation_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QByteArray>("hex");
-    QTest::newRow("at start") << "none,none"
-                              << QByteArray("00000012006e006f006e0065002c006e006f006e0065");
-    QTest::newRow("fan and keyboard") << "3,40" << QByteArray("000000080033002c00340030");
-    QTest::newRow("empty") << "" << QByteArray("00000000");
-}
+    // The block's namespace follows the temporary folder; a private one keeps other programs
+    // using the same key (a running copy, other tests) out of the way.
+    QTemporaryDir m_tmp;
 
-void StatusPublisherTest::serialisation()
-{
-    QFETCH(QString, text);
-    QFETCH(QByteArray, hex);
-    const QByteArray bytes = StatusPublisher::serialise(text);
-    QCOMPARE(bytes.toHex(), hex);
-    QCOMPARE(bytes.size(), 4 + 2 * text.size());
-}
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_tmp.isValid());
+        qputenv("TMPDIR", m_tmp.path().toLocal8Bit());
+        QVERIFY2(QFile::exists(readerPath()), "build the status_reader program first");
+    }
 
-void StatusPublisherTest::windowPublishesTheModeCodes()
-{
-    TestWindow p;
-    p.setUser("comboBox_5_normal", 3);
-    p.setUser("horizontalSlider_2_normal", 40);
-    p.start();
-    // Published at start and on each change; no timer wakes every second to write it again.
-    for (QTimer *t : p.window->findChildren<QTimer *>())
-        QVERIFY(!(t->interval() == 1000 && t->isActive() && !t->isSingleShot()));
-    const QStringList atStart = readBlock();
-    QCOMPARE(atStart.value(1), QStringLiteral("none,none"));
-    QCOMPARE(atStart.value(0).size(), 44); // 22 bytes
-    QVERIFY(atStart.value(0).startsWith(QLatin1String("00000012")));
+    void windowPublishesTheModeCodes()
+    {
+        TestWindow p;
+        p.setUser("comboBox_5_normal", 3);
+        p.setUser("horizontalSlider_2_normal", 40);
+        p.start();
+        // Published at start and on each change; no timer wakes every second to write it again.
+        for (QTimer *t : p.window->findChildren<QTimer *>())
+            QVERIFY(!(t->interval() == 1000 && t->isActive() && !t->isSingleShot()));
+        QCOMPARE(readBlock(),
+                 (QStringList{"00000012006e006f006e0065002c006e006f006e0065", "none,none"}));
 
-    // A change is published at once, or a second later where the old segment is still going.
-    p.ui().checkBox_2->click(); // power modes on: normal has fan Manual and keyboard 40
-    QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,40"));
+        // A change is published at once, or a second later where the old segment is still going.
+        p.ui().checkBox_2->click(); // power modes on: normal has fan Manual and keyboard 40
+        QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,40"));
 
-    // Switched off again: the keyboard is released, the fan code stays.
-    p.ui().checkBox_2->click();
-    QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,none"));
+        // Switched off again: the keyboard is released, the fan code stays.
+        p.ui().checkBox_2->click();
+        QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,none"));
 
-    // A reader holding the block: the change waits, and is tried again each second.
-    QProcess holder;
-    holder.start(readerPath(), {kKey, QStringLiteral("--hold")});
-    QVERIFY(holder.waitForReadyRead(10000));
-    p.ui().horizontalSlider_2->setValue(55);
-    holder.write("\n");
-    QVERIFY(holder.waitForFinished(10000));
-    QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,55"));
-}
+        // A reader holding the block: the change waits, and is tried again each second.
+        QProcess holder;
+        holder.start(readerPath(), {kKey, QStringLiteral("--hold")});
+        QVERIFY(holder.waitForReadyRead(10000));
+        p.ui().horizontalSlider_2->setValue(55);
+        holder.write("\n");
+        QVERIFY(holder.waitForFinished(10000));
+        QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,55"));
 
-void StatusPublisherTest::windowPublishesEveryTextThroughItsSlot()
-{
-    TestWindow p;
-    p.start();
-    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
-                                      Q_ARG(QString, QStringLiteral("5,100"))));
-    QTRY_COMPARE(readBlock(), (QStringList{"0000000a0035002c003100300030", "5,100"}));
-}
+        // Any text, through the slot the window offers for it.
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
+                                          Q_ARG(QString, "5,100")));
+        QTRY_COMPARE(readBlock(), (QStringList{"0000000a0035002c003100300030", "5,100"}));
+    }
 
-void StatusPublisherTest::aReaderThatStaysMakesPublishingFail()
-{
-    const QString key = QStringLiteral("VarnelStatusTest");
-    StatusPublisher publisher(key);
-    QVERIFY(publisher.publish(QStringLiteral("1,10")));
+    void aReaderThatStaysMakesPublishingFail()
+    {
+        const QString key = QStringLiteral("VarnelStatusTest");
+        StatusPublisher publisher(key);
+        QVERIFY(publisher.publish(QStringLiteral("1,10")));
+        QCOMPARE(StatusPublisher::serialise(QStringLiteral("")).toHex(), QByteArray("00000000"));
 
-    QProcess holder;
-    holder.start(readerPath(), {key, QStringLiteral("--hold")});
-    QVERIFY(holder.waitForReadyRead(10000));
-    QTRY_VERIFY(holder.canReadLine());
+        QProcess holder;
+        holder.start(readerPath(), {key, QStringLiteral("--hold")});
+        QVERIFY(holder.waitForReadyRead(10000));
+        QTRY_VERIFY(holder.canReadLine());
 
-    // The record the segment already holds needs no new segment, so the reader does not block it.
-    QVERIFY(publisher.publish(QStringLiteral("1,10")));
-    QVERIFY(!publisher.publish(QStringLiteral("2,20")));
-    QVERIFY(!publisher.publish(QStringLiteral("2,20"))); // and it stays so, without harm
-    QCOMPARE(readBlock(key).value(1), QStringLiteral("1,10"));
+        // The record the segment already holds needs no new segment, so the reader does not block
+        // it.
+        QVERIFY(publisher.publish(QStringLiteral("1,10")));
+        QVERIFY(!publisher.publish(QStringLiteral("2,20")));
+        QVERIFY(!publisher.publish(QStringLiteral("2,20"))); // and it stays so, without harm
+        QCOMPARE(readBlock(key).value(1), QStringLiteral("1,10"));
 
-    holder.write("\n");
-    QVERIFY(holder.waitForFinished(10000));
-    QCOMPARE(holder.exitCode(), 0);
-    // The window publishes every second; the reader's segment may take a moment to go.
-    QTRY_VERIFY(publisher.publish(QStringLiteral("2,20")));
-    QCOMPARE(readBlock(key).value(1), QStringLiteral("2,20"));
-}
+        holder.write("\n");
+        QVERIFY(holder.waitForFinished(10000));
+        QCOMPARE(holder.exitCode(), 0);
+        // The reader's segment may take a moment to go.
+        QTRY_VERIFY(publisher.publish(QStringLiteral("2,20")));
+        QCOMPARE(readBlock(key).value(1), QStringLiteral("2,20"));
+    }
+};
 
 QTEST_MAIN(StatusPublisherTest)
 #include "tst_statuspublisher.moc"

@@ -76,17 +76,9 @@ public:
     // A USB device; a camera has a video-class (0x0e) interface among its descriptors.
     void putUsbDevice(const QString &name, bool camera, bool authorized = true) const
     {
-        QByteArray descriptors = QByteArray::fromHex("1201000200000040"
-                                                     "5e04f7070001"
-                                                     "010203"
-                                                     "01");
-        descriptors += QByteArray::fromHex("09020000020100a032");
-        descriptors += QByteArray::fromHex(camera ? "0904000001"
-                                                    "0e0100"
-                                                    "00"
-                                                  : "0904000001"
-                                                    "030101"
-                                                    "00");
+        QByteArray descriptors = QByteArray::fromHex("12010002000000405e04f70700010102030109020000"
+                                                     "020100a032");
+        descriptors += QByteArray::fromHex(camera ? "09040000010e010000" : "090400000103010100");
         const QString dir = QStringLiteral("sys/bus/usb/devices/") + name + QLatin1Char('/');
         put(dir + QStringLiteral("descriptors"), descriptors);
         put(dir + QStringLiteral("authorized"), authorized ? "1\n" : "0\n");

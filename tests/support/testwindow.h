@@ -1,9 +1,8 @@
 #pragma once
 
-// The real window over the fake platform (shared by every suite that builds it), in a fresh install
-// folder holding the shipped default power modes. Settings are written before the window is built;
-// the log and the scheduler are cleared once it stands (delays the start-up scheduled are dropped),
-// so a test sees only what it caused.
+// The real window over the fake platform in a fresh install folder with the shipped default power
+// modes. Settings are written before start(); the log and the scheduler are cleared once the window
+// stands (start-up delays are dropped), so a test sees only what it caused.
 
 #include "fakeplatform.h"
 #include "mainwindow.h"
@@ -35,6 +34,7 @@ struct TestWindow {
 
     void start()
     {
+        window.reset(); // a restart: the old window is gone before the new one reads the settings
         window = std::make_unique<MainWindow>(fake.bundle());
         clearRecords();
     }

@@ -1,0 +1,372 @@
+// The Linux side of the shell: the command table and its log-on entry, the registry routes, the
+// instance folder, what the machine can back, native helper programs and the working folder.
+#include "commandtable.h"
+#include "desktoppower.h"
+#include "instancefile.h"
+#include "linuxavailability.h"
+#include "linuxcommands.h"
+#include "linuxidentity.h"
+#include "linuxregistry.h"
+#include "nativeprogram.h"
+#include "powercommands.h"
+#include "workingfolder.h"
+
+#include <QtTest>
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+Q_DECLARE_METATYPE(Feature)
+
+namespace {
+
+void makeFile(const QString &path, bool executable = true)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("#!/bin/sh\n");
+    file.close();
+    if (executable)
+        file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+}
+
+struct Recorder : DesktopTimeouts, LidSwitch {
+    QStringList calls;
+    bool available() override { return true; }
+    bool setScreenOff(bool battery, int minutes) override
+    {
+        calls << QStringLiteral("screen %1 %2").arg(battery ? "battery" : "ac").arg(minutes);
+        return true;
+    }
+    bool setSleepAfter(bool battery, int minutes) override
+    {
+        calls << QStringLiteral("sleep %1 %2").arg(battery ? "battery" : "ac").arg(minutes);
+        return true;
+    }
+    void setIgnored(bool ignored) override { calls << (ignored ? "lid held" : "lid free"); }
+};
+
+} // namespace
+
+class LinuxShellTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_config;
+
+private slots:
+    void initTestCase() { qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8()); }
+
+    void logOnTaskBecomesAnAutostartEntry()
+    {
+        auto table = std::make_shared<CommandTable>();
+        addStartupCommands(*table);
+        LinuxCommandRunner runner(table);
+        const QString entry = m_config.path() + QStringLiteral("/autostart/varnel.desktop");
+        runner.start(R"(schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)");
+        QFile file(entry);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        QVERIFY(text.startsWith("[Desktop Entry]\n"));
+        QVERIFY(text.contains(QStringLiteral("Exec=\"%1\"").arg(qApp->applicationFilePath())));
+        QVERIFY(text.contains("Path=" + QDir::currentPath()));
+        runner.start(R"(schtasks /Delete /tn "Varnrel" /f)");
+        QVERIFY(!QFile::exists(entry));
+
+        // Unknown lines behave like missing programs.
+        QVERIFY(!table->knows(R"(schtasks /create /tn "Other" /XML x.xml)"));
+        QVERIFY(!table->run(R"(schtasks /Delete /tn "Varnrel")").has_value());
+        QVERIFY(runner.runAndRead("definitely-not-a-program --flag", 30000).isEmpty());
+        QVERIFY(!LinuxIdentity().userName().isEmpty());
+    }
+
+    void tableRowsAnswerAsynchronouslyWithoutAProcess()
+    {
+        auto table = std::make_shared<CommandTable>();
+        table->add("echo (\\w+)",
+                   [](const QRegularExpressionMatch &m) { return m.captured(1) + "\r\n"; });
+        AsyncProcess *process = LinuxCommandRunner(table).createProcess(this);
+        QSignalSpy finished(process, &AsyncProcess::finished);
+        QSignalSpy output(process, &AsyncProcess::readyReadStandardOutput);
+        process->startCommand("echo hello");
+        QVERIFY(process->isRunning());
+        process->startCommand("echo again"); // refused while the first answer is pending
+        QVERIFY(finished.wait(2000));
+        QCOMPARE(output.count(), 1);
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(process->readAllStandardOutput(), QByteArray("hello\r\n"));
+        QVERIFY(!process->isRunning());
+    }
+
+    void registryRoutes()
+    {
+        LinuxRegistry registry;
+        const QString userKey = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
+        registry.setValue(userKey, "Default", ".None");
+        QCOMPARE(registry.value(userKey, "Default", "x").toString(), QStringLiteral(".None"));
+        QVERIFY(QFile::exists(UserStoreRegistry::storePath()));
+        const QString machineKey = QStringLiteral(
+            "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Power");
+        registry.setValue(machineKey, "HiberbootEnabled", "0");
+        QVERIFY(!registry.contains(machineKey, "HiberbootEnabled"));
+        auto routed = std::make_shared<UserStoreRegistry>();
+        registry.addRoute("HKEY_CURRENT_USER\\Routed", routed);
+        registry.setValue("hkey_current_user\\routed\\a", "v", 3);
+        QCOMPARE(routed->value("hkey_current_user\\routed\\a", "v", 0).toInt(), 3);
+    }
+
+    // The instance block and server go only where no other user can write or plant a link.
+    void instanceFolderIsPrivate_data()
+    {
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<int>("chosen"); // index into the two candidates, -1 for none
+        const std::pair<const char *, int> rows[] = {
+            {"private", 0}, {"missing", 0}, {"shared", 1},      {"link", 1},
+            {"file", 1},    {"foreign", 1}, {"shared-both", -1}};
+        for (const auto &[first, chosen] : rows)
+            QTest::newRow(first) << QString(first) << chosen;
+    }
+
+    void instanceFolderIsPrivate()
+    {
+        QFETCH(QString, first);
+        QFETCH(int, chosen);
+        QTemporaryDir root;
+        const QString a = root.filePath("a"), b = root.filePath("b");
+        const QByteArray pathA = QFile::encodeName(a);
+        QVERIFY(QDir().mkdir(b));
+        if (first == "link")
+            QVERIFY(QFile::link(b, a));
+        else if (first == "file")
+            QVERIFY(QFile(a).open(QIODevice::WriteOnly));
+        else if (first != "missing")
+            QVERIFY(QDir().mkdir(a));
+        if (first == "private")
+            ::chmod(pathA.constData(), 0700);
+        if (first.startsWith("shared"))
+            ::chmod(pathA.constData(), 0777);
+        if (first == "shared-both")
+            ::chmod(QFile::encodeName(b).constData(), 0770);
+        if (first == "foreign") {
+            if (geteuid() != 0)
+                QSKIP("needs root to make a folder of another user");
+            const passwd *nobody = getpwnam("nobody");
+            QVERIFY(nobody && ::chown(pathA.constData(), nobody->pw_uid, nobody->pw_gid) == 0);
+        }
+        const QStringList candidates{a, b};
+        QCOMPARE(privateInstanceDirectory(candidates), candidates.value(chosen));
+        if (first == "missing")
+            QCOMPARE(QFileInfo(a).permissions() & 0x0077, QFileDevice::Permissions());
+
+        FileInstanceBlock nowhere(QString(), "key"); // no private folder: still starts
+        QVERIFY(nowhere.claimPrimary(QCoreApplication::applicationPid()));
+        QVERIFY(nowhere.serverName().isEmpty());
+    }
+
+    void nativeCounterpartOfAWindowsProgram_data()
+    {
+        QTest::addColumn<QString>("commandLine");
+        QTest::addColumn<QString>("installed"); // relative file made executable, or empty
+        QTest::addColumn<bool>("found");        // whether that file is the native program
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QStringList>("arguments");
+        const struct {
+            const char *row, *line, *installed;
+            bool found;
+            const char *name;
+            QStringList arguments;
+        } rows[] = {
+            {"bare name", "Remote.exe", "Remote", true, "Remote", {}},
+            {"folder", R"(up\Update.exe -q "a b")", "up/Update", true, "Update", {"-q", "a b"}},
+            {"upper-case suffix", "Libs\\AuxSwitch.EXE", "Libs/AuxSwitch", true, "AuxSwitch", {}},
+            {"not installed", "LatencyFix.exe", "", false, "LatencyFix", {}},
+            {"the .exe is no native program", "Remote.exe", "Remote.exe", false, "Remote", {}},
+            {"parent folder", "..\\Remote.exe", "", false, "", {}},
+            {"drive", "C:\\Tools\\Remote.exe", "", false, "", {}},
+            {"not a program", "explorer ms-settings:sound", "", false, "", {}}};
+        for (const auto &r : rows)
+            QTest::newRow(r.row) << QString(r.line) << QString(r.installed) << r.found
+                                 << QString(r.name) << r.arguments;
+    }
+
+    void nativeCounterpartOfAWindowsProgram()
+    {
+        QFETCH(QString, commandLine);
+        QFETCH(QString, installed);
+        QFETCH(bool, found);
+        QFETCH(QString, name);
+        QTemporaryDir install;
+        if (!installed.isEmpty())
+            makeFile(install.filePath(installed));
+        makeFile(install.filePath("LatencyFix"), false); // not executable: nothing to start
+        const NativeProgram program = nativeProgramFor(commandLine, install.path());
+        QCOMPARE(program.path, found ? install.filePath(installed) : QString());
+        QCOMPARE(program.name, name);
+        if (found)
+            QTEST(program.arguments, "arguments");
+    }
+
+    void linuxReasons_data()
+    {
+        QTest::addColumn<Feature>("feature");
+        QTest::addColumn<bool>("probesSay");
+        QTest::addColumn<QString>("reason");
+        const char *helper = "Needs the Varnel system helper, which is not installed.";
+        const char *desktop = " a GNOME or KDE Plasma desktop.";
+        const struct {
+            const char *row;
+            Feature feature;
+            bool probesSay;
+            QString reason;
+        } rows[] = {{"backlight", Feature::PanelBacklight, true, ""},
+                    {"no backlight", Feature::PanelBacklight, false,
+                     "This screen has no backlight that can be adjusted."},
+                    {"gpu", Feature::NvidiaGpu, true, ""},
+                    {"no gpu", Feature::NvidiaGpu, false, "No NVIDIA GPU in this computer."},
+                    {"limits, helper", Feature::ProcessorLimits, true, ""},
+                    {"limits", Feature::ProcessorLimits, false, helper},
+                    {"lid shutdown, even with the helper", Feature::LidShutdown, true,
+                     "Linux sets the lid's action for every user and every power mode at once, so "
+                     "Varnel leaves it to the system settings."},
+                    {"camera", Feature::CameraSwitch, false, helper},
+                    {"tuning", Feature::CpuTuning, false, helper},
+                    {"windows fix", Feature::WindowsOnlyFix, true,
+                     "A Windows-only fix: Linux has no such setting."},
+                    {"super key", Feature::SuperKeyBlocker, true, ""},
+                    {"no super key", Feature::SuperKeyBlocker, false,
+                     QStringLiteral("Blocking the Super key needs") + desktop},
+                    {"no timeouts", Feature::ScreenTimeouts, false,
+                     QStringLiteral("Screen and sleep timeouts need") + desktop},
+                    {"no touchpad", Feature::TouchpadSwitch, false,
+                     QStringLiteral("Switching the touchpad needs") + desktop},
+                    {"adaptive brightness", Feature::AmbientLight, true, ""}};
+        for (const auto &r : rows)
+            QTest::newRow(r.row) << r.feature << r.probesSay << r.reason;
+    }
+
+    void linuxReasons()
+    {
+        QFETCH(Feature, feature);
+        QFETCH(bool, probesSay);
+        QFETCH(QString, reason);
+        int asked = 0;
+        auto answer = [&] {
+            ++asked;
+            return probesSay;
+        };
+        LinuxAvailability machine(
+            {answer, answer, answer, answer, answer, answer, answer, answer, answer, answer, {}},
+            nullptr);
+        QCOMPARE(machine.whyUnavailable(feature), reason);
+        const int first = asked;
+        QCOMPARE(machine.whyUnavailable(feature), reason);
+        // Only the panel is asked afresh; bus and desktop probes are asked once.
+        QCOMPARE(asked, feature == Feature::PanelBacklight ? 2 * first : first);
+    }
+
+    void programButtonsAskTheCommandTable()
+    {
+        bool mixerInstalled = false;
+        auto table = std::make_shared<CommandTable>();
+        const auto nothing = [](const QRegularExpressionMatch &) { return QString(); };
+        table->add("explorer ms-settings:sound", nothing, [&] { return mixerInstalled; });
+        table->add("powercfg -SetActive SCHEME_CURRENT", nothing);
+        QTemporaryDir install;
+        makeFile(install.filePath("Remote"));
+        LinuxAvailability::Probes probes;
+        probes.installFolder = install.path();
+        LinuxAvailability machine(probes, table);
+        QCOMPARE(machine.whyCannotStart("explorer ms-settings:sound"),
+                 QStringLiteral("No program for this is installed on this computer."));
+        mixerInstalled = true;
+        QCOMPARE(machine.whyCannotStart("explorer ms-settings:sound"), QString());
+        QCOMPARE(machine.whyCannotStart("powercfg -SetActive SCHEME_CURRENT"), QString());
+        QCOMPARE(machine.whyCannotStart("Remote.exe"), QString());
+        QCOMPARE(machine.whyCannotStart("LatencyFix.exe"),
+                 QStringLiteral("LatencyFix has no Linux version in %1.").arg(install.path()));
+        QCOMPARE(machine.whyCannotStart("explorer shell:unknown"),
+                 QStringLiteral("Not available on Linux."));
+    }
+
+    void nativeCounterpartIsStartedInTheWorkingFolder()
+    {
+        QTemporaryDir install, working;
+        makeFile(install.filePath("updates/Update"));
+        QFile script(install.filePath("updates/Update"));
+        QVERIFY(script.open(QIODevice::Append));
+        script.write("echo \"$PWD $*\" > started.tmp && mv started.tmp started\n");
+        script.close();
+        const QString previous = QDir::currentPath();
+        QDir::setCurrent(working.path());
+        LinuxCommandRunner runner(std::make_shared<CommandTable>(), install.path());
+        runner.startShown(R"(updates\Update.exe --quiet)", ShowMode::Normal);
+        runner.startShown("Remote.exe", ShowMode::Normal); // not installed: nothing happens
+        QDir::setCurrent(previous);
+        QFile answer(working.filePath("started"));
+        QTRY_VERIFY(answer.exists());
+        QVERIFY(answer.open(QIODevice::ReadOnly));
+        QCOMPARE(answer.readAll().trimmed(), (working.path() + " --quiet").toUtf8());
+    }
+
+    void powerSchemeLinesReachTheDesktop_data()
+    {
+        QTest::addColumn<QStringList>("lines");
+        QTest::addColumn<QStringList>("calls");
+        using namespace powercmd;
+        QTest::newRow("screen off, 10 minutes") << QStringList{screenOff(2).ac, screenOff(2).dc}
+                                                << QStringList{"screen ac 10", "screen battery 10"};
+        QTest::newRow("sleep, short") << QStringList{sleepAfter(1).ac, sleepAfter(1).dc}
+                                      << QStringList{"sleep ac 5", "sleep battery 5"};
+        QTest::newRow("sleep, long") << QStringList{sleepAfter(8).ac, sleepAfter(8).dc}
+                                     << QStringList{"sleep ac 300", "sleep battery 300"};
+        QTest::newRow("never sleep") << QStringList{sleepAfter(0).ac} << QStringList{"sleep ac 0"};
+        QTest::newRow("lid does nothing") << QStringList{lidClose(0).ac} << QStringList{"lid held"};
+        QTest::newRow("lid sleeps") << QStringList{lidClose(1).dc} << QStringList{"lid free"};
+        QTest::newRow("lid shuts down") << QStringList{lidClose(2).ac} << QStringList{"lid free"};
+    }
+
+    void powerSchemeLinesReachTheDesktop()
+    {
+        QFETCH(QStringList, lines);
+        QFETCH(QStringList, calls);
+        auto recorder = std::make_shared<Recorder>();
+        CommandTable table;
+        addDesktopPowerCommands(table, recorder, recorder);
+        for (const QString &line : lines)
+            QVERIFY2(table.run(line).has_value(), qPrintable(line));
+        QCOMPARE(recorder->calls, calls);
+        QVERIFY(!table.knows(powercmd::processorMaximum(80).ac));
+    }
+
+    void systemWideInstallWorksInAUserFolder()
+    {
+        QTemporaryDir install, home, moved;
+        const QString user = home.filePath("varnel");
+        QDir(install.path()).mkpath("branding");
+        QDir(install.path()).mkpath("cpuprofiles");
+        makeFile(install.filePath("settings/default_power_mode.ini"), false);
+        QCOMPARE(prepareWorkingFolder(install.path(), user, true), install.path());
+        QVERIFY(!QFileInfo::exists(user));
+
+        QCOMPARE(prepareWorkingFolder(install.path(), user, false), user);
+        for (const char *folder : {"/settings", "/updates"})
+            QVERIFY(QFileInfo(user + folder).isDir() && !QFileInfo(user + folder).isSymLink());
+        QCOMPARE(QFileInfo(user + "/branding").symLinkTarget(), install.filePath("branding"));
+        QCOMPARE(QFileInfo(user + "/settings/default_power_mode.ini").symLinkTarget(),
+                 install.filePath("settings/default_power_mode.ini"));
+
+        // A later start: the user's own files stay, links follow a moved install folder.
+        QDir(moved.path()).mkpath("branding");
+        makeFile(user + "/settings/varnel.ini", false);
+        QFile::remove(user + "/cpuprofiles");
+        QDir(user).mkpath("cpuprofiles"); // the user's own copy
+        QCOMPARE(prepareWorkingFolder(moved.path(), user, false), user);
+        QCOMPARE(QFileInfo(user + "/branding").symLinkTarget(), moved.filePath("branding"));
+        QVERIFY(!QFileInfo(user + "/cpuprofiles").isSymLink());
+        QVERIFY(QFileInfo::exists(user + "/settings/varnel.ini"));
+    }
+};
+
+QTEST_GUILESS_MAIN(LinuxShellTest)
+#include "tst_linuxshell.moc"
