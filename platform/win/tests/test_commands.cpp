@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <shellapi.h>
 #include <tlhelp32.h>
@@ -165,19 +166,16 @@ WINTEST_CASE(argumentsSurviveTheCommandLine)
     CHECK_EQ(joinCommandLine(program, {L"", L"-q"}),
              L"\"C:\\Program Files\\Suite\\update.exe\" \"\" -q");
 
-    // Read back by the same rules every Windows program uses for its arguments.
-    const std::vector<std::wstring> arguments = {L"",
-                                                 L"plain",
-                                                 L"two words",
-                                                 L"tab\there",
-                                                 L"say \"hi\"",
-                                                 L"trailing\\",
-                                                 L"space end\\",
-                                                 L"a\\\\\"b",
-                                                 L"\\\\server\\share\\",
-                                                 L"C:\\Program Files\\x\\",
-                                                 L"\"",
-                                                 L"\\"};
+    // Read back by the same rules every Windows program uses for its arguments ('|' parts).
+    const std::wstring parts =
+        L"|plain|two words|tab\there|say \"hi\"|trailing\\|space end\\|a\\\\\"b|"
+        L"\\\\server\\share\\|C:\\Program Files\\x\\|\"|\\";
+    std::vector<std::wstring> expected = {program};
+    for (size_t at = 0, bar; at <= parts.size(); at = bar + 1) {
+        bar = std::min(parts.find(L'|', at), parts.size());
+        expected.push_back(parts.substr(at, bar - at));
+    }
+    const std::vector<std::wstring> arguments(expected.begin() + 1, expected.end());
     int count = 0;
     wchar_t **argv = CommandLineToArgvW(joinCommandLine(program, arguments).c_str(), &count);
     CHECK(argv != nullptr);
@@ -185,11 +183,7 @@ WINTEST_CASE(argumentsSurviveTheCommandLine)
         return;
     const std::vector<std::wstring> parsed(argv, argv + count);
     LocalFree(argv);
-    CHECK_EQ(parsed, [&] {
-        std::vector<std::wstring> all = {program};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return all;
-    }());
+    CHECK_EQ(parsed, expected);
 }
 
 WINTEST_CASE(outputDecodesToUtf8)
