@@ -68,7 +68,6 @@ private slots:
     void resetDeletesSettingsAndRestarts();
     void chosenSettingsFileReplacesThrottleStopsOwn_data();
     void chosenSettingsFileReplacesThrottleStopsOwn();
-    void startWithSystemTask();
     void startupTask_data();
     void startupTask();
 };
@@ -207,18 +206,6 @@ void ThrottleStopTest::chosenSettingsFileReplacesThrottleStopsOwn()
     QCOMPARE(w.fake.scheduler->history.last(), QStringLiteral("3000 restartts"));
 }
 
-void ThrottleStopTest::startWithSystemTask()
-{
-    TsWindow w(false);
-    w.start();
-    w.ui().Check_StartTScheck->click();
-    w.ui().Check_StartTScheck->click();
-    QCOMPARE(w.fake.log->entries, QStringList({"start: " + kTaskCreate, "start: " + kTaskDelete}));
-    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), false);
-    w.ui().Check_StartTScheck->click();
-    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), true);
-}
-
 void ThrottleStopTest::startupTask_data()
 {
     QTest::addColumn<bool>("saved");
@@ -248,6 +235,17 @@ void ThrottleStopTest::startupTask()
     QCOMPARE(w.fake.log->withPrefix("run: " + kTaskQuery).size(), 1);
     QCOMPARE(w.fake.log->withPrefix("start: " + kTaskCreate).size(), created ? 1 : 0);
     QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), saved);
+
+    // Each click registers the task or deletes it, and saves the choice.
+    w.fake.log->clear();
+    const bool checked = w.ui().Check_StartTScheck->isChecked();
+    w.ui().Check_StartTScheck->click();
+    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), !checked);
+    w.ui().Check_StartTScheck->click();
+    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), checked);
+    const QStringList toggles = {"start: " + kTaskCreate, "start: " + kTaskDelete};
+    const QStringList order = checked ? QStringList{toggles[1], toggles[0]} : toggles;
+    QCOMPARE(w.fake.log->entries, order);
 }
 
 QTEST_MAIN(ThrottleStopTest)
