@@ -5,6 +5,7 @@
 #include "win_brightness.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace varnel::win;
 using Calls = std::vector<std::wstring>;
@@ -15,9 +16,7 @@ const std::wstring kNext = L"Next -1 1";
 
 Calls takeCalls()
 {
-    Calls out;
-    out.swap(fakewbem::calls());
-    return out;
+    return std::exchange(fakewbem::calls, {});
 }
 
 // root\wmi with one instance per given brightness (named panel0, panel1, ...).
