@@ -90,28 +90,21 @@ std::string column(const std::string &text, size_t width)
 }
 
 // Watts as the client prints them: no trailing zeros, a comma where the system uses one.
-std::string number(double value, bool comma, int minimumDecimals = 0)
+std::string number(std::string text, bool comma, int minimumDecimals = 0)
 {
+    for (char &c : text)
+        c = c == ',' ? '.' : c;
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.3f", value);
-    std::string text = buffer;
+    std::snprintf(buffer, sizeof buffer, "%.3f", std::atof(text.c_str()));
+    text = buffer;
     const size_t point = text.find('.');
     while (text.size() > point + 1 + minimumDecimals && text.back() == '0')
         text.pop_back();
     if (text.back() == '.')
         text.pop_back();
-    if (comma && point != std::string::npos && point < text.size())
+    if (comma && point < text.size())
         text[point] = ',';
     return text;
-}
-
-double toDouble(std::string text)
-{
-    for (char &c : text) {
-        if (c == ',')
-            c = '.';
-    }
-    return std::atof(text.c_str());
 }
 
 std::string row(int id, const std::string &value)
@@ -124,13 +117,13 @@ std::string row(int id, const std::string &value)
         minimum = "-999 mV";
         maximum = "999 mV";
     } else if (id == 48) {
-        shown = number(toDouble(value), comma) + "W";
+        shown = number(value, comma) + "W";
         minimum = "8W";
-        maximum = number(4095.875, comma) + "W";
+        maximum = number("4095.875", comma) + "W";
     } else if (id == 66) {
-        shown = number(toDouble(value), comma, 1) + " Seconds";
-        minimum = number(1, comma, 1) + " Seconds";
-        maximum = number(128, comma, 1) + " Seconds";
+        shown = number(value, comma, 1) + " Seconds";
+        minimum = number("1", comma, 1) + " Seconds";
+        maximum = number("128", comma, 1) + " Seconds";
     } else {
         shown = value + "x";
         minimum = "8";
@@ -144,9 +137,7 @@ std::string row(int id, const std::string &value)
 bool beyondCores(int id)
 {
     const std::string cores = env("FAKE_XTU_CORES");
-    if (cores.empty())
-        return false;
-    for (int n = std::atoi(cores.c_str()); n < 8; ++n) {
+    for (int n = cores.empty() ? 8 : std::atoi(cores.c_str()); n < 8; ++n) {
         if (kCoreIds[n] == id)
             return true;
     }
@@ -170,12 +161,6 @@ void print(int id, const std::string &text)
         std::fwrite(text.data(), 1, text.size(), stdout);
     }
     std::fflush(stdout);
-}
-
-[[noreturn]] void hang()
-{
-    for (;;)
-        std::this_thread::sleep_for(std::chrono::hours(1));
 }
 
 } // namespace
@@ -208,15 +193,15 @@ int main(int argc, char **argv)
     if (writing) {
         state[id] = value;
         saveState(state);
-        if (scripted("FAKE_XTU_HANG", id))
-            hang();
+        while (scripted("FAKE_XTU_HANG", id))
+            std::this_thread::sleep_for(std::chrono::hours(1));
         return 0;
     }
 
     const auto stored = state.find(id);
     print(id, kHeader + row(id, stored != state.end() ? stored->second : kSettings.at(id).initial));
-    if (scripted("FAKE_XTU_HANG", id))
-        hang();
+    while (scripted("FAKE_XTU_HANG", id))
+        std::this_thread::sleep_for(std::chrono::hours(1));
     // The client waits for a key press before it ends.
     std::string line;
     std::getline(std::cin, line);

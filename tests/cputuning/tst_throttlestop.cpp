@@ -1,10 +1,7 @@
 // The ThrottleStop tab over the fake bundle: presence, status, kill, reset, settings files and
 // the log-on task.
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "testfolder.h"
+#include "testwindow.h"
 #include "throttlestop.h"
-#include "ui_mainwindow.h"
 
 #include <QtTest>
 
@@ -19,6 +16,8 @@ const QString kRunning =
                    "Usage\r\n========================= ======== ================ =========== "
                    "============\r\nThrottleStop.exe              4242 Console                    "
                    "1     12,345 K\r\n");
+const QStringList kKillAndRestart = {"message: ThrottleStop",
+                                     "run: taskkill /im ThrottleStop.exe /f"};
 
 void writeFile(const QString &path, const QByteArray &content)
 {
@@ -33,13 +32,28 @@ QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// An install folder that holds ThrottleStop and its settings file.
-void installThrottleStop(const TestFolder &folder)
-{
-    folder.mkdir(QStringLiteral("ThrottleStop"));
-    writeFile(folder.file("ThrottleStop/ThrottleStop.exe"), "program");
-    writeFile(folder.file("ThrottleStop/ThrottleStop.ini"), "[ThrottleStop]\nold=1\n");
-}
+// The window, start-up records kept, over an install folder that holds ThrottleStop, its
+// settings file and a staged settings file, or none of them.
+struct TsWindow : TestWindow {
+    explicit TsWindow(bool installed, const QString &tasklist = QString())
+    {
+        if (installed) {
+            folder.mkdir(QStringLiteral("ThrottleStop"));
+            writeFile(folder.file("ThrottleStop/ThrottleStop.exe"), "program");
+            writeFile(folder.file("ThrottleStop/ThrottleStop.ini"), "[ThrottleStop]\nold=1\n");
+            writeFile(folder.file("ThrottleStop.ini"), "[staged]\n");
+        }
+        fake.commands->outputs[QStringLiteral("tasklist")] = tasklist;
+    }
+    void started() { window = std::make_unique<MainWindow>(fake.bundle()); }
+    QString status() const { return ui().Label_TSstatus->text(); }
+    QString lastMessage() const { return fake.dialogs->shown.last().text; }
+    QByteArray settingsFile() const
+    {
+        return readFile(folder.file("ThrottleStop/ThrottleStop.ini"));
+    }
+    bool staged() const { return QFile::exists(folder.file("ThrottleStop.ini")); }
+};
 
 } // namespace
 
@@ -50,36 +64,31 @@ private slots:
     void missingProgramRemovesTheTabOnce();
     void statusFollowsTheProcessList_data();
     void statusFollowsTheProcessList();
-    void statusFromGivenTextChangesOnlyTheStatus();
     void openAndKill();
     void resetDeletesSettingsAndRestarts();
-    void cancelledBrowseDeletesTheStagingFile();
+    void chosenSettingsFileReplacesThrottleStopsOwn_data();
     void chosenSettingsFileReplacesThrottleStopsOwn();
-    void applyWhileDisabledDoesNothing();
-    void startWithSystemTask();
     void startupTask_data();
     void startupTask();
 };
 
 void ThrottleStopTest::missingProgramRemovesTheTabOnce()
 {
-    FakePlatform fake;
-    TestFolder folder;
-    MainWindow w(fake.bundle());
-    QTabWidget *tabs = w.form()->tabWidget;
-    // The settings loader's status check found no program.
+    TsWindow w(false);
+    w.started();
+    QTabWidget *tabs = w.ui().tabWidget;
     QCOMPARE(tabs->count(), 8);
-    QCOMPARE(tabs->indexOf(w.form()->tab_6), -1);
-    QCOMPARE(tabs->widget(2), w.form()->tab_10);
-    QVERIFY(w.throttleStop()->tsTabRemoved);
-    QVERIFY(fake.log->withPrefix("run: tasklist").isEmpty());
+    QCOMPARE(tabs->indexOf(w.ui().tab_6), -1);
+    QCOMPARE(tabs->widget(2), w.ui().tab_10);
+    QVERIFY(w.window->throttleStop()->tsTabRemoved);
+    QVERIFY(w.fake.log->withPrefix("run: tasklist").isEmpty());
 
     // The one-minute check after start finds it missing again and leaves the other tabs.
-    QVERIFY(fake.scheduler->history.contains(QStringLiteral("61000 tscheckstatus")));
-    fake.scheduler->advance(61000);
-    w.tscheckstatus();
+    QVERIFY(w.fake.scheduler->history.contains(QStringLiteral("61000 tscheckstatus")));
+    w.fake.scheduler->advance(61000);
+    w.window->tscheckstatus();
     QCOMPARE(tabs->count(), 8);
-    QCOMPARE(tabs->widget(2), w.form()->tab_10);
+    QCOMPARE(tabs->widget(2), w.ui().tab_10);
 }
 
 void ThrottleStopTest::statusFollowsTheProcessList_data()
@@ -100,177 +109,101 @@ void ThrottleStopTest::statusFollowsTheProcessList_data()
 void ThrottleStopTest::statusFollowsTheProcessList()
 {
     QFETCH(QString, tasklist);
-    FakePlatform fake;
-    TestFolder folder;
-    installThrottleStop(folder);
     QFETCH(QString, cannotRun);
-    fake.commands->outputs[QStringLiteral("tasklist")] = tasklist;
-    fake.desktop->windowsTools = cannotRun;
-    MainWindow w(fake.bundle());
-    QCOMPARE(w.form()->tabWidget->count(), 9);
-    QVERIFY(!w.throttleStop()->tsTabRemoved);
-    QCOMPARE(fake.log->withPrefix("run: tasklist").size(), cannotRun.isEmpty() ? 1 : 0);
-    QTEST(w.form()->Label_TSstatus->text(), "status");
-    QTEST(w.form()->Button_KillTS->isEnabled(), "killable");
-    QCOMPARE(w.form()->Button_OpenTS->isEnabled(), cannotRun.isEmpty());
-    QCOMPARE(w.form()->Button_OpenTS->toolTip(), cannotRun);
-}
-
-void ThrottleStopTest::statusFromGivenTextChangesOnlyTheStatus()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    w.tscheckstatusresult(kRunning);
-    QCOMPARE(w.form()->Label_TSstatus->text(), QStringLiteral("Status: TS is running!"));
-    QVERIFY(w.form()->Button_KillTS->isEnabled());
-    w.tscheckstatusresult(QStringLiteral("nothing"));
-    QCOMPARE(w.form()->Label_TSstatus->text(), QStringLiteral("Status: TS is not running!"));
-    QVERIFY(!w.form()->Button_KillTS->isEnabled());
-    QVERIFY(fake.log->entries.isEmpty());
-    QCOMPARE(w.form()->tabWidget->count(), 8);
+    TsWindow w(true, tasklist);
+    w.fake.desktop->windowsTools = cannotRun;
+    w.started();
+    QCOMPARE(w.ui().tabWidget->count(), 9);
+    QCOMPARE(w.fake.log->withPrefix("run: tasklist").size(), cannotRun.isEmpty() ? 1 : 0);
+    QTEST(w.status(), "status");
+    QTEST(w.ui().Button_KillTS->isEnabled(), "killable");
+    QCOMPARE(w.ui().Button_OpenTS->isEnabled(), cannotRun.isEmpty());
+    QCOMPARE(w.ui().Button_OpenTS->toolTip(), cannotRun);
 }
 
 void ThrottleStopTest::openAndKill()
 {
-    FakePlatform fake;
-    TestFolder folder;
-    installThrottleStop(folder);
-    MainWindow w(fake.bundle());
-    Ui::MainWindow *ui = w.form();
-    fake.log->clear();
-
-    ui->Button_OpenTS->click();
-    QCOMPARE(fake.log->entries, QStringList{"shown 1: ThrottleStop//ThrottleStop.exe"});
-    QVERIFY(ui->Button_KillTS->isEnabled());
-    QCOMPARE(ui->Label_TSstatus->text(), QStringLiteral("Status: TS is not running!"));
+    TsWindow w(true);
+    w.start();
+    w.ui().Button_OpenTS->click();
+    QCOMPARE(w.fake.log->entries, QStringList{"shown 1: ThrottleStop//ThrottleStop.exe"});
+    QVERIFY(w.ui().Button_KillTS->isEnabled());
+    QCOMPARE(w.status(), QStringLiteral("Status: TS is not running!"));
 
     // Killing when nothing runs still reports the kill.
-    ui->Button_KillTS->click();
-    QCOMPARE(fake.log->entries.mid(1),
+    w.ui().Button_KillTS->click();
+    QCOMPARE(w.fake.log->entries.mid(1),
              QStringList({"start: taskkill /f /im ThrottleStop.exe", "message: ThrottleStop"}));
-    QCOMPARE(fake.dialogs->shown.last().text,
-             QStringLiteral("All instances of ThrottleStop were killed.\n"));
-    QCOMPARE(fake.dialogs->shown.last().icon, QMessageBox::Information);
-    QCOMPARE(fake.dialogs->shown.last().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QCOMPARE(ui->Label_TSstatus->text(), QStringLiteral("Status: TS is not running!"));
-    QVERIFY(!ui->Button_KillTS->isEnabled());
+    QCOMPARE(w.lastMessage(), QStringLiteral("All instances of ThrottleStop were killed.\n"));
+    QCOMPARE(w.fake.dialogs->shown.last().icon, QMessageBox::Information);
+    QCOMPARE(w.fake.dialogs->shown.last().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(w.status(), QStringLiteral("Status: TS is not running!"));
+    QVERIFY(!w.ui().Button_KillTS->isEnabled());
 }
 
 void ThrottleStopTest::resetDeletesSettingsAndRestarts()
 {
-    FakePlatform fake;
-    TestFolder folder;
-    installThrottleStop(folder);
-    fake.commands->outputs[QStringLiteral("tasklist")] = kRunning;
-    MainWindow w(fake.bundle());
-    Ui::MainWindow *ui = w.form();
-    ui->Button_KillTS->setEnabled(false);
-    fake.log->clear();
+    TsWindow w(true, kRunning);
+    w.start();
+    w.ui().Button_KillTS->setEnabled(false);
+    w.ui().Button_ResetTS->click();
+    QVERIFY(!QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")));
+    QCOMPARE(w.lastMessage(), QStringLiteral("Throttlestop settings deleted. Next time you open "
+                                             "Throttlestop it will run as a first run.\n"));
+    QCOMPARE(w.fake.log->entries, kKillAndRestart);
+    QCOMPARE(w.fake.scheduler->history.last(), QStringLiteral("3000 restartts"));
 
-    ui->Button_ResetTS->click();
-    QVERIFY(!QFile::exists(folder.file("ThrottleStop/ThrottleStop.ini")));
-    QCOMPARE(fake.dialogs->shown.last().text,
-             QStringLiteral("Throttlestop settings deleted. Next time you open Throttlestop it "
-                            "will run as a first run.\n"));
-    QCOMPARE(fake.log->entries,
-             QStringList({"message: ThrottleStop", "run: taskkill /im ThrottleStop.exe /f"}));
-    QCOMPARE(fake.scheduler->history.last(), QStringLiteral("3000 restartts"));
-
-    fake.log->clear();
-    fake.scheduler->advance(3000);
-    QCOMPARE(fake.log->entries, QStringList{"detached: ThrottleStop\\ThrottleStop.exe  in "});
-    QVERIFY(ui->Button_KillTS->isEnabled());
-    QCOMPARE(fake.scheduler->history.last(), QStringLiteral("2000 tscheckstatus"));
-    fake.scheduler->advance(2000);
-    QCOMPARE(fake.log->entries.last(), QStringLiteral("run: tasklist"));
-    QCOMPARE(ui->Label_TSstatus->text(), QStringLiteral("Status: TS is running!"));
+    w.fake.log->clear();
+    w.fake.scheduler->advance(3000);
+    QCOMPARE(w.fake.log->entries, QStringList{"detached: ThrottleStop\\ThrottleStop.exe  in "});
+    QVERIFY(w.ui().Button_KillTS->isEnabled());
+    QCOMPARE(w.fake.scheduler->history.last(), QStringLiteral("2000 tscheckstatus"));
+    w.fake.scheduler->advance(2000);
+    QCOMPARE(w.fake.log->entries.last(), QStringLiteral("run: tasklist"));
+    QCOMPARE(w.status(), QStringLiteral("Status: TS is running!"));
 }
 
-void ThrottleStopTest::cancelledBrowseDeletesTheStagingFile()
+void ThrottleStopTest::chosenSettingsFileReplacesThrottleStopsOwn_data()
 {
-    FakePlatform fake;
-    TestFolder folder;
-    installThrottleStop(folder);
-    writeFile(folder.file("ThrottleStop.ini"), "[staged]\n");
-    MainWindow w(fake.bundle());
-    Ui::MainWindow *ui = w.form();
-    QVERIFY(!ui->Button_ApplyTSsettings->isEnabled());
-
-    fake.dialogs->fileAnswers = QStringList{QString()};
-    ui->Browser_SettingsTS->click();
-    QVERIFY(fake.log->entries.contains("file dialog: Select Profile C:// Ini File (*.ini)"));
-    QCOMPARE(ui->Label_TSSettings_Name->text(), QString());
-    QVERIFY(ui->Button_ApplyTSsettings->isEnabled());
-    QVERIFY(!QFile::exists(folder.file("ThrottleStop.ini")));
-
+    QTest::addColumn<QByteArray>("chosen"); // empty: the dialog was cancelled
+    QTest::newRow("chosen") << QByteArray("[ThrottleStop]\nprofile=gaming\n");
     // Apply then takes away ThrottleStop's own file and has nothing to put in its place.
-    ui->Button_ApplyTSsettings->click();
-    QVERIFY(!QFile::exists(folder.file("ThrottleStop/ThrottleStop.ini")));
-    QCOMPARE(fake.dialogs->shown.last().text,
-             QStringLiteral("New settings loaded, we will now close ThrottleStop and re-launch "
-                            "it to apply the new settings.\n"));
-    QCOMPARE(fake.log->withPrefix("run: taskkill").size(), 1);
+    QTest::newRow("cancelled") << QByteArray();
 }
 
 void ThrottleStopTest::chosenSettingsFileReplacesThrottleStopsOwn()
 {
-    FakePlatform fake;
-    TestFolder folder;
-    installThrottleStop(folder);
-    writeFile(folder.file("ThrottleStop.ini"), "[old staging]\n");
+    QFETCH(QByteArray, chosen);
+    TsWindow w(true);
+    w.start();
+    // Apply does nothing until a file was chosen.
+    QVERIFY(!w.ui().Button_ApplyTSsettings->isEnabled());
+    QMetaObject::invokeMethod(w.window.get(), "on_Button_ApplyTSsettings_clicked");
+    QVERIFY(w.fake.log->entries.isEmpty());
+    QCOMPARE(w.settingsFile(), QByteArray("[ThrottleStop]\nold=1\n"));
+    QVERIFY(w.staged());
+
     QTemporaryDir elsewhere;
-    const QString chosen = elsewhere.filePath("Gaming.ini");
-    writeFile(chosen, "[ThrottleStop]\nprofile=gaming\n");
-    MainWindow w(fake.bundle());
-    Ui::MainWindow *ui = w.form();
+    const QString path = chosen.isEmpty() ? QString() : elsewhere.filePath("Gaming.ini");
+    if (!path.isEmpty())
+        writeFile(path, chosen);
+    w.fake.dialogs->fileAnswers = QStringList{path};
+    w.ui().Browser_SettingsTS->click();
+    QCOMPARE(w.fake.log->entries, QStringList{"file dialog: Select Profile C:// Ini File (*.ini)"});
+    QCOMPARE(w.ui().Label_TSSettings_Name->text(), path);
+    QVERIFY(w.ui().Button_ApplyTSsettings->isEnabled());
+    QCOMPARE(readFile(w.folder.file("ThrottleStop.ini")), chosen);
+    QCOMPARE(w.staged(), !chosen.isEmpty());
 
-    fake.dialogs->fileAnswers = QStringList{chosen};
-    ui->Browser_SettingsTS->click();
-    QCOMPARE(ui->Label_TSSettings_Name->text(), chosen);
-    QVERIFY(ui->Button_ApplyTSsettings->isEnabled());
-    QCOMPARE(readFile(folder.file("ThrottleStop.ini")),
-             QByteArray("[ThrottleStop]\nprofile=gaming\n"));
-
-    fake.log->clear();
-    ui->Button_ApplyTSsettings->click();
-    QCOMPARE(readFile(folder.file("ThrottleStop/ThrottleStop.ini")),
-             QByteArray("[ThrottleStop]\nprofile=gaming\n"));
-    QVERIFY(!QFile::exists(folder.file("ThrottleStop.ini")));
-    QCOMPARE(fake.log->entries,
-             QStringList({"message: ThrottleStop", "run: taskkill /im ThrottleStop.exe /f"}));
-    QCOMPARE(fake.scheduler->history.last(), QStringLiteral("3000 restartts"));
-}
-
-void ThrottleStopTest::applyWhileDisabledDoesNothing()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    installThrottleStop(folder);
-    writeFile(folder.file("ThrottleStop.ini"), "[staged]\n");
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    QMetaObject::invokeMethod(&w, "on_Button_ApplyTSsettings_clicked");
-    QVERIFY(fake.log->entries.isEmpty());
-    QCOMPARE(readFile(folder.file("ThrottleStop/ThrottleStop.ini")),
-             QByteArray("[ThrottleStop]\nold=1\n"));
-    QVERIFY(QFile::exists(folder.file("ThrottleStop.ini")));
-}
-
-void ThrottleStopTest::startWithSystemTask()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    MainWindow w(fake.bundle());
-    Ui::MainWindow *ui = w.form();
-    fake.log->clear();
-    ui->Check_StartTScheck->click();
-    ui->Check_StartTScheck->click();
-    QCOMPARE(fake.log->entries, QStringList({"start: " + kTaskCreate, "start: " + kTaskDelete}));
-    QCOMPARE(folder.ini("settings/varnel.ini", "Check_StartTScheck").toBool(), false);
-    ui->Check_StartTScheck->click();
-    QCOMPARE(folder.ini("settings/varnel.ini", "Check_StartTScheck").toBool(), true);
+    w.fake.log->clear();
+    w.ui().Button_ApplyTSsettings->click();
+    QCOMPARE(w.settingsFile(), chosen);
+    QCOMPARE(QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")), !chosen.isEmpty());
+    QVERIFY(!w.staged());
+    QCOMPARE(w.lastMessage(), QStringLiteral("New settings loaded, we will now close ThrottleStop "
+                                             "and re-launch it to apply the new settings.\n"));
+    QCOMPARE(w.fake.log->entries, kKillAndRestart);
+    QCOMPARE(w.fake.scheduler->history.last(), QStringLiteral("3000 restartts"));
 }
 
 void ThrottleStopTest::startupTask_data()
@@ -279,7 +212,6 @@ void ThrottleStopTest::startupTask_data()
     QTest::addColumn<QString>("query");
     QTest::addColumn<bool>("checked");
     QTest::addColumn<bool>("created");
-
     const QString registered = "\r\nFolder: \\\r\nTaskName          Next Run Time   Status\r\n"
                                "================= =============== ======\r\nThrottleStop      N/A "
                                "            Ready\r\n";
@@ -295,15 +227,25 @@ void ThrottleStopTest::startupTask()
     QFETCH(bool, saved);
     QFETCH(QString, query);
     QFETCH(bool, created);
-    FakePlatform fake;
-    TestFolder folder;
-    folder.setIni("settings/varnel.ini", "Check_StartTScheck", saved);
-    fake.commands->outputs[kTaskQuery] = query;
-    MainWindow w(fake.bundle());
-    QTEST(w.form()->Check_StartTScheck->isChecked(), "checked");
-    QCOMPARE(fake.log->withPrefix("run: " + kTaskQuery).size(), 1);
-    QCOMPARE(fake.log->withPrefix("start: " + kTaskCreate).size(), created ? 1 : 0);
-    QCOMPARE(folder.ini("settings/varnel.ini", "Check_StartTScheck").toBool(), saved);
+    TsWindow w(false);
+    w.setGeneral("Check_StartTScheck", saved);
+    w.fake.commands->outputs[kTaskQuery] = query;
+    w.started();
+    QTEST(w.ui().Check_StartTScheck->isChecked(), "checked");
+    QCOMPARE(w.fake.log->withPrefix("run: " + kTaskQuery).size(), 1);
+    QCOMPARE(w.fake.log->withPrefix("start: " + kTaskCreate).size(), created ? 1 : 0);
+    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), saved);
+
+    // Each click registers the task or deletes it, and saves the choice.
+    w.fake.log->clear();
+    const bool checked = w.ui().Check_StartTScheck->isChecked();
+    w.ui().Check_StartTScheck->click();
+    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), !checked);
+    w.ui().Check_StartTScheck->click();
+    QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), checked);
+    const QStringList toggles = {"start: " + kTaskCreate, "start: " + kTaskDelete};
+    const QStringList order = checked ? QStringList{toggles[1], toggles[0]} : toggles;
+    QCOMPARE(w.fake.log->entries, order);
 }
 
 QTEST_MAIN(ThrottleStopTest)

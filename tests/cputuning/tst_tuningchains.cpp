@@ -1,12 +1,19 @@
 // The write and read chains end to end: the real window runs the fake tuning client through real
 // child processes, and the tab shows what the client holds.
-#include "clientrig.h"
+#include "cputuning.h"
+#include "testwindow.h"
+#include "xtuclient.h"
+
+#include <QSignalSpy>
+#include <QtTest>
 
 namespace {
 
 const QStringList kAllReads = {"-t -id 34", "-t -id 48", "-t -id 66", "-t -id 29",
                                "-t -id 30", "-t -id 31", "-t -id 32", "-t -id 42",
                                "-t -id 43", "-t -id 96", "-t -id 97"};
+const char *const kScripts[] = {"FAKE_XTU_STATE",  "FAKE_XTU_COMMA", "FAKE_XTU_CORES",
+                                "FAKE_XTU_SILENT", "FAKE_XTU_HANG",  "FAKE_XTU_SPLIT"};
 
 // Whether the control itself was switched on, whatever its tab: the power-mode tab is off when
 // power modes are.
@@ -15,11 +22,113 @@ bool switchedOn(const QWidget *widget)
     return !widget->testAttribute(Qt::WA_ForceDisabled);
 }
 
-QList<QSpinBox *> coreSpins(Ui::MainWindow *ui)
-{
-    return {ui->Core1Spin, ui->Core2Spin, ui->Core3Spin, ui->Core4Spin,
-            ui->Core5Spin, ui->Core6Spin, ui->Core7Spin, ui->Core8Spin};
-}
+// The real window with the tuning client mapped to the fake client program, start-up records
+// kept, on the 10875H profile.
+struct ClientRig : TestWindow {
+    // `script` is "NAME=value ..." for the fake client's environment.
+    explicit ClientRig(const QString &script = QString())
+    {
+        fake.commands->programMap[xtu::clientProgram] =
+            QStringLiteral(VARNEL_TEST_BIN_DIR "/cputuning/fake_xtu_client" VARNEL_EXE_SUFFIX);
+        fake.commands->asyncOutputs[xtu::serviceStart] = QString();
+        fake.commands->outputs[QStringLiteral("wmic cpu get Name")] =
+            QStringLiteral("Name\r\r\nIntel(R) Core(TM) i7-10875H CPU @ 2.30GHz\r\r\n\r\r\n");
+        folder.copyShipped(QStringLiteral("cpuprofiles/10875H.ini"));
+        setGeneral("DontManageCPU", true);
+        qputenv("FAKE_XTU_STATE", folder.file(QStringLiteral("xtu-state")).toLocal8Bit());
+        for (const QString &pair : script.split(' ', Qt::SkipEmptyParts))
+            qputenv(qPrintable(pair.section('=', 0, 0)), pair.section('=', 1).toLocal8Bit());
+    }
+    ~ClientRig()
+    {
+        window.reset();
+        for (const char *name : kScripts)
+            qunsetenv(name);
+    }
+
+    // What the processor holds before the program starts.
+    void holds(int id, const QString &value) const
+    {
+        QFile state(folder.file(QStringLiteral("xtu-state")));
+        state.open(QIODevice::Append);
+        state.write(QStringLiteral("%1=%2\n").arg(id).arg(value).toUtf8());
+    }
+    void startWindow()
+    {
+        window = std::make_unique<MainWindow>(fake.bundle());
+        chainEnds = std::make_unique<QSignalSpy>(cpu(), &CpuTuning::readChainFinished);
+    }
+    CpuTuning *cpu() const { return window->cpuTuning(); }
+
+    // Waits until `count` read chains have ended since start-up.
+    bool waitForReadChains(int count)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (chainEnds->count() < count && clock.elapsed() < 20000)
+            chainEnds->wait(200);
+        return chainEnds->count() >= count;
+    }
+
+    // The client's arguments, in the order the chains started it ("-t -id 34 -v -80").
+    QStringList runs() const
+    {
+        const QString prefix = QStringLiteral("process: ") + xtu::clientProgram + ' ';
+        QStringList out;
+        for (const QString &entry : fake.log->withPrefix(prefix))
+            out << entry.mid(prefix.size());
+        return out;
+    }
+    QStringList writes() const { return runs().filter(QStringLiteral(" -v ")); }
+    QStringList reads() const
+    {
+        QStringList out;
+        for (const QString &run : runs())
+            out << (run.contains(QLatin1String(" -v ")) ? QString() : run);
+        out.removeAll(QString());
+        return out;
+    }
+    void apply() const { QMetaObject::invokeMethod(window.get(), "on_Button_ApplyValues_clicked"); }
+    void clickApply() const
+    {
+        ui().Button_ApplyValues->setEnabled(true);
+        ui().Button_ApplyValues->click();
+    }
+
+    // The tab as shown: undervolt, turbo power, turbo time (each slider, label and the last
+    // read), then the ratios, a hidden box in parentheses.
+    QString shown() const
+    {
+        const Ui::MainWindow &u = ui();
+        QString out = QStringLiteral("%1 %2 %3 | %4 %5 %6 | %7 %8 %9 |")
+                          .arg(u.undervolt_slider->value())
+                          .arg(u.Label_UnderVolt_Value->text(), cpu()->readUndervolt)
+                          .arg(u.Slider_TurboBoost->value())
+                          .arg(u.Label_TurboPowerValue->text(), cpu()->readTurboPower)
+                          .arg(u.Slider_TurboTime->value())
+                          .arg(u.Label_BoostTimeValue->text())
+                          .arg(cpu()->readTurboTime);
+        const QWidget *labels[] = {u.label_9,     u.label_10,    u.label_11,    u.label_12,
+                                   u.Label_Core5, u.Label_Core6, u.Label_Core7, u.Label_Core8};
+        const QSpinBox *spins[] = {u.Core1Spin, u.Core2Spin, u.Core3Spin, u.Core4Spin,
+                                   u.Core5Spin, u.Core6Spin, u.Core7Spin, u.Core8Spin};
+        for (int i = 0; i < 8; ++i) {
+            const QString value = QString::number(spins[i]->value());
+            out += ' ' + (spins[i]->isHidden() ? '(' + value + ')' : value);
+            if (labels[i]->isHidden() != spins[i]->isHidden())
+                out += QStringLiteral("!label");
+        }
+        return out;
+    }
+
+    std::unique_ptr<QSignalSpy> chainEnds;
+};
+
+const QString kShownAtStart =
+    QStringLiteral("0 0mV 0 | 360 45W 45 | 28 28Sec 28 | 51 51 49 49 47 47 46 46");
+
+// A read that changes no figure leaves the label as the client printed it.
+const QString kShownReadBack = QString(kShownAtStart).replace("28Sec", "28.0Sec");
 
 } // namespace
 
@@ -27,265 +136,161 @@ class TuningChainsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void startupReadShowsTheClientsValues();
-    void applyWithNothingChangedSkipsEveryWriteAndReadsBack();
-    void applyWritesExactlyTheChangedValuesInOrder();
-    void undervoltAtOneIsWrittenAsNone();
-    void unlimitedPositionWritesTheUnlimitedFigure();
-    void decimalCommaClientGetsCommas();
-    void fourCoreProcessorHidesAndSkipsCoresFiveToEight();
-    void manageCpuOffSkipsEveryCoreAsDisabled();
+    void startupRead_data();
+    void startupRead();
+    void applyWritesTheChangedValuesThenReadsBack_data();
+    void applyWritesTheChangedValuesThenReadsBack();
     void stalledClientStallsOnlyItsChain();
-    void silentClientChangesNothing();
-    void rowSplitAcrossTwoReadsChangesNothing();
+    void reapplyRunsAtMostOncePerRun_data();
     void reapplyRunsAtMostOncePerRun();
-    void reapplyRestoresOnlyWhatWasSavedAndMakesSense();
     void valuesNeverReadNorSetAreNeitherWrittenNorSaved_data();
     void valuesNeverReadNorSetAreNeitherWrittenNorSaved();
     void stopXtuServicesAfterEachRead();
-    void manageCpuSwitchedOn();
-    void checkBoxesAreSaved();
+    void manageCpuSwitchedOnAndOff();
 };
 
-void TuningChainsTest::startupReadShowsTheClientsValues()
+void TuningChainsTest::startupRead_data()
 {
-    ClientRig rig;
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    Ui::MainWindow *ui = rig.ui();
-    CpuTuning *cpu = rig.cpu();
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("whole rows") << QString() << kShownAtStart;
+    QTest::newRow("a client that prints nothing changes nothing")
+        << "FAKE_XTU_SILENT=1"
+        << "0 -000mV  | 8 0000.000W  | 1 00.00 Sec 0 | 0 0 0 0 0 0 0 0";
+    // The rows that came whole are taken.
+    QTest::newRow("a row split across two reads changes nothing")
+        << "FAKE_XTU_SPLIT=48"
+        << "0 0mV 0 | 8 0000.000W  | 28 28Sec 28 | 51 51 49 49 47 47 46 46";
+}
 
-    QCOMPARE(rig.reads(), kAllReads);
-    QVERIFY(rig.writes().isEmpty());
+void TuningChainsTest::startupRead()
+{
+    QFETCH(QString, script);
+    ClientRig rig(script);
+    rig.startWindow();
+    QVERIFY(rig.waitForReadChains(1));
+    QCOMPARE(rig.runs(), kAllReads);
     const int service = rig.fake.log->indexOf("process: " + xtu::serviceStart);
     QVERIFY(service >= 0);
-    QVERIFY(service <
-            rig.fake.log->indexOf(QStringLiteral("process: %1 -t -id 34").arg(xtu::clientProgram)));
-
-    QCOMPARE(ui->undervolt_slider->value(), 0);
-    QCOMPARE(ui->Label_UnderVolt_Value->text(), QStringLiteral("0mV"));
-    QCOMPARE(ui->Slider_TurboBoost->value(), 360);
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("45W"));
-    QCOMPARE(ui->Slider_TurboTime->maximum(), 128);
-    QCOMPARE(ui->Slider_TurboTime->minimum(), 0);
-    QCOMPARE(ui->Slider_TurboTime->value(), 28);
-    QCOMPARE(ui->Label_BoostTimeValue->text(), QStringLiteral("28Sec"));
-    const int ratios[] = {51, 51, 49, 49, 47, 47, 46, 46};
-    for (int n = 1; n <= 8; ++n) {
-        QSpinBox *spin = coreSpins(ui)[n - 1];
-        QCOMPARE(spin->value(), ratios[n - 1]);
-        QCOMPARE(spin->minimum(), 8);
-        QCOMPARE(spin->maximum(), 80);
-        QCOMPARE(cpu->readCoreRatio(n), ratios[n - 1]);
+    QVERIFY(service < rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 34"));
+    QTEST(rig.shown(), "shown");
+    QVERIFY(!rig.cpu()->decimalComma);
+    QVERIFY(!rig.cpu()->coreRowsMissing);
+    QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
+    QVERIFY(rig.ui().frame_2->isEnabled());
+    QVERIFY(switchedOn(rig.ui().turbo_override));
+    if (script.isEmpty()) {
+        QCOMPARE(rig.ui().Slider_TurboTime->maximum(), 128);
+        QCOMPARE(rig.ui().Core8Spin->minimum(), 8);
+        QCOMPARE(rig.ui().Core8Spin->maximum(), 80);
     }
-    QCOMPARE(cpu->readUndervolt, QStringLiteral("0"));
-    QCOMPARE(cpu->readTurboPower, QStringLiteral("45"));
-    QCOMPARE(cpu->readTurboTime, 28);
-    QVERIFY(!cpu->decimalComma);
-    QVERIFY(!cpu->coreRowsMissing);
-    QVERIFY(!ui->Button_ApplyValues->isEnabled());
-    QVERIFY(ui->frame_2->isEnabled());
-    QVERIFY(switchedOn(ui->turbo_override));
-
-    // What a person sees on the tab after start-up.
-    rig.window->resize(800, 870);
-    ui->tabWidget->setCurrentWidget(ui->tab);
-    rig.window->show();
-    QVERIFY(rig.window->grab().save(QStringLiteral(VARNEL_TEST_BIN_DIR "/cputuning/cpu-tab.png")));
-
-    // The second read, two minutes after start.
-    QVERIFY(rig.fake.scheduler->history.contains(QStringLiteral("120000 getxtuvalues")));
-    rig.holds(48, QStringLiteral("50"));
-    rig.fake.scheduler->advance(120000);
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.reads(), kAllReads + kAllReads);
-    QCOMPARE(ui->Slider_TurboBoost->value(), 400);
 }
 
-void TuningChainsTest::applyWithNothingChangedSkipsEveryWriteAndReadsBack()
+void TuningChainsTest::applyWritesTheChangedValuesThenReadsBack_data()
 {
-    ClientRig rig;
-    rig.start();
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QString>("holds"); // "id=value" before start-up
+    QTest::addColumn<QString>("steps"); // "object=value" set in turn, "click:object" clicked
+    QTest::addColumn<QStringList>("writes");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("nothing changed") << ""
+                                     << ""
+                                     << "" << QStringList() << kShownReadBack;
+    QTest::newRow("changed values, in the chain's order")
+        << ""
+        << ""
+        << "Core8Spin=44 Slider_TurboBoost=301 undervolt_slider=80 Core3Spin=45"
+        << QStringList{"-t -id 34 -v -80", "-t -id 48 -v 37.625", "-t -id 31 -v 45",
+                       "-t -id 97 -v 44"}
+        << "80 -80mV -80 | 301 37.625W 37,625 | 28 28.0Sec 28 | 51 51 45 49 47 47 46 44";
+    QTest::newRow("undervolt at one is written as none")
+        << ""
+        << "34=-50"
+        << "undervolt_slider=1" << QStringList{"-t -id 34 -v 0"} << kShownReadBack;
+    // The 10875H profile's highest finite position is 1080 (135 W).
+    QTest::newRow("the unlimited position writes the unlimited figure")
+        << ""
+        << ""
+        << "Slider_TurboBoost=1081" << QStringList{"-t -id 48 -v 4095.875"}
+        << "0 0mV 0 | 1081 4095.875W 4095,875 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
+    QTest::newRow("a client with decimal commas gets commas")
+        << "FAKE_XTU_COMMA=1"
+        << ""
+        << "Slider_TurboBoost=364" << QStringList{"-t -id 48 -v 45,5"}
+        << "0 0mV 0 | 364 45.5W 45,5 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
+    // Hidden boxes are not disabled: they are skipped as unchanged.
+    QTest::newRow("a four-core processor hides and skips cores five to eight")
+        << "FAKE_XTU_CORES=4"
+        << ""
+        << "Core1Spin=50" << QStringList{"-t -id 29 -v 50"}
+        << "0 0mV 0 | 360 45W 45 | 28 28.0Sec 28 | 50 51 49 49 (0) (0) (0) (0)";
+    // Power modes still apply through the slot while the frames are disabled.
+    QTest::newRow("boxes of an unmanaged processor are skipped as disabled")
+        << ""
+        << ""
+        << "click:checkBox_DontManageCPU Core2Spin=40 Core7Spin=40 undervolt_slider=50"
+        << QStringList{"-t -id 34 -v -50"}
+        << "50 -50mV -50 | 360 45W 45 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
+}
+
+void TuningChainsTest::applyWritesTheChangedValuesThenReadsBack()
+{
+    QFETCH(QString, script);
+    QFETCH(QString, holds);
+    QFETCH(QString, steps);
+    QFETCH(QStringList, writes);
+    ClientRig rig(script);
+    if (!holds.isEmpty())
+        rig.holds(holds.section('=', 0, 0).toInt(), holds.section('=', 1));
+    rig.startWindow();
     QVERIFY(rig.waitForReadChains(1));
     rig.fake.log->clear();
-
-    rig.clickApply();
-    QVERIFY(!rig.ui()->Button_ApplyValues->isEnabled());
+    for (const QString &step : steps.split(' ', Qt::SkipEmptyParts)) {
+        if (step.startsWith(QLatin1String("click:")))
+            rig.window->findChild<QAbstractButton *>(step.mid(6))->click();
+        else
+            rig.window->findChild<QWidget *>(step.section('=', 0, 0))
+                ->setProperty("value", step.section('=', 1).toInt());
+    }
+    // What the tab holds when applied is saved.
+    const QString held = QStringLiteral("%1 %2 %3")
+                             .arg(rig.ui().undervolt_slider->value())
+                             .arg(rig.ui().Label_TurboPowerValue->text())
+                             .arg(rig.ui().Core1Spin->value());
+    rig.apply();
+    QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
     QVERIFY(rig.waitForReadChains(2));
-    QVERIFY(rig.writes().isEmpty());
-    QCOMPARE(rig.reads(), kAllReads);
+    QCOMPARE(rig.runs(), writes + kAllReads);
     // One service start for the apply, one for the read that follows.
     QCOMPARE(rig.fake.log->withPrefix("process: powershell").size(), 2);
-
-    QCOMPARE(rig.savedValue("undervolt").toInt(), 0);
-    QCOMPARE(rig.savedValue("boostpower").toString(), QStringLiteral("45"));
-    QCOMPARE(rig.savedValue("turbotime").toInt(), 28);
-    QCOMPARE(rig.savedValue("core1multi").toInt(), 51);
-    QCOMPARE(rig.savedValue("core8multi").toInt(), 46);
-    QVERIFY(rig.ui()->checkBox_ReApply->isEnabled());
-}
-
-void TuningChainsTest::applyWritesExactlyTheChangedValuesInOrder()
-{
-    ClientRig rig;
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    Ui::MainWindow *ui = rig.ui();
-    ui->Core8Spin->setValue(44);
-    ui->Slider_TurboBoost->setValue(301);
-    ui->undervolt_slider->setValue(80);
-    ui->Core3Spin->setValue(45);
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("37.625W"));
-
-    rig.clickApply();
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), QStringList({"-t -id 34 -v -80", "-t -id 48 -v 37.625",
-                                        "-t -id 31 -v 45", "-t -id 97 -v 44"}));
-    const QString lastWrite = QStringLiteral("process: %1 -t -id 97 -v 44").arg(xtu::clientProgram);
-    QCOMPARE(rig.reads().size(), 22);
-    QVERIFY(rig.fake.log->indexOf(lastWrite) <
-            rig.fake.log->entries.lastIndexOf(
-                QStringLiteral("process: %1 -t -id 34").arg(xtu::clientProgram)));
-
-    // The tab shows what the client now holds.
-    QCOMPARE(ui->undervolt_slider->value(), 80);
-    QCOMPARE(ui->Label_UnderVolt_Value->text(), QStringLiteral("-80mV"));
-    QCOMPARE(ui->Slider_TurboBoost->value(), 301);
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("37.625W"));
-    QCOMPARE(ui->Core3Spin->value(), 45);
-    QCOMPARE(ui->Core8Spin->value(), 44);
-    QCOMPARE(rig.cpu()->readUndervolt, QStringLiteral("-80"));
-    QCOMPARE(rig.cpu()->readTurboPower, QStringLiteral("37,625"));
-    QCOMPARE(rig.cpu()->readCoreRatio3, 45);
-    QVERIFY(!ui->Button_ApplyValues->isEnabled());
+    QTEST(rig.shown(), "shown");
+    QCOMPARE(rig.cpu()->decimalComma, script.contains("COMMA"));
+    QCOMPARE(rig.cpu()->coreRowsMissing, script.contains("CORES"));
+    QCOMPARE(QStringLiteral("%1 %2W %3")
+                 .arg(rig.generalValue("undervolt").toString(),
+                      rig.generalValue("boostpower").toString(),
+                      rig.generalValue("core1multi").toString()),
+             held);
+    QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
+    QCOMPARE(rig.generalValue("DontManageCPU").toBool(), !steps.contains("click:"));
+    QVERIFY(rig.ui().checkBox_ReApply->isEnabled());
 
     // A second apply finds everything in place.
-    rig.clickApply();
+    rig.apply();
     QVERIFY(rig.waitForReadChains(3));
-    QCOMPARE(rig.writes().size(), 4);
-}
-
-void TuningChainsTest::undervoltAtOneIsWrittenAsNone()
-{
-    ClientRig rig;
-    rig.holds(34, QStringLiteral("-50"));
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    QCOMPARE(rig.ui()->undervolt_slider->value(), 50);
-    QCOMPARE(rig.cpu()->readUndervolt, QStringLiteral("-50"));
-
-    rig.ui()->undervolt_slider->setValue(1);
-    QCOMPARE(rig.ui()->Label_UnderVolt_Value->text(), QStringLiteral("0mV"));
-    rig.clickApply();
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), QStringList{"-t -id 34 -v 0"});
-    QCOMPARE(rig.ui()->undervolt_slider->value(), 0);
-    QCOMPARE(rig.cpu()->readUndervolt, QStringLiteral("0"));
-}
-
-void TuningChainsTest::unlimitedPositionWritesTheUnlimitedFigure()
-{
-    ClientRig rig;
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    Ui::MainWindow *ui = rig.ui();
-    QCOMPARE(ui->Slider_TurboBoost->maximum(), 1081); // the 10875H profile: 135 W finite
-
-    ui->Slider_TurboBoost->setValue(1081);
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("4095.875W"));
-    rig.clickApply();
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), QStringList{"-t -id 48 -v 4095.875"});
-    QCOMPARE(ui->Slider_TurboBoost->value(), 1081);
-    QCOMPARE(ui->Label_TurboPowerValue->text(), QStringLiteral("4095.875W"));
-    QCOMPARE(rig.cpu()->readTurboPower, QStringLiteral("4095,875"));
-}
-
-void TuningChainsTest::decimalCommaClientGetsCommas()
-{
-    ClientRig rig;
-    qputenv("FAKE_XTU_COMMA", "1");
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    QVERIFY(rig.cpu()->decimalComma);
-    QCOMPARE(rig.ui()->Slider_TurboTime->value(), 28);
-    QCOMPARE(rig.ui()->Slider_TurboBoost->value(), 360);
-
-    rig.ui()->Slider_TurboBoost->setValue(364);
-    rig.clickApply();
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), QStringList{"-t -id 48 -v 45,5"});
-    QCOMPARE(rig.ui()->Slider_TurboBoost->value(), 364);
-    QCOMPARE(rig.cpu()->readTurboPower, QStringLiteral("45,5"));
-
-    rig.clickApply();
-    QVERIFY(rig.waitForReadChains(3));
-    QCOMPARE(rig.writes().size(), 1);
-}
-
-void TuningChainsTest::fourCoreProcessorHidesAndSkipsCoresFiveToEight()
-{
-    ClientRig rig;
-    qputenv("FAKE_XTU_CORES", "4");
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    Ui::MainWindow *ui = rig.ui();
-    CpuTuning *cpu = rig.cpu();
-    QVERIFY(cpu->coreRowsMissing);
-    const QList<QWidget *> hidden = {ui->Label_Core5, ui->Core5Spin,   ui->Label_Core6,
-                                     ui->Core6Spin,   ui->Label_Core7, ui->Core7Spin,
-                                     ui->Label_Core8, ui->Core8Spin};
-    for (QWidget *widget : hidden)
-        QVERIFY2(widget->isHidden(), qPrintable(widget->objectName()));
-    for (int n = 5; n <= 8; ++n) {
-        QSpinBox *spin = coreSpins(ui)[n - 1];
-        QCOMPARE(spin->maximum(), 0);
-        QCOMPARE(spin->value(), 0);
-        QCOMPARE(cpu->readCoreRatio(n), 0);
-        QVERIFY(spin->isEnabled()); // hidden, not disabled
-    }
-    QVERIFY(!ui->label_12->isHidden());
-    QCOMPARE(ui->Core4Spin->value(), 49);
-
-    ui->Core1Spin->setValue(50);
-    rig.clickApply();
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), QStringList{"-t -id 29 -v 50"});
-}
-
-void TuningChainsTest::manageCpuOffSkipsEveryCoreAsDisabled()
-{
-    ClientRig rig;
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    Ui::MainWindow *ui = rig.ui();
-    ui->checkBox_DontManageCPU->click();
-    QVERIFY(!ui->checkBox_DontManageCPU->isChecked());
-    QVERIFY(!ui->frame_3->isEnabled());
-    QVERIFY(!ui->Button_ApplyValues->isEnabled());
-    QCOMPARE(rig.savedValue("DontManageCPU").toBool(), false);
-
-    // The power modes still apply through the slot while the frames are disabled.
-    ui->Core2Spin->setValue(40);
-    ui->Core7Spin->setValue(40);
-    ui->undervolt_slider->setValue(50);
-    QMetaObject::invokeMethod(rig.window.get(), "on_Button_ApplyValues_clicked");
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), QStringList{"-t -id 34 -v -50"});
+    QCOMPARE(rig.writes(), writes);
 }
 
 void TuningChainsTest::stalledClientStallsOnlyItsChain()
 {
-    ClientRig rig;
-    qputenv("FAKE_XTU_HANG", "48");
+    ClientRig rig("FAKE_XTU_HANG=48");
     QElapsedTimer clock;
     clock.start();
-    rig.start();
+    rig.startWindow();
     QVERIFY(clock.elapsed() < 5000);
-    Ui::MainWindow *ui = rig.ui();
 
     // The hanging query printed its row, and its parser took it; the chain goes no further.
-    QTRY_COMPARE(ui->Slider_TurboBoost->value(), 360);
+    QTRY_COMPARE(rig.ui().Slider_TurboBoost->value(), 360);
     QVERIFY(!rig.chainEnds->wait(1000));
     QCOMPARE(rig.reads(), QStringList({"-t -id 34", "-t -id 48"}));
     QVERIFY(rig.cpu()->readProcess2->isRunning());
@@ -293,89 +298,63 @@ void TuningChainsTest::stalledClientStallsOnlyItsChain()
     // The window goes on answering.
     bool timerFired = false;
     QTimer::singleShot(0, [&] { timerFired = true; });
-    ui->undervolt_slider->setValue(30);
-    QCOMPARE(ui->Label_UnderVolt_Value->text(), QStringLiteral("-30mV"));
+    rig.ui().undervolt_slider->setValue(30);
+    QCOMPARE(rig.ui().Label_UnderVolt_Value->text(), QStringLiteral("-30mV"));
     QTRY_VERIFY(timerFired);
-    QVERIFY(ui->Button_ApplyValues->isEnabled());
+    QVERIFY(rig.ui().Button_ApplyValues->isEnabled());
     rig.cpu()->readProcess2->close();
 }
 
-void TuningChainsTest::silentClientChangesNothing()
+void TuningChainsTest::reapplyRunsAtMostOncePerRun_data()
 {
-    ClientRig rig;
-    qputenv("FAKE_XTU_SILENT", "1");
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    QCOMPARE(rig.reads(), kAllReads);
-    QCOMPARE(rig.ui()->Slider_TurboTime->value(), 1);
-    QCOMPARE(rig.ui()->Label_TurboPowerValue->text(), QStringLiteral("0000.000W"));
-    QCOMPARE(rig.cpu()->readTurboTime, 0);
-    QVERIFY(rig.cpu()->readUndervolt.isEmpty());
-}
-
-void TuningChainsTest::rowSplitAcrossTwoReadsChangesNothing()
-{
-    ClientRig rig;
-    qputenv("FAKE_XTU_SPLIT", "48");
-    rig.start();
-    QVERIFY(rig.waitForReadChains(1));
-    QCOMPARE(rig.ui()->Slider_TurboBoost->value(), 8);
-    QCOMPARE(rig.ui()->Label_TurboPowerValue->text(), QStringLiteral("0000.000W"));
-    QVERIFY(rig.cpu()->readTurboPower.isEmpty());
-    // The rows that came whole were taken.
-    QCOMPARE(rig.ui()->Slider_TurboTime->value(), 28);
+    QTest::addColumn<QString>("saved");
+    QTest::addColumn<QStringList>("writes");
+    QTest::newRow("everything saved")
+        << "undervolt=60 boostpower=40 turbotime=20 core1multi=50 core2multi=50 core3multi=48 "
+           "core4multi=48 core5multi=46 core6multi=46 core7multi=45 core8multi=45"
+        << QStringList{"-t -id 34 -v -60", "-t -id 48 -v 40", "-t -id 66 -v 20", "-t -id 29 -v 50",
+                       "-t -id 30 -v 50",  "-t -id 31 -v 48", "-t -id 32 -v 48", "-t -id 42 -v 46",
+                       "-t -id 43 -v 46",  "-t -id 96 -v 45", "-t -id 97 -v 45"};
+    // The turbo power is no power, the time no number, and the ratios no ratio a box can hold;
+    // unsaved ratios stay as read.
+    QTest::newRow("only what makes sense")
+        << "undervolt=60 boostpower=1e300 turbotime=abc core1multi=x51 core2multi=300"
+        << QStringList{"-t -id 34 -v -60"};
 }
 
 void TuningChainsTest::reapplyRunsAtMostOncePerRun()
 {
+    QFETCH(QString, saved);
+    QFETCH(QStringList, writes);
     ClientRig rig;
-    rig.saved("Re-ApplyXTU", true);
-    rig.saved("undervolt", 60);
-    rig.saved("boostpower", "40");
-    rig.saved("turbotime", 20);
-    const int ratios[] = {50, 50, 48, 48, 46, 46, 45, 45};
-    for (int n = 1; n <= 8; ++n)
-        rig.saved(QStringLiteral("core%1multi").arg(n), ratios[n - 1]);
-    rig.start();
-    QVERIFY(rig.ui()->checkBox_ReApply->isEnabled());
+    rig.setGeneral("Re-ApplyXTU", true);
+    for (const QString &pair : saved.split(' '))
+        rig.folder.setIni(TestWindow::general, pair.section('=', 0, 0), pair.section('=', 1));
+    rig.startWindow();
+    QVERIFY(rig.ui().checkBox_ReApply->isChecked());
+    QVERIFY(rig.ui().checkBox_ReApply->isEnabled());
 
     // Start-up read, the re-apply's writes, and the read after them.
     QVERIFY(rig.waitForReadChains(2));
-    const QStringList reapplied = {"-t -id 34 -v -60", "-t -id 48 -v 40", "-t -id 66 -v 20",
-                                   "-t -id 29 -v 50",  "-t -id 30 -v 50", "-t -id 31 -v 48",
-                                   "-t -id 32 -v 48",  "-t -id 42 -v 46", "-t -id 43 -v 46",
-                                   "-t -id 96 -v 45",  "-t -id 97 -v 45"};
-    QCOMPARE(rig.writes(), reapplied);
+    QCOMPARE(rig.writes(), writes);
     QVERIFY(rig.cpu()->reapplyDone);
     QVERIFY(!rig.cpu()->reapplyPending);
-    QCOMPARE(rig.ui()->undervolt_slider->value(), 60);
+    QCOMPARE(rig.ui().undervolt_slider->value(), 60);
 
-    // The processor loses its values; later reads show that and re-apply nothing.
+    // The processor loses its values; the read two minutes after start and later ones show that
+    // and re-apply nothing.
     rig.holds(34, QStringLiteral("0"));
     rig.fake.scheduler->advance(120000);
     QVERIFY(rig.waitForReadChains(3));
     rig.window->getxtuvalues();
     QVERIFY(rig.waitForReadChains(4));
-    QCOMPARE(rig.writes(), reapplied);
-    QCOMPARE(rig.ui()->undervolt_slider->value(), 0);
-}
+    QCOMPARE(rig.writes(), writes);
+    QCOMPARE(rig.ui().undervolt_slider->value(), 0);
 
-void TuningChainsTest::reapplyRestoresOnlyWhatWasSavedAndMakesSense()
-{
-    ClientRig rig;
-    rig.saved("Re-ApplyXTU", true);
-    rig.saved("undervolt", 60);
-    rig.saved("boostpower", "1e300");
-    rig.saved("turbotime", "abc");
-    rig.saved("core1multi", "x51");
-    rig.saved("core2multi", 300);
-    rig.start();
-    QVERIFY(rig.waitForReadChains(2));
-    // Only the undervolt is a figure: the turbo power is no power, the time no number, and the
-    // ratios no ratio a box can hold. Unsaved ratios stay as read.
-    QCOMPARE(rig.writes(), QStringList{"-t -id 34 -v -60"});
-    QCOMPARE(rig.ui()->Slider_TurboBoost->value(), 360);
-    QCOMPARE(rig.ui()->Slider_TurboTime->value(), 28);
+    rig.ui().checkBox_ReApply->click();
+    QCOMPARE(rig.generalValue("Re-ApplyXTU").toBool(), false);
+    rig.ui().checkBox_ReApply->click();
+    QCOMPARE(rig.generalValue("Re-ApplyXTU").toBool(), true);
 }
 
 void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved_data()
@@ -391,114 +370,102 @@ void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved_data()
 void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved()
 {
     QFETCH(bool, byPowerMode);
-    ClientRig rig;
-    qputenv("FAKE_XTU_SILENT", "1"); // no row is ever read
-    rig.saved("undervolt", 100);
-    rig.saved("boostpower", "45");
-    rig.saved("turbotime", 28);
-    rig.start();
+    ClientRig rig("FAKE_XTU_SILENT=1"); // no row is ever read
+    rig.setGeneral("undervolt", 100);
+    rig.setGeneral("boostpower", "45");
+    rig.setGeneral("turbotime", 28);
+    rig.startWindow();
     QVERIFY(rig.waitForReadChains(1));
-    Ui::MainWindow *ui = rig.ui();
     if (byPowerMode) {
-        ui->turbo_override->setChecked(true);
-        ui->power_mode_turbo_boost->setValue(200);
+        rig.ui().turbo_override->setChecked(true);
+        rig.ui().power_mode_turbo_boost->setValue(200);
         QVERIFY(QMetaObject::invokeMethod(rig.window.get(), "ApplyPowerTurboBoost"));
     } else {
-        ui->undervolt_slider->setValue(90);
+        rig.ui().undervolt_slider->setValue(90);
         rig.clickApply();
     }
     QVERIFY(rig.waitForReadChains(2));
     QTEST(rig.writes(), "writes");
-    QTEST(rig.savedValue("undervolt").toInt(), "undervolt");
-    QCOMPARE(rig.savedValue("boostpower").toString(), QStringLiteral("45"));
-    QCOMPARE(rig.savedValue("turbotime").toInt(), 28);
-    QVERIFY(!rig.savedValue("core1multi").isValid());
+    QTEST(rig.generalValue("undervolt").toInt(), "undervolt");
+    QCOMPARE(rig.generalValue("boostpower").toString(), QStringLiteral("45"));
+    QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
+    QVERIFY(!rig.generalValue("core1multi").isValid());
 }
 
 void TuningChainsTest::stopXtuServicesAfterEachRead()
 {
     ClientRig rig;
-    rig.saved("PreventXTU", true);
-    rig.start();
-    QVERIFY(rig.ui()->Check_PreventXTU->isChecked());
+    rig.setGeneral("PreventXTU", true);
+    rig.startWindow();
+    QVERIFY(rig.ui().Check_PreventXTU->isChecked());
     QVERIFY(rig.waitForReadChains(1));
     const QString stop = QStringLiteral("run: ") + xtu::serviceStop;
     QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
     QVERIFY(rig.fake.log->indexOf(stop) >
-            rig.fake.log->indexOf(QStringLiteral("process: %1 -t -id 97").arg(xtu::clientProgram)));
+            rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 97"));
 
-    rig.ui()->Check_PreventXTU->click();
-    QCOMPARE(rig.savedValue("PreventXTU").toBool(), false);
+    rig.ui().Check_PreventXTU->click();
+    QCOMPARE(rig.generalValue("PreventXTU").toBool(), false);
     rig.window->getxtuvalues();
     QVERIFY(rig.waitForReadChains(2));
     QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
 }
 
-void TuningChainsTest::manageCpuSwitchedOn()
+void TuningChainsTest::manageCpuSwitchedOnAndOff()
 {
     ClientRig rig;
-    rig.manage(false);
-    rig.start();
-    Ui::MainWindow *ui = rig.ui();
-    QVERIFY(!ui->checkBox_DontManageCPU->isChecked());
-    for (QWidget *off :
-         QList<QWidget *>{ui->frame_2, ui->frame_3, ui->pushButton, ui->Check_PreventXTU,
-                          ui->Button_ApplyValues, ui->turbo_override})
-        QVERIFY2(!switchedOn(off), qPrintable(off->objectName()));
+    rig.setGeneral("DontManageCPU", false);
+    rig.startWindow();
+    Ui::MainWindow &ui = rig.ui();
+    QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
+    // Which of the controls are switched on, in this order.
+    const auto switched = [&ui] {
+        QString out;
+        for (QWidget *w : std::initializer_list<QWidget *>{
+                 ui.frame_2, ui.frame_3, ui.pushButton, ui.Check_PreventXTU, ui.turbo_override,
+                 ui.Button_ApplyValues, ui.power_mode_turbo_boost})
+            out += switchedOn(w) ? '1' : '0';
+        return out;
+    };
+    QCOMPARE(switched(), QStringLiteral("0000001"));
     QVERIFY(!rig.fake.scheduler->history.contains(QStringLiteral("120000 getxtuvalues")));
     QVERIFY(rig.fake.log->withPrefix("process:").isEmpty());
 
     // Not installed: the offer to download, and the box goes off again whatever the answer.
     rig.fake.dialogs->answers = {QMessageBox::No, QMessageBox::Yes};
-    ui->checkBox_DontManageCPU->click();
-    QVERIFY(!ui->checkBox_DontManageCPU->isChecked());
+    ui.checkBox_DontManageCPU->click();
+    QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
     QCOMPARE(rig.fake.dialogs->shown.size(), 1);
     const FakeDialogs::Shown &offer = rig.fake.dialogs->shown.first();
     QCOMPARE(offer.icon, QMessageBox::Question);
     QCOMPARE(offer.title, QStringLiteral("Intel Extreme Tuning"));
-    QVERIFY(offer.text.startsWith("To use this settings you need Intel Extreme Tuning.\n\n"));
-    QVERIFY(offer.text.endsWith("\n\n Do you want to download XTU now?\n"));
+    QCOMPARE(offer.text,
+             QStringLiteral("To use this settings you need Intel Extreme Tuning.\n\nAfter "
+                            "installing it please restart your laptop. It is highly "
+                            "recommended that you select the Prevent background XTU "
+                            "services option!\n\n Do you want to download XTU now?\n"));
     QCOMPARE(offer.buttons, QMessageBox::Yes | QMessageBox::No);
     QVERIFY(rig.fake.log->withPrefix("open url:").isEmpty());
-    ui->checkBox_DontManageCPU->click();
-    QVERIFY(!ui->checkBox_DontManageCPU->isChecked());
+    ui.checkBox_DontManageCPU->click();
+    QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
     QCOMPARE(rig.fake.log->withPrefix("open url:").size(), 1);
-    QVERIFY(!ui->frame_2->isEnabled());
+    QVERIFY(!ui.frame_2->isEnabled());
 
     // Installed: the driver installer runs, the controls open, and the read chain follows.
     rig.fake.desktop->existing << xtu::servicePaths[1];
-    ui->checkBox_DontManageCPU->click();
-    QVERIFY(ui->checkBox_DontManageCPU->isChecked());
+    ui.checkBox_DontManageCPU->click();
+    QVERIFY(ui.checkBox_DontManageCPU->isChecked());
     QCOMPARE(rig.fake.log->withPrefix("run: " + xtu::driverInstaller).size(), 1);
-    QCOMPARE(rig.savedValue("DontManageCPU").toBool(), true);
-    for (QWidget *on :
-         QList<QWidget *>{ui->frame_2, ui->frame_3, ui->pushButton, ui->Check_PreventXTU,
-                          ui->turbo_override, ui->power_mode_turbo_boost})
-        QVERIFY2(switchedOn(on), qPrintable(on->objectName()));
+    QCOMPARE(rig.generalValue("DontManageCPU").toBool(), true);
+    QCOMPARE(switched(), QStringLiteral("1111101"));
     QVERIFY(rig.waitForReadChains(1));
-    QCOMPARE(ui->Slider_TurboBoost->value(), 360);
-}
+    QCOMPARE(ui.Slider_TurboBoost->value(), 360);
 
-void TuningChainsTest::checkBoxesAreSaved()
-{
-    ClientRig rig;
-    rig.manage(false);
-    rig.start();
-    Ui::MainWindow *ui = rig.ui();
-    QVERIFY(!ui->checkBox_ReApply->isEnabled());
-    rig.clickApply();
-    QVERIFY(ui->checkBox_ReApply->isEnabled());
-    ui->checkBox_ReApply->click();
-    QCOMPARE(rig.savedValue("Re-ApplyXTU").toBool(), true);
-    ui->checkBox_ReApply->click();
-    QCOMPARE(rig.savedValue("Re-ApplyXTU").toBool(), false);
-
-    ClientRig again;
-    again.manage(false);
-    again.saved("Re-ApplyXTU", true);
-    again.start();
-    QVERIFY(again.ui()->checkBox_ReApply->isChecked());
-    QVERIFY(again.ui()->checkBox_ReApply->isEnabled());
+    // Off again: everything closes and the choice is saved.
+    ui.Button_ApplyValues->setEnabled(true);
+    ui.checkBox_DontManageCPU->click();
+    QCOMPARE(switched(), QStringLiteral("0000000"));
+    QCOMPARE(rig.generalValue("DontManageCPU").toBool(), false);
 }
 
 QTEST_MAIN(TuningChainsTest)

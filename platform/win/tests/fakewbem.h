@@ -1,7 +1,8 @@
 #pragma once
 
-// Hand-made WMI objects for the brightness tests: Wine's root\wmi has no monitor instances, so
-// the per-instance part of the conversation is driven against these. Every call is recorded.
+// Hand-made WMI objects for the brightness and laptop-switch tests: Wine's root\wmi has neither
+// monitor instances nor the laptop's class, so the per-instance part of the conversation is
+// driven against these. Every call is recorded.
 
 #include <windows.h>
 
@@ -11,15 +12,11 @@
 
 namespace fakewbem {
 
-inline std::vector<std::wstring> &calls()
-{
-    static std::vector<std::wstring> list;
-    return list;
-}
+inline std::vector<std::wstring> calls;
 
 inline void record(const std::wstring &call)
 {
-    calls().push_back(call);
+    calls.push_back(call);
 }
 
 inline std::wstring text(const wchar_t *s)

@@ -1,9 +1,13 @@
 #include "wintest.h"
 
+#include "program_path.h"
 #include "win_commands.h"
+#include "win_text.h"
 
 #include <windows.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <shellapi.h>
 #include <tlhelp32.h>
 
@@ -11,22 +15,86 @@ using namespace varnel::win;
 
 namespace {
 
-ULONGLONG now()
+std::wstring modulePath()
 {
-    return GetTickCount64();
+    wchar_t buffer[MAX_PATH + 1];
+    return std::wstring(buffer, GetModuleFileNameW(nullptr, buffer, MAX_PATH + 1));
 }
 
+std::wstring folderOf(const std::wstring &path)
+{
+    return path.substr(0, path.find_last_of(L'\\'));
+}
+
+std::wstring environment(const wchar_t *name)
+{
+    std::wstring value(32767, L'\0');
+    value.resize(GetEnvironmentVariableW(name, value.data(), 32767));
+    return value;
+}
+
+// Copies of this program stand in for system tools and helpers: a copy prints the path it was
+// started from, adds it to the file VARNEL_STANDIN_LOG names, and ends before any case runs.
+const bool kStandIn = [] {
+    const std::wstring self = modulePath();
+    std::wstring name = self.substr(self.find_last_of(L'\\') + 1);
+    CharLowerW(name.data());
+    if (name == L"win_commands.exe")
+        return false;
+    const std::string line = toUtf8(self) + "\n";
+    std::fputs(line.c_str(), stdout);
+    std::fflush(stdout);
+    const std::wstring log = environment(L"VARNEL_STANDIN_LOG");
+    if (!log.empty()) {
+        HANDLE file = CreateFileW(log.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_ALWAYS, 0, nullptr);
+        DWORD written = 0;
+        WriteFile(file, line.data(), DWORD(line.size()), &written, nullptr);
+        CloseHandle(file);
+    }
+    ExitProcess(0);
+    return true;
+}();
+
+// Test programs share one prefix and may run at the same time.
 std::wstring uniqueName(const wchar_t *stem)
 {
     return std::wstring(stem) + L"-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
            std::to_wstring(GetTickCount64());
 }
 
-std::wstring tempPath(const wchar_t *stem)
+std::wstring makeTempFolder(const wchar_t *stem)
 {
     wchar_t dir[MAX_PATH + 1];
     GetTempPathW(MAX_PATH + 1, dir);
-    return std::wstring(dir) + uniqueName(stem);
+    const std::wstring path = std::wstring(dir) + uniqueName(stem);
+    CreateDirectoryW(path.c_str(), nullptr);
+    return path;
+}
+
+bool plant(const std::wstring &path)
+{
+    return CopyFileW(modulePath().c_str(), path.c_str(), FALSE) != FALSE;
+}
+
+// Started commands finish in their own time: waits until the file they write has content.
+std::string waitForFile(const std::wstring &path)
+{
+    const ULONGLONG deadline = GetTickCount64() + 30000;
+    do {
+        HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                  nullptr, OPEN_EXISTING, 0, nullptr);
+        if (file != INVALID_HANDLE_VALUE) {
+            char buffer[4096];
+            DWORD read = 0;
+            ReadFile(file, buffer, sizeof(buffer), &read, nullptr);
+            CloseHandle(file);
+            if (read > 0)
+                return std::string(buffer, read);
+        }
+        Sleep(50);
+    } while (GetTickCount64() < deadline);
+    return "<no file>";
 }
 
 int runningChildren(const wchar_t *image)
@@ -38,33 +106,11 @@ int runningChildren(const wchar_t *image)
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof(entry);
     for (BOOL more = Process32FirstW(snapshot, &entry); more;
-         more = Process32NextW(snapshot, &entry)) {
-        if (entry.th32ParentProcessID == GetCurrentProcessId() &&
-            lstrcmpiW(entry.szExeFile, image) == 0)
-            ++count;
-    }
+         more = Process32NextW(snapshot, &entry))
+        count += entry.th32ParentProcessID == GetCurrentProcessId() &&
+                 lstrcmpiW(entry.szExeFile, image) == 0;
     CloseHandle(snapshot);
     return count;
-}
-
-// Started commands finish on their own time; wait until the file they write is complete.
-std::string waitForFile(const std::wstring &path, int timeoutMs = 30000)
-{
-    const ULONGLONG deadline = now() + timeoutMs;
-    while (now() < deadline) {
-        HANDLE file =
-            CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-        if (file != INVALID_HANDLE_VALUE) {
-            char buffer[4096];
-            DWORD read = 0;
-            ReadFile(file, buffer, sizeof(buffer), &read, nullptr);
-            CloseHandle(file);
-            if (read > 0)
-                return std::string(buffer, read);
-        }
-        Sleep(50);
-    }
-    return "<no file>";
 }
 
 } // namespace
@@ -74,104 +120,70 @@ WINTEST_CASE(waitAndReadReturnsTheOutput)
     CHECK_EQ(runAndRead(L"cmd /c echo hello", 30000), "hello\r\n");
     // With no limit the command runs to its end (about a second here).
     CHECK_EQ(runAndRead(L"cmd /c ping -n 2 127.0.0.1 >nul& echo finished", -1), "finished\r\n");
-}
-
-WINTEST_CASE(chattyCommandIsReadWhileItRuns)
-{
     // Far more than a pipe holds (about 45 KB): a reader that only read after the end would wait
     // for ever.
     const std::string output =
         runAndRead(L"cmd /c for /l %i in (1,1,1500) do @echo line %i of a long listing", 90000);
     size_t lines = 0;
-    for (size_t pos = output.find("\r\n"); pos != std::string::npos;
-         pos = output.find("\r\n", pos + 2))
+    for (size_t at = output.find("\r\n"); at != std::string::npos; at = output.find("\r\n", at + 2))
         ++lines;
     CHECK_EQ(lines, 1500u);
-    CHECK(output.size() > 1500u * 20);
     CHECK(output.rfind("line 1500 of a long listing\r\n") == output.size() - 29);
-}
 
-WINTEST_CASE(missingCommandReturnsNothingAtOnce)
-{
-    const ULONGLONG start = now();
+    const ULONGLONG start = GetTickCount64();
     CHECK_EQ(runAndRead(L"varnel-no-such-tool.exe /query", 30000), "");
     CHECK_EQ(runAndRead(L"", 30000), "");
-    CHECK(now() - start < 2000);
+    CHECK(GetTickCount64() - start < 2000);
 }
 
 WINTEST_CASE(timeOutReturnsEarlyOutputAndEndsTheCommand)
 {
     // Generous limits: a loaded machine makes cmd slow to start under Wine.
-    const ULONGLONG start = now();
+    const ULONGLONG start = GetTickCount64();
     const std::string output =
         runAndRead(L"cmd /c echo early& ping -n 15 127.0.0.1 >nul& echo late", 5000);
-    const ULONGLONG elapsed = now() - start;
+    const ULONGLONG elapsed = GetTickCount64() - start;
     CHECK_EQ(output, "early\r\n");
-    CHECK(elapsed >= 5000);
-    CHECK(elapsed < 8000);
+    CHECK(elapsed >= 5000 && elapsed < 8000);
     // The overrunning cmd is gone at once; its ping may run on as an orphan.
     CHECK_EQ(runningChildren(L"cmd.exe"), 0);
 }
 
-WINTEST_CASE(startedCommandsRunWithoutWaiting)
-{
-    const std::wstring hidden = tempPath(L"winexec");
-    CHECK(startShown(L"cmd /c echo x> " + hidden, SW_HIDE));
-    CHECK_EQ(waitForFile(hidden), "x\r\n");
-
-    const std::wstring plain = tempPath(L"start");
-    CHECK(startCommand(L"cmd /c echo y> " + plain));
-    CHECK_EQ(waitForFile(plain), "y\r\n");
-
-    CHECK(!startShown(L"varnel-no-such-tool.exe", SW_SHOWNORMAL));
-    CHECK(!startCommand(L"varnel-no-such-tool.exe"));
-}
-
 WINTEST_CASE(detachedStartUsesTheWorkingDirectory)
 {
-    const std::wstring dir = tempPath(L"workdir");
-    CHECK(CreateDirectoryW(dir.c_str(), nullptr));
+    const std::wstring dir = makeTempFolder(L"workdir");
     // The relative output path lands in the working directory only if it was applied.
     CHECK(startDetached(L"cmd", {L"/c", L"cd", L">", L"cwd.txt"}, dir));
-    const std::string written = waitForFile(dir + L"\\cwd.txt");
-    // The temporary folder's path is plain ASCII.
-    CHECK_EQ(written, std::string(dir.begin(), dir.end()) + "\r\n");
-
+    CHECK_EQ(waitForFile(dir + L"\\cwd.txt"), toUtf8(dir) + "\r\n");
     CHECK(!startDetached(L"", {}, dir));
-    CHECK(!startDetached(L"varnel-no-such-tool.exe", {L"a"}, dir));
 }
 
 WINTEST_CASE(argumentsSurviveTheCommandLine)
 {
     CHECK_EQ(quoteArgument(L""), L"\"\"");
     CHECK_EQ(quoteArgument(L"/s"), L"/s");
-    CHECK_EQ(joinCommandLine(L"C:\\Program Files\\Suite\\update.exe", {L"", L"-q"}),
+    const std::wstring program = L"C:\\Program Files\\Suite\\update.exe";
+    CHECK_EQ(joinCommandLine(program, {L"", L"-q"}),
              L"\"C:\\Program Files\\Suite\\update.exe\" \"\" -q");
 
-    // Read back by the same rules every Windows program uses for its arguments.
-    const std::wstring program = L"C:\\Program Files\\Suite\\update.exe";
-    const std::vector<std::wstring> arguments = {L"",
-                                                 L"plain",
-                                                 L"two words",
-                                                 L"tab\there",
-                                                 L"say \"hi\"",
-                                                 L"trailing\\",
-                                                 L"space end\\",
-                                                 L"a\\\\\"b",
-                                                 L"\\\\server\\share\\",
-                                                 L"C:\\Program Files\\x\\",
-                                                 L"\"",
-                                                 L"\\"};
+    // Read back by the same rules every Windows program uses for its arguments ('|' parts).
+    const std::wstring parts =
+        L"|plain|two words|tab\there|say \"hi\"|trailing\\|space end\\|a\\\\\"b|"
+        L"\\\\server\\share\\|C:\\Program Files\\x\\|\"|\\";
+    std::vector<std::wstring> expected = {program};
+    for (size_t at = 0, bar; at <= parts.size(); at = bar + 1) {
+        bar = std::min(parts.find(L'|', at), parts.size());
+        expected.push_back(parts.substr(at, bar - at));
+    }
+    const std::vector<std::wstring> arguments(expected.begin() + 1, expected.end());
     int count = 0;
     wchar_t **argv = CommandLineToArgvW(joinCommandLine(program, arguments).c_str(), &count);
     CHECK(argv != nullptr);
     if (!argv)
         return;
-    std::vector<std::wstring> parsed(argv, argv + count);
+    const std::vector<std::wstring> parsed(argv, argv + count);
     LocalFree(argv);
-    CHECK_EQ(parsed.size(), arguments.size() + 1);
-    CHECK_EQ(parsed.front(), program);
-    CHECK_EQ(std::vector<std::wstring>(parsed.begin() + 1, parsed.end()), arguments);
+    CHECK_EQ(parsed, expected);
 }
 
 WINTEST_CASE(outputDecodesToUtf8)
@@ -188,11 +200,123 @@ WINTEST_CASE(outputDecodesToUtf8)
     CHECK_EQ(decodeCommandOutput(""), "");
 }
 
-WINTEST_CASE(wmicOutputDecodes)
+WINTEST_CASE(namesResolveIntoTrustedFolders)
 {
-    const std::string raw = runAndRead(L"wmic cpu get Name", 30000);
-    CHECK(raw.size() > 2 && raw.compare(0, 2, "\xFF\xFE") == 0);
-    const std::string text = decodeCommandOutput(raw);
-    CHECK(text.find("Name") != std::string::npos);
-    CHECK(text.find('\0') == std::string::npos);
+    const ProgramFolders f{L"S:\\sys", L"S:\\win", L"D:\\Varnel"};
+    // The command line is the program's full path in quotes and the rest as it stands.
+    const struct {
+        const wchar_t *line, *application, *rest;
+    } rows[] = {
+        {L"powercfg -change -monitor-timeout-ac 5", L"S:\\sys\\powercfg.exe",
+         L" -change -monitor-timeout-ac 5"},
+        {L"TaskKill.EXE /f /im ThrottleStop.exe", L"S:\\sys\\taskkill.exe",
+         L" /f /im ThrottleStop.exe"},
+        {L"tasklist", L"S:\\sys\\tasklist.exe", L""},
+        {L"devcon.exe disable \"@USB\\VID_1\"", L"S:\\sys\\devcon.exe",
+         L" disable \"@USB\\VID_1\""},
+        {L"wmic cpu get Name", L"S:\\sys\\wbem\\wmic.exe", L" cpu get Name"},
+        {L"powershell -executionPolicy bypass", L"S:\\sys\\WindowsPowerShell\\v1.0\\powershell.exe",
+         L" -executionPolicy bypass"},
+        {L"explorer ms-settings:sound", L"S:\\win\\explorer.exe", L" ms-settings:sound"},
+        {L"control.exe /name Microsoft.PowerOptions", L"S:\\sys\\control.exe",
+         L" /name Microsoft.PowerOptions"},
+        {L"Libs\\AuxSwitch.exe", L"D:\\Varnel\\Libs\\AuxSwitch.exe", L""},
+        {L"updates\\Update.exe", L"D:\\Varnel\\updates\\Update.exe", L""},
+        {L"Remote.exe", L"D:\\Varnel\\Remote.exe", L""},
+        {L"LatencyFix", L"D:\\Varnel\\LatencyFix.exe", L""},
+        {L"ThrottleStop//ThrottleStop.exe", L"D:\\Varnel\\ThrottleStop//ThrottleStop.exe", L""},
+        {L"\"C:\\Program Files\\Suite\\Client.exe\" -t -id 48",
+         L"C:\\Program Files\\Suite\\Client.exe", L" -t -id 48"},
+        {L"C:/Tools/Fan/FanControl.exe", L"C:/Tools/Fan/FanControl.exe", L""},
+        {L"\\\\server\\share\\tool.exe /x", L"\\\\server\\share\\tool.exe", L" /x"},
+        // Neither the current drive's root nor its current folder is a trusted place.
+        {L"C:tool.exe", L"", nullptr},
+        {L"\\tool.exe", L"", nullptr},
+        {L"", L"", nullptr},
+    };
+    for (const auto &row : rows) {
+        const ResolvedCommand resolved = resolveCommand(row.line, f);
+        CHECK_EQ(resolved.application, std::wstring(row.application));
+        CHECK_EQ(resolved.commandLine,
+                 row.rest ? L"\"" + std::wstring(row.application) + L"\"" + row.rest
+                          : std::wstring());
+    }
+    // Without a known install folder a helper is not started at all.
+    CHECK_EQ(resolveProgram(L"Remote.exe", ProgramFolders{L"S:\\sys", L"S:\\win", L""}),
+             std::wstring());
+}
+
+WINTEST_CASE(toolsAreTakenFromWhereTheSystemKeepsThem)
+{
+    const std::wstring system = makeTempFolder(L"system");
+    const ProgramFolders f{system, system, L"D:\\Varnel"};
+    // Older systems keep the tool beside the others, newer ones below wbem.
+    CHECK(plant(system + L"\\wmic.exe"));
+    CHECK_EQ(resolveProgram(L"wmic", f), system + L"\\wmic.exe");
+    CreateDirectoryW((system + L"\\wbem").c_str(), nullptr);
+    CHECK(plant(system + L"\\wbem\\wmic.exe"));
+    CHECK_EQ(resolveProgram(L"wmic", f), system + L"\\wbem\\wmic.exe");
+
+    const ProgramFolders real = programFolders();
+    wchar_t buffer[MAX_PATH + 1];
+    CHECK_EQ(real.system, std::wstring(buffer, GetSystemDirectoryW(buffer, MAX_PATH + 1)));
+    CHECK_EQ(real.install, folderOf(modulePath()));
+
+    // A tool put into the system folder (as a machine's maker installs devcon) is found there.
+    const std::wstring devcon = real.system + L"\\devcon.exe";
+    CHECK_EQ(resolveProgram(L"devcon", real), devcon);
+    if (GetFileAttributesW(devcon.c_str()) != INVALID_FILE_ATTRIBUTES)
+        return; // someone else's copy: leave it alone
+    CHECK(plant(devcon));
+    CHECK_EQ(runAndRead(L"devcon.exe status *", 30000), toUtf8(devcon) + "\r\n");
+    DeleteFileW(devcon.c_str());
+}
+
+// Copies named like the tools or helpers, in the working folder and first on the search path,
+// never run: the system's own tools do, and the install folder's helpers by each way of starting.
+WINTEST_CASE(onlyTrustedCopiesRun)
+{
+    const std::wstring planted = makeTempFolder(L"planted");
+    const std::wstring install = folderOf(modulePath());
+    const std::wstring helper = L"Libs\\" + uniqueName(L"helper") + L".exe";
+    const std::wstring absent = L"Libs\\" + uniqueName(L"absent") + L".exe";
+    CreateDirectoryW((install + L"\\Libs").c_str(), nullptr);
+    CreateDirectoryW((planted + L"\\Libs").c_str(), nullptr);
+    for (const std::wstring name : {L"cmd.exe", L"tasklist.exe", L"powercfg.exe", L"wmic.exe",
+                                    helper.c_str(), absent.c_str(), absent.c_str() + 5})
+        CHECK(plant(planted + L"\\" + name));
+    CHECK(plant(install + L"\\" + helper));
+    wchar_t savedDir[MAX_PATH + 1];
+    GetCurrentDirectoryW(MAX_PATH + 1, savedDir);
+    const std::wstring savedPath = environment(L"PATH");
+    SetCurrentDirectoryW(planted.c_str());
+    SetEnvironmentVariableW(L"PATH", (planted + L";" + savedPath).c_str());
+
+    const std::string plantedUtf8 = toUtf8(planted);
+    CHECK_EQ(runAndRead(L"cmd /c echo the system's own", 30000), "the system's own\r\n");
+    for (const wchar_t *line : {L"tasklist", L"powercfg /list", L"wmic cpu get Name"})
+        CHECK(runAndRead(line, 30000).find(plantedUtf8) == std::string::npos);
+
+    const std::string expected = toUtf8(install + L"\\" + helper);
+    CHECK_EQ(runAndRead(helper, 30000), expected + "\r\n");
+    int way = 0;
+    for (auto start : {+[](const std::wstring &l) { return startShown(l, SW_HIDE); },
+                       +[](const std::wstring &l) { return startCommand(l); },
+                       +[](const std::wstring &l) { return startDetached(l, {}, L""); }}) {
+        const std::wstring log = planted + L"\\log-" + std::to_wstring(++way) + L".txt";
+        SetEnvironmentVariableW(L"VARNEL_STANDIN_LOG", log.c_str());
+        CHECK(start(helper));
+        CHECK_EQ(waitForFile(log), expected + "\n");
+        // One missing from the install folder is not looked for in the working folder or the path.
+        CHECK(!start(absent));
+        CHECK(!start(absent.substr(5)));
+    }
+    SetEnvironmentVariableW(L"VARNEL_STANDIN_LOG", nullptr);
+    CHECK_EQ(runAndRead(absent, 30000), "");
+    CHECK_EQ(runAndRead(absent.substr(5), 30000), "");
+
+    SetEnvironmentVariableW(L"PATH", savedPath.c_str());
+    SetCurrentDirectoryW(savedDir);
+    DeleteFileW((install + L"\\" + helper).c_str());
+    RemoveDirectoryW((install + L"\\Libs").c_str()); // only if nothing else is in it
 }

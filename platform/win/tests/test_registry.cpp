@@ -1,11 +1,14 @@
 #include "wintest.h"
 
+#include "../../../audio/soundevents.h"
 #include "win_registry.h"
+#include "win_text.h"
 
 #include <windows.h>
 
 using namespace varnel::win;
 using Type = RegistryValue::Type;
+using List = std::vector<std::wstring>;
 
 namespace {
 
@@ -28,18 +31,36 @@ RegistryValue query(const std::wstring &key, const std::wstring &name)
     return value;
 }
 
+HKEY openUserKey(const std::wstring &key, REGSAM access)
+{
+    HKEY handle = nullptr;
+    CHECK_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, key.substr(key.find(L'\\') + 1).c_str(), 0, nullptr,
+                             0, access, nullptr, &handle, nullptr),
+             ERROR_SUCCESS);
+    return handle;
+}
+
 // Stores data the way another program might have, bypassing the writers under test.
 void setRaw(const std::wstring &key, const wchar_t *name, DWORD type, const std::wstring &data)
 {
-    HKEY handle = nullptr;
-    const std::wstring sub = key.substr(key.find(L'\\') + 1);
-    CHECK_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, sub.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr,
-                             &handle, nullptr),
-             ERROR_SUCCESS);
+    HKEY handle = openUserKey(key, KEY_SET_VALUE);
     CHECK_EQ(RegSetValueExW(handle, name, 0, type, reinterpret_cast<const BYTE *>(data.data()),
                             static_cast<DWORD>(data.size() * sizeof(wchar_t))),
              ERROR_SUCCESS);
     RegCloseKey(handle);
+}
+
+// The stored bytes as they are, read straight through the API ("" is the unnamed value).
+std::wstring rawData(const std::wstring &key, const wchar_t *name)
+{
+    HKEY handle = openUserKey(key, KEY_QUERY_VALUE);
+    wchar_t buffer[256] = {};
+    DWORD size = sizeof(buffer);
+    CHECK_EQ(
+        RegQueryValueExW(handle, name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size),
+        ERROR_SUCCESS);
+    RegCloseKey(handle);
+    return std::wstring(buffer, size / sizeof(wchar_t));
 }
 
 } // namespace
@@ -68,9 +89,8 @@ WINTEST_CASE(numbersAndStringsRoundTrip)
 WINTEST_CASE(multiStringsRoundTripInOrder)
 {
     const std::wstring key = userKey(L"multi");
-    const std::vector<std::vector<std::wstring>> lists = {
-        {L"HKKbdFltr", L"kbdclass"}, {}, {L"kbdclass"}, {L" ", L"z", L"a", L"  "}};
-    for (const auto &list : lists) {
+    const std::vector<List> lists = {{L"HKKbdFltr", L"kbdclass"}, {}, {L" ", L"z", L"a", L"  "}};
+    for (const List &list : lists) {
         CHECK_EQ(setMultiStringValue(key, L"UpperFilters", list), ERROR_SUCCESS);
         const RegistryValue value = query(key, L"UpperFilters");
         CHECK_EQ(value.type, Type::MultiString);
@@ -79,17 +99,17 @@ WINTEST_CASE(multiStringsRoundTripInOrder)
     // An empty entry would end the list early on the next read.
     CHECK_EQ(setMultiStringValue(key, L"UpperFilters", {L"a", L"", L"b"}), ERROR_INVALID_PARAMETER);
     CHECK_EQ(query(key, L"UpperFilters").list, lists.back());
-}
+    // The empty list is still a well-formed multi-string.
+    CHECK_EQ(setMultiStringValue(key, L"UpperFilters", {}), ERROR_SUCCESS);
+    CHECK(rawData(key, L"UpperFilters") == std::wstring(L"\0\0", 2));
 
-WINTEST_CASE(valuesStoredWithoutTerminatorsReadWhole)
-{
-    const std::wstring key = userKey(L"raw");
+    // Another writer's values without terminators read whole, and a gap ends a list.
     setRaw(key, L"NoEnd", REG_SZ, L"abc");
     CHECK_EQ(query(key, L"NoEnd").text, L"abc");
     setRaw(key, L"ListNoEnd", REG_MULTI_SZ, std::wstring(L"one\0two", 7));
-    CHECK_EQ(query(key, L"ListNoEnd").list, (std::vector<std::wstring>{L"one", L"two"}));
+    CHECK_EQ(query(key, L"ListNoEnd").list, (List{L"one", L"two"}));
     setRaw(key, L"ListGap", REG_MULTI_SZ, std::wstring(L"one\0\0two\0\0", 10));
-    CHECK_EQ(query(key, L"ListGap").list, std::vector<std::wstring>{L"one"});
+    CHECK_EQ(query(key, L"ListGap").list, List{L"one"});
 }
 
 WINTEST_CASE(deletingReportsWhatWasMissing)
@@ -104,49 +124,53 @@ WINTEST_CASE(deletingReportsWhatWasMissing)
     RegistryValue value;
     CHECK_EQ(queryValue(key, L"TdrDelay", value), ERROR_FILE_NOT_FOUND);
     CHECK_EQ(value.type, Type::None);
+    CHECK(keyExists(key));
 }
 
+// The sound scheme's marker is the unnamed value of its key.
 WINTEST_CASE(defaultNamesTheUnnamedValue)
 {
-    const std::wstring key = userKey(L"unnamed");
-    CHECK_EQ(setStringValue(key, L"Default", L".None"), ERROR_SUCCESS);
-
-    HKEY handle = nullptr;
-    const std::wstring sub = key.substr(key.find(L'\\') + 1);
-    CHECK_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, sub.c_str(), 0, KEY_QUERY_VALUE, &handle),
-             ERROR_SUCCESS);
-    wchar_t buffer[32] = {};
-    DWORD size = sizeof(buffer);
-    CHECK_EQ(
-        RegQueryValueExW(handle, L"", nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size),
-        ERROR_SUCCESS);
-    RegCloseKey(handle);
-    CHECK_EQ(std::wstring(buffer), L".None");
+    const std::wstring key = fromUtf8(soundevents::schemesKey);
+    const std::wstring name = fromUtf8(soundevents::defaultValueName);
+    CHECK_EQ(setStringValue(key, name, L".None"), ERROR_SUCCESS);
+    CHECK(rawData(key, L"") == std::wstring(L".None\0", 6));
     CHECK_EQ(query(key, L".").text, L".None");
     CHECK(!valueExists(key, L"Default2"));
-    CHECK_EQ(deleteValue(key, L"Default"), ERROR_SUCCESS);
-    CHECK(!valueExists(key, L"Default"));
+    CHECK_EQ(setStringValue(key, name, L".Default"), ERROR_SUCCESS);
+    CHECK_EQ(query(key, L"").text, L".Default");
 }
 
-WINTEST_CASE(machineWriteCreatesTheKey)
+// The tweaks' own keys, with blanks in their paths; Wine grants machine-wide writes.
+WINTEST_CASE(machineWritesCreateTheirKeys)
 {
     const std::wstring key = uniqueKey(L"HKEY_LOCAL_MACHINE", L"GraphicsDrivers");
     CHECK(!keyExists(key));
     CHECK_EQ(setDwordValue(key, L"TdrDdiDelay", 60), ERROR_SUCCESS);
     CHECK(keyExists(key));
     CHECK_EQ(query(key, L"TdrDdiDelay").dword, 60u);
+
+    const std::wstring power =
+        L"HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Power";
+    RegistryValue before;
+    const bool existed = queryValue(power, L"HiberbootEnabled", before) == ERROR_SUCCESS;
+    CHECK_EQ(setStringValue(power, L"HiberbootEnabled", L"0"), ERROR_SUCCESS);
+    CHECK_EQ(query(power, L"HiberbootEnabled").text, L"0");
+    if (!existed)
+        CHECK_EQ(deleteValue(power, L"HiberbootEnabled"), ERROR_SUCCESS);
+    else if (before.type == Type::Dword)
+        CHECK_EQ(setDwordValue(power, L"HiberbootEnabled", before.dword), ERROR_SUCCESS);
 }
 
 WINTEST_CASE(pathsAreReadTheWayTheProgramWritesThem)
 {
     const std::wstring key = userKey(L"paths");
+    const std::wstring sub = key.substr(key.find(L'\\') + 1);
     CHECK_EQ(setDwordValue(key, L"Enabled", 1), ERROR_SUCCESS);
-    std::wstring slashed = L"HKCU/" + key.substr(key.find(L'\\') + 1) + L"\\";
+    std::wstring slashed = L"HKCU/" + sub + L"\\";
     for (wchar_t &c : slashed)
         c = c == L'\\' ? L'/' : c;
     CHECK_EQ(query(slashed, L"Enabled").dword, 1u);
-    CHECK_EQ(query(L"hkey_current_user\\\\" + key.substr(key.find(L'\\') + 1), L"Enabled").dword,
-             1u);
+    CHECK_EQ(query(L"hkey_current_user\\\\" + sub, L"Enabled").dword, 1u);
 
     RegistryValue value;
     CHECK_EQ(queryValue(L"HKEY_CLASSES_ROOT\\Software", L"x", value), ERROR_INVALID_PARAMETER);

@@ -5,11 +5,11 @@
 //
 //   WINTEST_CASE(name) { CHECK(...); CHECK_EQ(actual, expected); }
 //
-// A case fails when a check fails, when it throws, or when it checked nothing at all. The
-// program exits non-zero when any case failed; a case name as argument runs only that case.
+// Cases that repeat with other values loop over a table of rows. A case fails when a check fails,
+// when it throws, or when it checked nothing at all. The program exits non-zero when any case
+// failed; a case name as argument runs only that case.
 
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <sstream>
@@ -40,47 +40,23 @@ struct Registrar {
     Registrar(const char *name, void (*run)()) { state().cases.push_back({name, run}); }
 };
 
-inline std::string show(const std::string &s)
+// Text with control characters (and for wide text, anything beyond ASCII) escaped.
+template <typename Char> std::string show(const std::basic_string<Char> &s)
 {
-    std::string out = "\"";
-    for (unsigned char c : s) {
-        if (c == '\r')
-            out += "\\r";
-        else if (c == '\n')
-            out += "\\n";
-        else if (c < 0x20 || c == 0x7f) {
-            char hex[8];
-            std::snprintf(hex, sizeof(hex), "\\x%02x", c);
-            out += hex;
-        } else
-            out += static_cast<char>(c);
+    std::string out = sizeof(Char) > 1 ? "L\"" : "\"";
+    for (Char c : s) {
+        const auto code = static_cast<unsigned long>(static_cast<std::make_unsigned_t<Char>>(c));
+        char escaped[16] = {};
+        if (c == '\r' || c == '\n')
+            out += c == '\r' ? "\\r" : "\\n";
+        else if (code >= 0x20 && code < 0x7f)
+            out += static_cast<char>(code);
+        else
+            std::snprintf(escaped, sizeof escaped, sizeof(Char) > 1 ? "\\u%04lx" : "\\x%02lx",
+                          code);
+        out += escaped;
     }
     return out + "\"";
-}
-
-inline std::string show(const char *s)
-{
-    return show(std::string(s));
-}
-
-inline std::string show(const std::wstring &s)
-{
-    std::string out = "L\"";
-    for (wchar_t c : s) {
-        if (c >= 0x20 && c < 0x7f) {
-            out += static_cast<char>(c);
-        } else {
-            char hex[12];
-            std::snprintf(hex, sizeof(hex), "\\u%04x", static_cast<unsigned>(c));
-            out += hex;
-        }
-    }
-    return out + "\"";
-}
-
-inline std::string show(const wchar_t *s)
-{
-    return show(std::wstring(s));
 }
 
 template <typename T> std::string show(const std::vector<T> &list)
@@ -93,7 +69,11 @@ template <typename T> std::string show(const std::vector<T> &list)
 
 template <typename T> std::string show(const T &value)
 {
-    if constexpr (std::is_enum_v<T>) {
+    if constexpr (std::is_convertible_v<T, const char *>) {
+        return show(std::string(value));
+    } else if constexpr (std::is_convertible_v<T, const wchar_t *>) {
+        return show(std::wstring(value));
+    } else if constexpr (std::is_enum_v<T>) {
         return std::to_string(static_cast<long long>(value));
     } else {
         std::ostringstream out;
@@ -102,39 +82,31 @@ template <typename T> std::string show(const T &value)
     }
 }
 
-inline void fail(const char *file, int line, const std::string &message)
-{
-    ++state().failures;
-    std::printf("    %s:%d: %s\n", file, line, message.c_str());
-    std::fflush(stdout);
-}
-
-inline bool check(bool ok, const char *file, int line, const char *expression)
+inline bool report(bool ok, const char *file, int line, const std::string &message)
 {
     ++state().checks;
-    if (!ok)
-        fail(file, line, std::string("CHECK(") + expression + ") failed");
+    if (!ok) {
+        ++state().failures;
+        std::printf("    %s:%d: %s\n", file, line, message.c_str());
+        std::fflush(stdout);
+    }
     return ok;
 }
 
 template <typename A, typename B>
-bool checkEqual(const A &actual, const B &expected, const char *file, int line,
-                const char *actualText, const char *expectedText)
+bool checkEqual(const A &actual, const B &expected, const char *file, int line, const char *text)
 {
-    ++state().checks;
-    if (actual == expected)
-        return true;
-    fail(file, line,
-         std::string("CHECK_EQ(") + actualText + ", " + expectedText +
-             ") failed\n      actual:   " + show(actual) + "\n      expected: " + show(expected));
-    return false;
+    const bool ok = actual == expected;
+    return report(ok, file, line,
+                  ok ? std::string()
+                     : std::string("CHECK_EQ(") + text + ") failed\n      actual:   " +
+                           show(actual) + "\n      expected: " + show(expected));
 }
 
 inline int runAll(int argc, char **argv)
 {
     const std::string only = argc > 1 ? argv[1] : std::string();
-    int failedCases = 0;
-    int ran = 0;
+    int failedCases = 0, ran = 0;
     for (const Case &c : state().cases) {
         if (!only.empty() && only != c.name)
             continue;
@@ -147,26 +119,25 @@ inline int runAll(int argc, char **argv)
         try {
             c.run();
         } catch (const std::exception &e) {
-            fail(__FILE__, __LINE__, std::string("exception: ") + e.what());
+            report(false, __FILE__, __LINE__, std::string("exception: ") + e.what());
         } catch (...) {
-            fail(__FILE__, __LINE__, "unknown exception");
+            report(false, __FILE__, __LINE__, "unknown exception");
         }
         if (state().checks == 0)
-            fail(__FILE__, __LINE__, "the case checked nothing");
-        const long long ms = std::chrono::duration_cast<std::chrono::milliseconds>(
-                                 std::chrono::steady_clock::now() - start)
-                                 .count();
+            report(false, __FILE__, __LINE__, "the case checked nothing");
+        const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now() - start);
         const bool failed = state().failures != failuresBefore;
         failedCases += failed ? 1 : 0;
-        std::printf("%s %s (%lld ms)\n", failed ? "FAIL " : "PASS ", c.name, ms);
+        std::printf("%s %s (%lld ms)\n", failed ? "FAIL " : "PASS ", c.name,
+                    static_cast<long long>(ms.count()));
         std::fflush(stdout);
     }
-    if (ran == 0) {
+    if (ran == 0)
         std::printf("no test case named %s\n", only.c_str());
-        return 2;
-    }
-    std::printf("%d of %d cases passed\n", ran - failedCases, ran);
-    return failedCases == 0 ? 0 : 1;
+    else
+        std::printf("%d of %d cases passed\n", ran - failedCases, ran);
+    return ran == 0 ? 2 : failedCases == 0 ? 0 : 1;
 }
 
 } // namespace wintest
@@ -177,9 +148,10 @@ inline int runAll(int argc, char **argv)
     static void name()
 
 #define CHECK(condition)                                                                           \
-    wintest::check(static_cast<bool>(condition), __FILE__, __LINE__, #condition)
+    wintest::report(static_cast<bool>(condition), __FILE__, __LINE__,                              \
+                    std::string("CHECK(") + #condition + ") failed")
 #define CHECK_EQ(actual, expected)                                                                 \
-    wintest::checkEqual((actual), (expected), __FILE__, __LINE__, #actual, #expected)
+    wintest::checkEqual((actual), (expected), __FILE__, __LINE__, #actual ", " #expected)
 
 int main(int argc, char **argv)
 {
