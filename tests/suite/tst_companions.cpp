@@ -1,8 +1,5 @@
 #include "companions.h"
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
+#include "testwindow.h"
 
 #include <QtTest>
 
@@ -29,16 +26,14 @@ class TestCompanions : public QObject {
 
 private slots:
     void init();
-    void cleanup();
     void aLocatedCompanionStartsFromItsOwnFolder();
     void withoutItsFileTheBareNameIsStarted_data();
     void withoutItsFileTheBareNameIsStarted();
-    void startupCheckStartsOnlyRegisteredAppsNotRunning();
-    void startupCheckAsksTheTaskListOncePerApplication();
-    void startupCheckIsOffUntilTheBoxIsChecked();
+    void startAppsStartsRegisteredAppsNotRunning_data();
+    void startAppsStartsRegisteredAppsNotRunning();
+    void startupCheckRunsAfterTenSecondsAndFollowsTheBox();
 
 private:
-    // Documents folder of a home of its own, and the locator file of one companion.
     void writeLocator(const QString &relative, const QString &appUrl);
 
     QScopedPointer<QTemporaryDir> m_home;
@@ -51,11 +46,7 @@ void TestCompanions::init()
     qputenv("XDG_CONFIG_HOME", (m_home->path() + "/.config").toLocal8Bit());
 }
 
-void TestCompanions::cleanup()
-{
-    m_home.reset();
-}
-
+// The locator file of one companion, in the Documents folder of a home of the test's own.
 void TestCompanions::writeLocator(const QString &relative, const QString &appUrl)
 {
     const QString path = localPath(Companions::documentsFolder() + relative);
@@ -67,10 +58,8 @@ void TestCompanions::writeLocator(const QString &relative, const QString &appUrl
 
 void TestCompanions::aLocatedCompanionStartsFromItsOwnFolder()
 {
-    TestFolder folder;
-    FakePlatform fake;
-    MainWindow w(fake.bundle());
-
+    TestWindow p;
+    p.start();
     // A stand-in companion that reports where it runs and what it was given.
     const QString appFolder = m_home->path() + "/Programs/Fan Control";
     QDir().mkpath(appFolder);
@@ -83,11 +72,9 @@ void TestCompanions::aLocatedCompanionStartsFromItsOwnFolder()
     program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
     writeLocator(R"(\Helmsuite\FanControl\fancontrol.ini)", appFolder + "/FanControl.exe");
 
-    fake.log->clear();
-    w.form()->Button_FanControl->click();
-
+    p.ui().Button_FanControl->click();
     // The separator is doubled: the folder kept its own before the name was appended again.
-    QCOMPARE(companionEntries(*fake.log),
+    QCOMPARE(companionEntries(*p.fake.log),
              QStringList({"process: " + appFolder + "//FanControl.exe "}));
     QTRY_VERIFY(QFileInfo(report).size() > 0);
     QFile result(report);
@@ -98,108 +85,90 @@ void TestCompanions::aLocatedCompanionStartsFromItsOwnFolder()
 void TestCompanions::withoutItsFileTheBareNameIsStarted_data()
 {
     QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("locator");
-    QTest::addColumn<QString>("appUrl"); // empty: no locator file
+    QTest::addColumn<QString>("locator"); // empty: no locator file
+    QTest::addColumn<QString>("appUrl");
     QTest::addColumn<QString>("started");
-
-    QTest::newRow("updater, no locator") << "Button_Updater"
-                                         << ""
-                                         << ""
-                                         << "shown 4: Updater.exe";
-    QTest::newRow("fan control, no locator") << "Button_FanControl"
-                                             << ""
-                                             << ""
-                                             << "shown 4: FanControl.exe";
-    QTest::newRow("keyboard, locator names a missing file")
-        << "Button_KeyboardLed"
-        << R"(\Helmsuite\KeyboardLED\keyboardled.ini)"
-        << "/nowhere/KeyboardLed.exe"
-        << "shown 4: KeyboardLed.exe";
-    QTest::newRow("updater, locator without appurl") << "Button_Updater"
-                                                     << R"(\Helmsuite\Updater\updater.ini)"
-                                                     << ""
-                                                     << "shown 4: Updater.exe";
+    auto row = [](const char *name, const char *button, const char *locator, const char *appUrl,
+                  const char *started) {
+        QTest::newRow(name) << button << locator << appUrl << QString("shown 4: ") + started;
+    };
+    row("updater, no locator", "Button_Updater", "", "", "Updater.exe");
+    row("fan control, no locator", "Button_FanControl", "", "", "FanControl.exe");
+    row("keyboard, locator names a missing file", "Button_KeyboardLed",
+        R"(\Helmsuite\KeyboardLED\keyboardled.ini)", "/nowhere/KeyboardLed.exe", "KeyboardLed.exe");
+    row("updater, locator without appurl", "Button_Updater", R"(\Helmsuite\Updater\updater.ini)",
+        "", "Updater.exe");
 }
 
 void TestCompanions::withoutItsFileTheBareNameIsStarted()
 {
-    QFETCH(QString, button);
     QFETCH(QString, locator);
     QFETCH(QString, appUrl);
-    QFETCH(QString, started);
-
-    TestFolder folder;
+    TestWindow p;
     if (!locator.isEmpty())
         writeLocator(locator, appUrl);
-    FakePlatform fake;
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    w.findChild<QPushButton *>(button)->click();
-    QCOMPARE(companionEntries(*fake.log), QStringList({started}));
+    p.start();
+    QFETCH(QString, button);
+    p.window->findChild<QPushButton *>(button)->click();
+    QTEST(companionEntries(*p.fake.log).join('\n'), "started");
 }
 
-void TestCompanions::startupCheckStartsOnlyRegisteredAppsNotRunning()
+void TestCompanions::startAppsStartsRegisteredAppsNotRunning_data()
 {
-    TestFolder folder;
-    folder.setIni("settings//varnel.ini", "checkstart", true);
-    FakePlatform fake;
+    QTest::addColumn<QStringList>("registered");
+    QTest::addColumn<QString>("tasks");
+    QTest::addColumn<QStringList>("expected");
+    const QString list = QStringLiteral("run: tasklist"), updater = "shown 0: Updater.exe";
     // Fan control runs at log-on too, but is not registered: left alone although not running.
-    fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
-    fake.registry->values.insert(kRunKey + "|KeyboardLED", "KeyboardLed.exe /min");
-    fake.commands->outputs.insert("tasklist", "System Idle Process  0\nKeyboardLed.exe   4242\n");
-    MainWindow w(fake.bundle());
-    QVERIFY(!w.form()->checkstart->isChecked());
-    fake.log->clear();
-
-    fake.scheduler->advance(9999);
-    QCOMPARE(companionEntries(*fake.log), QStringList());
-    fake.scheduler->advance(1);
-    QVERIFY(w.form()->checkstart->isChecked());
-    QCOMPARE(companionEntries(*fake.log),
-             QStringList({"run: tasklist", "shown 0: Updater.exe", "run: tasklist"}));
-}
-
-void TestCompanions::startupCheckAsksTheTaskListOncePerApplication()
-{
-    TestFolder folder;
-    folder.setIni("settings//varnel.ini", "checkstart", true);
-    FakePlatform fake;
-    for (const char *name : {"Updater", "Fan Control", "KeyboardLED"})
-        fake.registry->values.insert(kRunKey + "|" + name, "x");
-    fake.commands->outputs.insert("tasklist",
-                                  "Updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n");
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log),
-             QStringList({"run: tasklist", "run: tasklist", "run: tasklist"}));
-
+    QTest::newRow("registered, not running") << QStringList{"Updater", "KeyboardLED"}
+                                             << "System Idle Process  0\nKeyboardLed.exe   4242\n"
+                                             << QStringList{list, updater, list};
+    const QStringList all{"Updater", "Fan Control", "KeyboardLED"};
+    QTest::newRow("all running") << all << "Updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
+                                 << QStringList{list, list, list};
     // A name differing only in case is another program.
-    fake.commands->outputs.insert("tasklist",
-                                  "updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n");
-    fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe",
-                                                       "run: tasklist", "run: tasklist"}));
+    QTest::newRow("case differs") << all << "updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
+                                  << QStringList{list, updater, list, list};
 }
 
-void TestCompanions::startupCheckIsOffUntilTheBoxIsChecked()
+void TestCompanions::startAppsStartsRegisteredAppsNotRunning()
 {
-    TestFolder folder;
-    FakePlatform fake;
-    fake.registry->values.insert(kRunKey + "|Updater", "x");
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log), QStringList());
+    QFETCH(QStringList, registered);
+    QFETCH(QString, tasks);
+    TestWindow p;
+    p.setGeneral("checkstart", true);
+    for (const QString &name : registered)
+        p.fake.registry->values.insert(kRunKey + "|" + name, "x");
+    p.fake.commands->outputs.insert("tasklist", tasks);
+    p.start();
+    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+    QTEST(companionEntries(*p.fake.log), "expected");
+}
 
-    w.form()->checkstart->click();
-    QCOMPARE(folder.ini("settings/varnel.ini", "checkstart").toString(), QStringLiteral("true"));
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+void TestCompanions::startupCheckRunsAfterTenSecondsAndFollowsTheBox()
+{
+    TestWindow p;
+    p.setGeneral("checkstart", true);
+    p.fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
+    p.window = std::make_unique<MainWindow>(p.fake.bundle());
+    QVERIFY(!p.ui().checkstart->isChecked());
+    p.fake.log->clear();
+    p.fake.scheduler->advance(9999);
+    QCOMPARE(companionEntries(*p.fake.log), QStringList());
+    p.fake.scheduler->advance(1);
+    QVERIFY(p.ui().checkstart->isChecked());
+    QCOMPARE(companionEntries(*p.fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe"}));
 
-    w.form()->checkstart->click();
-    QCOMPARE(folder.ini("settings/varnel.ini", "checkstart").toString(), QStringLiteral("false"));
+    // Off until the box is checked again; the box is remembered.
+    p.ui().checkstart->click();
+    QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("false"));
+    p.fake.log->clear();
+    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+    QCOMPARE(companionEntries(*p.fake.log), QStringList());
+    p.ui().checkstart->click();
+    QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("true"));
+    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+    QCOMPARE(companionEntries(*p.fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe"}));
 }
 
 QTEST_MAIN(TestCompanions)
