@@ -1,5 +1,7 @@
-// Applying a power mode on the real window: the exact commands in order, the panel and scheme
-// brightness delays, the companion codes and the turbo override.
+// The power-scheme command catalogue, and applying a power mode on the real window: the exact
+// commands in order, the panel and scheme brightness delays, the companion codes and the turbo
+// override.
+#include "powercommands.h"
 #include "powermodes.h"
 #include "testwindow.h"
 
@@ -9,6 +11,10 @@ class PowerApplyTest : public QObject {
     Q_OBJECT
 
 private slots:
+    void catalogueRows_data();
+    void catalogueRows();
+    void fanCodes_data();
+    void fanCodes();
     void wholeProfileRunsTheCatalogueInOrder();
     void panelFollowsAfterTwoSecondsAndSchemeAfterThree();
     void ignoredPanelStillWritesTheSchemeBrightness();
@@ -16,8 +22,8 @@ private slots:
     void singleFieldSlotsRunOnePairEach();
     void applyLeavesTheKeyboardCodeAlone();
     void turboOverrideNeedsOverrideAndManagedCpu();
+    void turboOverrideAppliesADifferingValueOnce_data();
     void turboOverrideAppliesADifferingValueOnce();
-    void turboOverrideMovedBackStillAppliesOnce();
 };
 
 namespace {
@@ -58,6 +64,68 @@ void manageCpu(TestWindow &p, bool on)
     p.ui().turbo_override->setEnabled(on);
 }
 } // namespace
+
+// Timeouts by combo index (short sleep timeouts use "-x" alone), and the lid's action values.
+void PowerApplyTest::catalogueRows_data()
+{
+    QTest::addColumn<char>("kind");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("ac");
+    QTest::addColumn<QString>("dc");
+    const int minutes[] = {0, 5, 10, 15, 20, 30, 60, 120, 300};
+    for (int index = 0; index < 9; ++index) {
+        const QString m = QString::number(minutes[index]);
+        const QString sleep =
+            index <= 3 ? "powercfg -x -standby-timeout-" : "powercfg -change -x -standby-timeout-";
+        QTest::addRow("screen %d", index)
+            << 's' << index << "powercfg -change -monitor-timeout-ac " + m
+            << "powercfg -change -monitor-timeout-dc " + m;
+        QTest::addRow("sleep %d", index) << 'z' << index << sleep + "ac " + m << sleep + "dc " + m;
+    }
+    for (int index : {-1, 9}) {
+        QTest::addRow("screen %d", index) << 's' << index << QString() << QString();
+        QTest::addRow("sleep %d", index) << 'z' << index << QString() << QString();
+    }
+    const QString lid = QStringLiteral(" SCHEME_CURRENT 4f971e89-eebd-4455-a8de-9e59040e7347 "
+                                       "5ca83367-6e45-459f-a27b-476b1d01c936 ");
+    for (int index : {0, 1, 2}) {
+        const QString value = QString::number(index == 2 ? 3 : index); // shutdown is 3
+        QTest::addRow("lid %d", index) << 'l' << index << "powercfg setacvalueindex" + lid + value
+                                       << "powercfg setdcvalueindex" + lid + value;
+    }
+    for (int index : {-1, 3})
+        QTest::addRow("lid %d", index) << 'l' << index << QString() << QString();
+}
+
+void PowerApplyTest::catalogueRows()
+{
+    QFETCH(char, kind);
+    QFETCH(int, index);
+    const powercmd::Pair pair = kind == 's'   ? powercmd::screenOff(index)
+                                : kind == 'z' ? powercmd::sleepAfter(index)
+                                              : powercmd::lidClose(index);
+    QTEST(pair.ac, "ac");
+    QTEST(pair.dc, "dc");
+}
+
+void PowerApplyTest::fanCodes_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("current");
+    QTest::addColumn<QString>("code");
+    QTest::newRow("No Change") << 0 << "3" << QString("none");
+    for (int index = 1; index <= 6; ++index)
+        QTest::addRow("%d", index) << index << "none" << QString::number(index);
+    QTest::newRow("no selection keeps the code") << -1 << "5" << QString("5");
+    QTest::newRow("beyond the list keeps the code") << 7 << "2" << QString("2");
+}
+
+void PowerApplyTest::fanCodes()
+{
+    QFETCH(int, index);
+    QFETCH(QString, current);
+    QTEST(powercmd::fanProfileCode(index, current), "code");
+}
 
 void PowerApplyTest::wholeProfileRunsTheCatalogueInOrder()
 {
@@ -207,8 +275,16 @@ void PowerApplyTest::turboOverrideNeedsOverrideAndManagedCpu()
     QCOMPARE(ui.Slider_TurboBoost->value(), 100);
 }
 
+void PowerApplyTest::turboOverrideAppliesADifferingValueOnce_data()
+{
+    QTest::addColumn<bool>("movedBack");
+    QTest::newRow("tuning tab read another value") << false;
+    QTest::newRow("mode's slider moved and back") << true;
+}
+
 void PowerApplyTest::turboOverrideAppliesADifferingValueOnce()
 {
+    QFETCH(bool, movedBack);
     TestWindow p;
     p.startWithPowerModes();
     Ui::MainWindow &ui = p.ui();
@@ -217,34 +293,22 @@ void PowerApplyTest::turboOverrideAppliesADifferingValueOnce()
     ui.power_mode_turbo_boost->setValue(300);
     p.window->ApplyPowerTurboBoost(); // settles the pending change
     p.clearRecords();
-
-    ui.Slider_TurboBoost->setValue(100); // the tuning tab read another value meanwhile
-    p.window->ApplyPowerValues();
-    QCOMPARE(ui.Slider_TurboBoost->value(), 300);
+    if (movedBack) {
+        ui.power_mode_turbo_boost->setValue(301);
+        ui.power_mode_turbo_boost->setValue(300); // back where the tuning slider already is
+        QVERIFY(p.window->powerModes()->turboOverridePending());
+        QCOMPARE(p.fake.scheduler->history,
+                 (QStringList{"4000 ApplyPowerTurboBoost", "4000 ApplyPowerTurboBoost"}));
+        p.fake.scheduler->runAll();
+        QVERIFY(!p.window->powerModes()->turboOverridePending());
+    } else {
+        ui.Slider_TurboBoost->setValue(100);
+        p.window->ApplyPowerValues();
+        QCOMPARE(ui.Slider_TurboBoost->value(), 300);
+        QCOMPARE(p.tuningApplies(), 1);
+        p.window->ApplyPowerTurboBoost();
+    }
     QCOMPARE(p.tuningApplies(), 1);
-    p.window->ApplyPowerTurboBoost();
-    QCOMPARE(p.tuningApplies(), 1);
-}
-
-void PowerApplyTest::turboOverrideMovedBackStillAppliesOnce()
-{
-    TestWindow p;
-    p.startWithPowerModes();
-    Ui::MainWindow &ui = p.ui();
-    manageCpu(p, true);
-    ui.turbo_override->click();
-    ui.power_mode_turbo_boost->setValue(300);
-    p.window->ApplyPowerTurboBoost();
-    p.clearRecords();
-
-    ui.power_mode_turbo_boost->setValue(301);
-    ui.power_mode_turbo_boost->setValue(300); // back where the tuning slider already is
-    QVERIFY(p.window->powerModes()->turboOverridePending());
-    QCOMPARE(p.fake.scheduler->history,
-             (QStringList{"4000 ApplyPowerTurboBoost", "4000 ApplyPowerTurboBoost"}));
-    p.fake.scheduler->runAll();
-    QCOMPARE(p.tuningApplies(), 1);
-    QVERIFY(!p.window->powerModes()->turboOverridePending());
 }
 
 QTEST_MAIN(PowerApplyTest)

@@ -1,5 +1,5 @@
 // Switching power modes on the real window: radio buttons and tray entries, the automatic
-// battery mode over a scripted power source, and the two invocable refresh slots.
+// battery mode over a scripted power source, and the scheme-change refresh.
 #include "powermodes.h"
 #include "testwindow.h"
 
@@ -12,17 +12,9 @@ class PowerSwitchingTest : public QObject {
 
 private slots:
     void trayEntrySelectsAndMarksTheMode();
-    void selectingTheSameModeAppliesItAgain();
     void selectionDuringAnApplyOnlyRecordsIt();
-    void unpluggingSwitchesToBatteryAndKeepsTheMainsMode();
-    void pluggingInRestoresTheMainsMode();
-    void batteryChosenByHandIsNeverLeft();
-    void unknownLineStatusChangesNothing();
-    void handPickedModeOnBatteryLastsOneTick();
-    void automaticModeOffDoesNothing();
-    void autoSwitchIsStoredAndRestored();
-    void batteryStateFollowsTheLineStatus_data();
-    void batteryStateFollowsTheLineStatus();
+    void automaticBatteryMode_data();
+    void automaticBatteryMode();
     void schemeChangeReappliesAdaptiveBrightness();
 };
 
@@ -48,29 +40,26 @@ QStringList selectedEntries(const TestWindow &p)
     return out;
 }
 
-void prepare(TestWindow &p)
+void start(TestWindow &p, const QString &mode = QStringLiteral("normal"))
 {
     p.folder.copyShipped(QLatin1String(kSelected));
     p.folder.copyShipped(QLatin1String(kNotSelected));
+    p.startWithPowerModes(mode);
 }
 
-void startAutomatic(TestWindow &p, const QString &mode = QStringLiteral("normal"))
+QString stored(const TestWindow &p)
 {
-    prepare(p);
-    p.setGeneral("autobatterymode", true);
-    p.startWithPowerModes(mode);
+    return p.generalValue("powermode").toString();
 }
 
 const QString kBatteryMax = QStringLiteral(
     "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 60");
-const QString kNormalScreen = QStringLiteral("run: powercfg -change -monitor-timeout-ac 20");
 } // namespace
 
 void PowerSwitchingTest::trayEntrySelectsAndMarksTheMode()
 {
     TestWindow p;
-    prepare(p);
-    p.startWithPowerModes();
+    start(p);
     QVERIFY(imageOf(QIcon(QLatin1String(kSelected))) !=
             imageOf(QIcon(QLatin1String(kNotSelected))));
     QCOMPARE(selectedEntries(p), QStringList{"Normal Mode"});
@@ -78,33 +67,25 @@ void PowerSwitchingTest::trayEntrySelectsAndMarksTheMode()
     p.window->trayActions().silent->trigger();
     QVERIFY(p.ui().silent_mode->isChecked());
     QCOMPARE(selectedEntries(p), QStringList{"Silent Mode"});
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("silent"));
+    QCOMPARE(stored(p), QStringLiteral("silent"));
     QCOMPARE(p.ui().silent_cpu_max->value(), 80);
     QVERIFY(p.commands().contains(
         "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 80"));
+    // The same mode again is applied again.
+    QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
+    p.window->trayActions().silent->trigger();
+    QCOMPARE(p.fake.log->withPrefix("run: ").size(), 24);
 
     p.ui().maximum_mode->click();
     QCOMPARE(selectedEntries(p), QStringList{"Maximum Mode"});
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("maximum"));
+    QCOMPARE(stored(p), QStringLiteral("maximum"));
     QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
-}
-
-void PowerSwitchingTest::selectingTheSameModeAppliesItAgain()
-{
-    TestWindow p;
-    p.startWithPowerModes(QStringLiteral("silent"));
-    p.window->trayActions().silent->trigger();
-    const int first = p.fake.log->withPrefix("run: ").size();
-    QCOMPARE(first, 12);
-    p.window->trayActions().silent->trigger();
-    QCOMPARE(p.fake.log->withPrefix("run: ").size(), 2 * first);
 }
 
 void PowerSwitchingTest::selectionDuringAnApplyOnlyRecordsIt()
 {
     TestWindow p;
-    prepare(p);
-    p.startWithPowerModes();
+    start(p);
     bool cutIn = false;
     p.fake.commands->onRun = [&](const QString &line) {
         if (!cutIn && line.contains(QLatin1String("PROCTHROTTLEMIN"))) {
@@ -114,167 +95,81 @@ void PowerSwitchingTest::selectionDuringAnApplyOnlyRecordsIt()
     };
     p.window->ApplyPowerValues();
     QVERIFY(cutIn);
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("battery"));
+    QCOMPARE(stored(p), QStringLiteral("battery"));
     QCOMPARE(selectedEntries(p), QStringList{"Battery Mode"});
     QVERIFY(p.ui().normal_mode->isChecked());
     QVERIFY(!p.commands().contains(kBatteryMax));
     QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
 }
 
-void PowerSwitchingTest::unpluggingSwitchesToBatteryAndKeepsTheMainsMode()
+// Steps: a line status then a timer tick ("0", "1", "255"), the line status read alone ("r0"),
+// a click on a mode's radio button, or on the automatic box ("auto").
+void PowerSwitchingTest::automaticBatteryMode_data()
 {
-    TestWindow p;
-    startAutomatic(p);
-    QVERIFY(p.ui().battery_mode_auto->isChecked());
-    p.window->timerDone();
-    QVERIFY(p.commands().isEmpty()); // on mains nothing happens
-
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-    PowerModes *modes = p.window->powerModes();
-    QVERIFY(p.ui().battery_mode->isChecked());
-    QVERIFY(p.commands().contains(kBatteryMax));
-    QCOMPARE(selectedEntries(p), QStringList{"Battery Mode"});
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("normal"));
-    QCOMPARE(modes->onBattery(), 1);
-    QVERIFY(modes->autoSwitchedToBattery());
-    QCOMPARE(modes->modeBeforeBattery(), 2);
-
-    // Still on battery: the next tick does not apply again.
-    p.clearRecords();
-    p.window->timerDone();
-    QVERIFY(!p.commands().contains(kBatteryMax));
-}
-
-void PowerSwitchingTest::pluggingInRestoresTheMainsMode()
-{
-    TestWindow p;
-    startAutomatic(p, QStringLiteral("maximum"));
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-    QVERIFY(p.ui().battery_mode->isChecked());
-    p.clearRecords();
-
-    p.fake.powerSource->status = 1;
-    p.window->timerDone();
-    QVERIFY(p.ui().maximum_mode->isChecked());
-    QCOMPARE(selectedEntries(p), QStringList{"Maximum Mode"});
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("maximum"));
-    QVERIFY(p.commands().contains(
-        "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 10"));
-    QVERIFY(!p.window->powerModes()->autoSwitchedToBattery());
-}
-
-void PowerSwitchingTest::batteryChosenByHandIsNeverLeft()
-{
-    TestWindow p;
-    startAutomatic(p);
-    p.ui().battery_mode->click();
-    p.clearRecords();
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-    p.fake.powerSource->status = 1;
-    p.window->timerDone();
-    QVERIFY(p.ui().battery_mode->isChecked());
-    QVERIFY(p.commands().isEmpty());
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("battery"));
-}
-
-void PowerSwitchingTest::unknownLineStatusChangesNothing()
-{
-    TestWindow p;
-    startAutomatic(p);
-    p.fake.powerSource->status = 255;
-    p.window->timerDone();
-    QVERIFY(p.ui().normal_mode->isChecked());
-    QCOMPARE(p.window->powerModes()->onBattery(), 0);
-
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-    p.clearRecords();
-    p.fake.powerSource->status = 255;
-    p.window->timerDone();
-    QVERIFY(p.ui().battery_mode->isChecked());
-    QCOMPARE(p.window->powerModes()->onBattery(), 1);
-    QVERIFY(p.commands().isEmpty());
-}
-
-void PowerSwitchingTest::handPickedModeOnBatteryLastsOneTick()
-{
-    TestWindow p;
-    startAutomatic(p);
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-    p.ui().silent_mode->click();
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("silent"));
-    p.clearRecords();
-
-    p.window->timerDone();
-    QVERIFY(p.ui().battery_mode->isChecked());
-    QVERIFY(p.commands().contains(kBatteryMax));
-    QCOMPARE(p.window->powerModes()->modeBeforeBattery(), 1);
-    QCOMPARE(p.generalValue("powermode").toString(), QStringLiteral("silent"));
-
-    p.fake.powerSource->status = 1;
-    p.window->timerDone();
-    QVERIFY(p.ui().silent_mode->isChecked());
-}
-
-void PowerSwitchingTest::automaticModeOffDoesNothing()
-{
-    TestWindow p;
-    prepare(p);
-    p.startWithPowerModes();
-    QVERIFY(!p.ui().battery_mode_auto->isChecked());
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-    QVERIFY(p.ui().normal_mode->isChecked());
-    QVERIFY(p.commands().isEmpty());
-    QCOMPARE(p.window->powerModes()->onBattery(), 1);
-}
-
-void PowerSwitchingTest::autoSwitchIsStoredAndRestored()
-{
-    TestWindow p;
-    startAutomatic(p);
-    p.fake.powerSource->status = 0;
-    p.window->timerDone();
-
-    // Turned off while switched: the flag stays, so turning it on again on mains goes back.
-    p.ui().battery_mode_auto->click();
-    QCOMPARE(p.generalValue("autobatterymode").toBool(), false);
-    p.fake.powerSource->status = 1;
-    p.window->timerDone();
-    QVERIFY(p.ui().battery_mode->isChecked());
-    p.ui().battery_mode_auto->click();
-    QCOMPARE(p.generalValue("autobatterymode").toBool(), true);
-    p.window->timerDone();
-    QVERIFY(p.ui().normal_mode->isChecked());
-}
-
-void PowerSwitchingTest::batteryStateFollowsTheLineStatus_data()
-{
-    QTest::addColumn<QList<int>>("statuses");
+    QTest::addColumn<QString>("mode");
+    QTest::addColumn<bool>("automatic");
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("checked");
+    QTest::addColumn<QString>("stored");
     QTest::addColumn<int>("onBattery");
-    QTest::newRow("offline") << QList<int>{0} << 1;
-    QTest::newRow("online") << QList<int>{0, 1} << 0;
-    QTest::newRow("unknown keeps battery") << QList<int>{0, 255} << 1;
-    QTest::newRow("unknown keeps mains") << QList<int>{255} << 0;
+    QTest::addColumn<bool>("lastStepApplied");
+    auto row = [](const char *name, const char *mode, bool automatic, const char *steps,
+                  const char *checked, const char *stored, int onBattery, bool applied) {
+        QTest::newRow(name) << mode << automatic << steps << checked << stored << onBattery
+                            << applied;
+    };
+    row("on mains nothing happens", "normal", true, "1", "normal", "normal", 0, false);
+    row("unplugged: battery, mains mode kept", "normal", true, "0", "battery", "normal", 1, true);
+    row("still on battery: not again", "normal", true, "0 0", "battery", "normal", 1, false);
+    row("plugged in: mains mode back", "maximum", true, "0 1", "maximum", "maximum", 0, true);
+    row("battery by hand is never left", "normal", true, "battery 0 1", "battery", "battery", 0,
+        false);
+    row("unknown status keeps mains", "normal", true, "255", "normal", "normal", 0, false);
+    row("unknown status keeps battery", "normal", true, "0 255", "battery", "normal", 1, false);
+    row("hand-picked mode on battery lasts a tick", "normal", true, "0 silent 0", "battery",
+        "silent", 1, true);
+    row("and comes back on mains", "normal", true, "0 silent 0 1", "silent", "silent", 0, true);
+    row("automatic mode off", "normal", false, "0", "normal", "normal", 1, false);
+    row("turned off while switched", "normal", true, "0 auto 1", "battery", "normal", 0, false);
+    row("and on again on mains", "normal", true, "0 auto 1 auto 1", "normal", "normal", 0, true);
+    row("status read alone", "normal", true, "r0", "normal", "normal", 1, false);
+    row("status read alone, back", "normal", true, "r0 r1", "normal", "normal", 0, false);
 }
 
-void PowerSwitchingTest::batteryStateFollowsTheLineStatus()
+void PowerSwitchingTest::automaticBatteryMode()
 {
-    QFETCH(QList<int>, statuses);
-    QFETCH(int, onBattery);
+    QFETCH(QString, mode);
+    QFETCH(bool, automatic);
+    QFETCH(QString, steps);
+    QFETCH(QString, checked);
     TestWindow p;
-    startAutomatic(p);
-    for (int status : statuses) {
-        p.fake.powerSource->status = status;
-        p.window->GetBatteryState();
+    p.setGeneral("autobatterymode", automatic);
+    start(p, mode);
+    QCOMPARE(p.ui().battery_mode_auto->isChecked(), automatic);
+    for (const QString &step : steps.split(' ')) {
+        p.clearRecords();
+        bool isNumber = false;
+        const int status = step.toInt(&isNumber);
+        if (isNumber) {
+            p.fake.powerSource->status = status;
+            p.window->timerDone();
+        } else if (step.startsWith('r')) {
+            p.fake.powerSource->status = step.mid(1).toInt();
+            p.window->GetBatteryState();
+        } else if (step == QLatin1String("auto")) {
+            p.ui().battery_mode_auto->click();
+        } else {
+            p.window->findChild<QRadioButton *>(step + "_mode")->click();
+        }
     }
-    QCOMPARE(p.window->powerModes()->onBattery(), onBattery);
-    // The state alone: no mode is switched.
-    QVERIFY(p.ui().normal_mode->isChecked());
+    QVERIFY(p.window->findChild<QRadioButton *>(checked + "_mode")->isChecked());
+    QCOMPARE(selectedEntries(p), QStringList{checked.at(0).toUpper() + checked.mid(1) + " Mode"});
+    QTEST(stored(p), "stored");
+    QTEST(p.window->powerModes()->onBattery(), "onBattery");
+    QTEST(!p.commands().isEmpty(), "lastStepApplied");
+    QCOMPARE(p.generalValue("autobatterymode").toBool(), p.ui().battery_mode_auto->isChecked());
+    QCOMPARE(p.window->powerModes()->autoSwitchedToBattery(),
+             checked == QLatin1String("battery") && !steps.contains(QLatin1String("battery")));
 }
 
 void PowerSwitchingTest::schemeChangeReappliesAdaptiveBrightness()
@@ -288,24 +183,19 @@ void PowerSwitchingTest::schemeChangeReappliesAdaptiveBrightness()
     p.window->GetPowerSchemeName();
     QCOMPARE(p.commands().size(), 2);
 
-    p.clearRecords();
-    p.ui().Check_Adaptive->setChecked(true);
-    p.fake.commands->outputs[query] = QStringLiteral("GUID: gaming");
-    p.window->GetPowerSchemeName();
     const QString setting = QStringLiteral(" SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 "
                                            "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ");
-    QCOMPARE(p.commands(),
-             (QStringList{"run: " + query, "shown 0: powercfg -setdcvalueindex" + setting + "0",
-                          "shown 0: powercfg -setacvalueindex" + setting + "0",
-                          "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
-    QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), true);
-
-    p.clearRecords();
-    p.ui().Check_Adaptive->setChecked(false);
-    p.fake.commands->outputs[query] = QStringLiteral("GUID: balanced");
-    p.window->GetPowerSchemeName();
-    QCOMPARE(p.commands().at(1), "shown 0: powercfg -setdcvalueindex" + setting + "1");
-    QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), false);
+    for (const char *value : {"0", "1"}) {
+        p.clearRecords();
+        p.ui().Check_Adaptive->setChecked(*value == '0');
+        p.fake.commands->outputs[query] = QStringLiteral("GUID: ") + (*value == '0' ? "x" : "y");
+        p.window->GetPowerSchemeName();
+        QCOMPARE(p.commands(), (QStringList{"run: " + query,
+                                            "shown 0: powercfg -setdcvalueindex" + setting + value,
+                                            "shown 0: powercfg -setacvalueindex" + setting + value,
+                                            "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+        QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), *value == '0');
+    }
 }
 
 QTEST_MAIN(PowerSwitchingTest)
