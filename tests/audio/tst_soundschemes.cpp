@@ -1,7 +1,4 @@
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
+#include "testwindow.h"
 
 #include <QtTest>
 
@@ -65,56 +62,31 @@ class TestSoundSchemes : public QObject {
     Q_OBJECT
 
 private slots:
+    // No sounds, then back to the stock scheme: the table in order; the log-on sound stays silent.
     void choosingWritesTheTableInOrder()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), ".Default");
-        MainWindow w(fake.bundle());
-        QComboBox *combo = w.form()->comboBox_SoundCheme;
-
-        fake.log->clear();
+        TestWindow p;
+        p.fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), ".Default");
+        for (const auto &row : eventTable())
+            p.fake.registry->values.insert(eventKey(row.first) + "|Default", "custom.wav");
+        p.start();
+        QComboBox *combo = p.ui().comboBox_SoundCheme;
         combo->setCurrentIndex(1);
         QStringList silent{setEntry(kSchemes, ".None")};
         for (const auto &row : eventTable())
             silent << setEntry(eventKey(row.first), QString());
-        QCOMPARE(silent.size(), 23);
-        QCOMPARE(fake.log->entries, silent);
+        QCOMPARE(p.fake.log->entries, silent);
 
-        fake.log->clear();
+        p.fake.log->clear();
         combo->setCurrentIndex(0);
         QStringList stock{setEntry(kSchemes, ".Default")};
         for (const auto &row : eventTable()) {
             if (!row.second.isEmpty())
                 stock << setEntry(eventKey(row.first), row.second);
+            QCOMPARE(eventValue(p.fake, row.first).toString(), row.second);
         }
         QCOMPARE(stock.size(), 22);
-        QCOMPARE(fake.log->entries, stock);
-    }
-
-    void eachEventEndsWithItsSound_data()
-    {
-        QTest::addColumn<QString>("event");
-        QTest::addColumn<QString>("sound");
-        for (const auto &row : eventTable())
-            QTest::newRow(qPrintable(row.first)) << row.first << row.second;
-    }
-
-    // No sounds, then back to the stock scheme: the log-on sound stays silent.
-    void eachEventEndsWithItsSound()
-    {
-        QFETCH(QString, event);
-        QFETCH(QString, sound);
-        TestFolder folder;
-        FakePlatform fake;
-        fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), ".Default");
-        fake.registry->values.insert(eventKey(event) + QStringLiteral("|Default"), "custom.wav");
-        MainWindow w(fake.bundle());
-        QComboBox *combo = w.form()->comboBox_SoundCheme;
-        combo->setCurrentIndex(1);
-        QCOMPARE(eventValue(fake, event), QVariant(QString()));
-        combo->setCurrentIndex(0);
-        QCOMPARE(eventValue(fake, event).toString(), sound);
+        QCOMPARE(p.fake.log->entries, stock);
     }
 
     void refreshFollowsTheMarker_data()
@@ -128,47 +100,24 @@ private slots:
         QTest::newRow("case differs") << QVariant(".none") << 0;
     }
 
+    // A refresh that lands on "no sounds" silences every event; an unchanged index writes nothing.
     void refreshFollowsTheMarker()
     {
         QFETCH(QVariant, marker);
-        QFETCH(int, index);
-        TestFolder folder;
-        FakePlatform fake;
+        TestWindow p;
+        for (const auto &row : eventTable())
+            p.fake.registry->values.insert(eventKey(row.first) + "|Default", "ding.wav");
         if (marker.isValid())
-            fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), marker);
-        MainWindow w(fake.bundle());
-        w.GetSoundScheme();
-        QCOMPARE(w.form()->comboBox_SoundCheme->currentIndex(), index);
-    }
-
-    void refreshFromMissingMarkerSilencesEveryEvent()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        for (const auto &row : eventTable())
-            fake.registry->values.insert(eventKey(row.first) + QStringLiteral("|Default"),
-                                         "ding.wav");
-        MainWindow w(fake.bundle());
-        fake.log->clear();
-        w.timerDone();
-        QCOMPARE(w.form()->comboBox_SoundCheme->currentIndex(), 1);
-        QCOMPARE(fake.registry->values.value(kSchemes + QStringLiteral("|Default")).toString(),
-                 QStringLiteral(".None"));
-        for (const auto &row : eventTable())
-            QCOMPARE(eventValue(fake, row.first).toString(), QString());
-    }
-
-    void unchangedIndexWritesNothing()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), "Jungle");
-        MainWindow w(fake.bundle());
-        fake.log->clear();
-        w.GetSoundScheme();
-        w.GetSoundScheme();
-        QCOMPARE(fake.log->withPrefix(QStringLiteral("registry set: HKEY_CURRENT_USER\\AppEvents")),
-                 QStringList());
+            p.fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), marker);
+        p.start();
+        p.window->timerDone();
+        QFETCH(int, index);
+        QCOMPARE(p.ui().comboBox_SoundCheme->currentIndex(), index);
+        QCOMPARE(eventValue(p.fake, "MailBeep").toString(), index ? QString() : "ding.wav");
+        p.fake.log->clear();
+        p.window->GetSoundScheme();
+        p.window->GetSoundScheme();
+        QCOMPARE(p.fake.log->withPrefix(QStringLiteral("registry set")), QStringList());
     }
 };
 
