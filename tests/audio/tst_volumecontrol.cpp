@@ -19,217 +19,209 @@ class TestVolumeControl : public QObject {
     Q_OBJECT
 
 private slots:
-    void refreshShowsTheDevice_data();
-    void refreshShowsTheDevice();
-    void sliderAndMuteWriteToTheDevice();
-    void disabledSyncLeavesEveryVolumeWidgetAlone();
-    void headphoneVolumeAppliedWhenHeadphonesAppear();
-    void noDeviceDisablesTheVolumeControls();
-    void startVolumeAppliedAtStart_data();
-    void startVolumeAppliedAtStart();
-    void storedVolumesFollowTheirControls();
-};
+    void refreshShowsTheDevice_data()
+    {
+        QTest::addColumn<bool>("hasDevice");
+        QTest::addColumn<float>("level");
+        QTest::addColumn<bool>("muted");
+        QTest::addColumn<int>("slider");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<bool>("boxChecked");
+        QTest::addColumn<bool>("sliderEnabled");
+        // The mute box starts checked, so that a refresh without a device visibly leaves it alone.
+        QTest::newRow("audible") << true << 0.37f << false << 37 << "Volume: 37%" << false << true;
+        QTest::newRow("rounded half up")
+            << true << 0.505f << false << 51 << "Volume: 51%" << false << true;
+        QTest::newRow("muted") << true << 0.8f << true << 80 << "Volume: muted" << true << false;
+        QTest::newRow("no device") << false << 0.8f << false << 0 << "Volume: 0%" << true << true;
+    }
 
-void TestVolumeControl::refreshShowsTheDevice_data()
-{
-    QTest::addColumn<bool>("hasDevice");
-    QTest::addColumn<float>("level");
-    QTest::addColumn<bool>("muted");
-    QTest::addColumn<int>("slider");
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<bool>("boxChecked");
-    QTest::addColumn<bool>("sliderEnabled");
-    // The mute box starts checked, so that a refresh without a device visibly leaves it alone.
-    QTest::newRow("audible") << true << 0.37f << false << 37 << "Volume: 37%" << false << true;
-    QTest::newRow("rounded half up")
-        << true << 0.505f << false << 51 << "Volume: 51%" << false << true;
-    QTest::newRow("muted") << true << 0.8f << true << 80 << "Volume: muted" << true << false;
-    QTest::newRow("no device") << false << 0.8f << false << 0 << "Volume: 0%" << true << true;
-}
-
-void TestVolumeControl::refreshShowsTheDevice()
-{
-    QFETCH(bool, hasDevice);
-    QFETCH(float, level);
-    QFETCH(bool, muted);
-    TestWindow p;
-    p.fake.audio->hasDevice = false;
-    p.start();
-    Ui::MainWindow &ui = p.ui();
-    ui.CheckBox_MuteVolume->setChecked(true);
-    ui.Label_Volume->setText(QStringLiteral("Volume: 0%"));
-    p.fake.audio->hasDevice = hasDevice;
-    p.fake.audio->level = level;
-    p.fake.audio->muted = muted;
-    p.fake.log->clear();
-    p.window->GetSysVolume();
-    QTEST(ui.Slider_Volume->value(), "slider");
-    QTEST(ui.Label_Volume->text(), "label");
-    QTEST(ui.CheckBox_MuteVolume->isChecked(), "boxChecked");
-    QTEST(ui.Slider_Volume->isEnabled(), "sliderEnabled");
-    // Reading moves the slider without writing the level back.
-    QCOMPARE(p.fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
-}
-
-void TestVolumeControl::sliderAndMuteWriteToTheDevice()
-{
-    TestWindow p;
-    p.start();
-    Ui::MainWindow &ui = p.ui();
-    ui.Slider_Volume->setValue(64);
-    QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-    QCOMPARE(p.fake.audio->level, 0.64f);
-
-    ui.CheckBox_MuteVolume->click();
-    QVERIFY(!ui.Slider_Volume->isEnabled());
-    QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
-    QVERIFY(p.fake.audio->muted);
-    p.fake.audio->level = 0.9f; // changed elsewhere meanwhile
-    ui.CheckBox_MuteVolume->click();
-    QVERIFY(ui.Slider_Volume->isEnabled());
-    QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-    QVERIFY(!p.fake.audio->muted);
-    QCOMPARE(p.fake.log->entries, QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
-
-    // Without a device, neither reaches it.
-    TestWindow none;
-    none.fake.audio->hasDevice = false;
-    none.start();
-    none.ui().Slider_Volume->setValue(70);
-    none.ui().CheckBox_MuteVolume->click();
-    QCOMPARE(none.fake.audio->level, 0.5f);
-    QVERIFY(!none.fake.audio->muted);
-}
-
-void TestVolumeControl::disabledSyncLeavesEveryVolumeWidgetAlone()
-{
-    TestWindow p;
-    p.setGeneral(keys::disableAudioSync, true);
-    p.setGeneral(keys::volumeHeadphones, 1);
-    p.setGeneral(keys::sliderVolumeHeadphones, 20);
-    p.start();
-    Ui::MainWindow &ui = p.ui();
-    QVERIFY(ui.Check_DisableAudio->isChecked());
-    const int slider = ui.Slider_Volume->value();
-    const QString label = ui.Label_Volume->text();
-    const QString device = ui.Label_audio_out->text();
-    p.fake.audio->level = 0.11f;
-    p.fake.audio->muted = true;
-    p.fake.audio->deviceName = kHeadphones;
-    p.window->timerDone();
-    p.window->GetSysVolume();
-    QCOMPARE(p.fake.log->withPrefix(QStringLiteral("audio")), QStringList());
-    QCOMPARE(ui.Slider_Volume->value(), slider);
-    QCOMPARE(ui.Label_Volume->text(), label);
-    QCOMPARE(ui.Label_audio_out->text(), device);
-    QVERIFY(!ui.CheckBox_MuteVolume->isChecked());
-}
-
-void TestVolumeControl::headphoneVolumeAppliedWhenHeadphonesAppear()
-{
-    TestWindow p;
-    p.setGeneral(keys::volumeHeadphones, 1);
-    p.setGeneral(keys::sliderVolumeHeadphones, 30);
-    p.fake.audio->level = 0.6f;
-    p.start();
-    Ui::MainWindow &ui = p.ui();
-    QCOMPARE(ui.Label_audio_out->text(), QStringLiteral("Speakers"));
-    QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
-    p.fake.audio->deviceName = kHeadphones;
-    p.window->timerDone();
-    QCOMPARE(ui.Label_audio_out->text(), kHeadphones);
-    QCOMPARE(ui.Slider_Volume->value(), 30);
-    QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 30%"));
-    QCOMPARE(audioWrites(p.fake.log), QStringList({"audio 2 0.3 0"}));
-
-    // While they stay plugged in, the user's own level is kept.
-    ui.Slider_Volume->setValue(45);
-    p.fake.log->clear();
-    p.window->timerDone();
-    QCOMPARE(audioWrites(p.fake.log), QStringList());
-    QCOMPARE(ui.Slider_Volume->value(), 45);
-    // Out and in again applies it again; unchecked, never.
-    for (bool checked : {true, false}) {
-        if (!checked)
-            ui.Check_ApplyVolumeHeadphones->click();
-        p.fake.audio->deviceName = QStringLiteral("Speakers");
-        p.window->timerDone();
+    void refreshShowsTheDevice()
+    {
+        QFETCH(bool, hasDevice);
+        QFETCH(float, level);
+        QFETCH(bool, muted);
+        TestWindow p;
+        p.fake.audio->hasDevice = false;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        ui.CheckBox_MuteVolume->setChecked(true);
+        ui.Label_Volume->setText(QStringLiteral("Volume: 0%"));
+        p.fake.audio->hasDevice = hasDevice;
+        p.fake.audio->level = level;
+        p.fake.audio->muted = muted;
         p.fake.log->clear();
+        p.window->GetSysVolume();
+        QTEST(ui.Slider_Volume->value(), "slider");
+        QTEST(ui.Label_Volume->text(), "label");
+        QTEST(ui.CheckBox_MuteVolume->isChecked(), "boxChecked");
+        QTEST(ui.Slider_Volume->isEnabled(), "sliderEnabled");
+        // Reading moves the slider without writing the level back.
+        QCOMPARE(p.fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
+    }
+
+    void sliderAndMuteWriteToTheDevice()
+    {
+        TestWindow p;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        ui.Slider_Volume->setValue(64);
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        QCOMPARE(p.fake.audio->level, 0.64f);
+
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(!ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
+        QVERIFY(p.fake.audio->muted);
+        p.fake.audio->level = 0.9f; // changed elsewhere meanwhile
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        QVERIFY(!p.fake.audio->muted);
+        QCOMPARE(p.fake.log->entries,
+                 QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
+
+        // Without a device, neither reaches it.
+        TestWindow none;
+        none.fake.audio->hasDevice = false;
+        none.start();
+        none.ui().Slider_Volume->setValue(70);
+        none.ui().CheckBox_MuteVolume->click();
+        QCOMPARE(none.fake.audio->level, 0.5f);
+        QVERIFY(!none.fake.audio->muted);
+    }
+
+    void disabledSyncLeavesEveryVolumeWidgetAlone()
+    {
+        TestWindow p;
+        p.setGeneral(keys::disableAudioSync, true);
+        p.setGeneral(keys::volumeHeadphones, 1);
+        p.setGeneral(keys::sliderVolumeHeadphones, 20);
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.Check_DisableAudio->isChecked());
+        const int slider = ui.Slider_Volume->value();
+        const QString label = ui.Label_Volume->text();
+        const QString device = ui.Label_audio_out->text();
+        p.fake.audio->level = 0.11f;
+        p.fake.audio->muted = true;
         p.fake.audio->deviceName = kHeadphones;
         p.window->timerDone();
-        QCOMPARE(audioWrites(p.fake.log), checked ? QStringList({"audio 2 0.3 0"}) : QStringList());
+        p.window->GetSysVolume();
+        QCOMPARE(p.fake.log->withPrefix(QStringLiteral("audio")), QStringList());
+        QCOMPARE(ui.Slider_Volume->value(), slider);
+        QCOMPARE(ui.Label_Volume->text(), label);
+        QCOMPARE(ui.Label_audio_out->text(), device);
+        QVERIFY(!ui.CheckBox_MuteVolume->isChecked());
     }
-}
 
-void TestVolumeControl::noDeviceDisablesTheVolumeControls()
-{
-    TestWindow p;
-    p.start();
-    Ui::MainWindow &ui = p.ui();
-    for (bool has : {false, true}) {
-        p.fake.audio->hasDevice = has;
-        p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
+    void headphoneVolumeAppliedWhenHeadphonesAppear()
+    {
+        TestWindow p;
+        p.setGeneral(keys::volumeHeadphones, 1);
+        p.setGeneral(keys::sliderVolumeHeadphones, 30);
+        p.fake.audio->level = 0.6f;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        QCOMPARE(ui.Label_audio_out->text(), QStringLiteral("Speakers"));
+        QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
+        p.fake.audio->deviceName = kHeadphones;
         p.window->timerDone();
-        QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
-        QCOMPARE(ui.Slider_Volume->isEnabled(), has);
-        QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
+        QCOMPARE(ui.Label_audio_out->text(), kHeadphones);
+        QCOMPARE(ui.Slider_Volume->value(), 30);
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 30%"));
+        QCOMPARE(audioWrites(p.fake.log), QStringList({"audio 2 0.3 0"}));
+
+        // While they stay plugged in, the user's own level is kept.
+        ui.Slider_Volume->setValue(45);
+        p.fake.log->clear();
+        p.window->timerDone();
+        QCOMPARE(audioWrites(p.fake.log), QStringList());
+        QCOMPARE(ui.Slider_Volume->value(), 45);
+        // Out and in again applies it again; unchecked, never.
+        for (bool checked : {true, false}) {
+            if (!checked)
+                ui.Check_ApplyVolumeHeadphones->click();
+            p.fake.audio->deviceName = QStringLiteral("Speakers");
+            p.window->timerDone();
+            p.fake.log->clear();
+            p.fake.audio->deviceName = kHeadphones;
+            p.window->timerDone();
+            QCOMPARE(audioWrites(p.fake.log),
+                     checked ? QStringList({"audio 2 0.3 0"}) : QStringList());
+        }
     }
-    p.fake.log->clear();
-    ui.Button_SoundSettings->click();
-    QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
-}
 
-void TestVolumeControl::startVolumeAppliedAtStart_data()
-{
-    QTest::addColumn<int>("check");
-    QTest::addColumn<QStringList>("writes");
-    QTest::newRow("checked") << 1 << QStringList{"audio 2 0.25 0"};
-    QTest::newRow("unchecked") << 0 << QStringList();
-}
+    void noDeviceDisablesTheVolumeControls()
+    {
+        TestWindow p;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        for (bool has : {false, true}) {
+            p.fake.audio->hasDevice = has;
+            p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
+            p.window->timerDone();
+            QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
+            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
+            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
+        }
+        p.fake.log->clear();
+        ui.Button_SoundSettings->click();
+        QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
+    }
 
-void TestVolumeControl::startVolumeAppliedAtStart()
-{
-    QFETCH(int, check);
-    TestWindow p;
-    p.setGeneral(keys::volumeStartCheck, check);
-    p.setGeneral(keys::startVolumeValue, 25);
-    p.setGeneral(keys::sliderVolumeHeadphones, 35);
-    p.window = std::make_unique<MainWindow>(p.fake.bundle());
-    Ui::MainWindow &ui = p.ui();
-    QTEST(audioWrites(p.fake.log), "writes");
-    QCOMPARE(ui.Check_ApplyVolumeStart->isChecked(), check == 1);
-    QCOMPARE(ui.Slider_StartVolume->isEnabled(), check == 1);
-    QCOMPARE((QList<int>{ui.Slider_StartVolume->value(), ui.Slider_HeadphoneVolume->value()}),
-             (QList<int>{25, 35}));
-    QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("25%"));
-    QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("35%"));
-    QVERIFY(!ui.Slider_HeadphoneVolume->isEnabled());
-}
+    void startVolumeAppliedAtStart_data()
+    {
+        QTest::addColumn<int>("check");
+        QTest::addColumn<QStringList>("writes");
+        QTest::newRow("checked") << 1 << QStringList{"audio 2 0.25 0"};
+        QTest::newRow("unchecked") << 0 << QStringList();
+    }
 
-void TestVolumeControl::storedVolumesFollowTheirControls()
-{
-    TestWindow p;
-    p.start();
-    Ui::MainWindow &ui = p.ui();
-    ui.Check_ApplyVolumeStart->click();
-    QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), 1);
-    QVERIFY(ui.Slider_StartVolume->isEnabled());
-    ui.Slider_StartVolume->setValue(42);
-    QCOMPARE(p.generalValue(keys::startVolumeValue).toInt(), 42);
-    QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("42%"));
-    ui.Check_ApplyVolumeStart->click();
-    QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), 0);
-    QVERIFY(!ui.Slider_StartVolume->isEnabled());
+    void startVolumeAppliedAtStart()
+    {
+        QFETCH(int, check);
+        TestWindow p;
+        p.setGeneral(keys::volumeStartCheck, check);
+        p.setGeneral(keys::startVolumeValue, 25);
+        p.setGeneral(keys::sliderVolumeHeadphones, 35);
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        Ui::MainWindow &ui = p.ui();
+        QTEST(audioWrites(p.fake.log), "writes");
+        QCOMPARE(ui.Check_ApplyVolumeStart->isChecked(), check == 1);
+        QCOMPARE(ui.Slider_StartVolume->isEnabled(), check == 1);
+        QCOMPARE((QList<int>{ui.Slider_StartVolume->value(), ui.Slider_HeadphoneVolume->value()}),
+                 (QList<int>{25, 35}));
+        QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("25%"));
+        QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("35%"));
+        QVERIFY(!ui.Slider_HeadphoneVolume->isEnabled());
+    }
 
-    ui.Check_ApplyVolumeHeadphones->click();
-    QCOMPARE(p.generalValue(keys::volumeHeadphones).toInt(), 1);
-    QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
-    ui.Slider_HeadphoneVolume->setValue(17);
-    QCOMPARE(p.generalValue(keys::sliderVolumeHeadphones).toInt(), 17);
-    QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("17%"));
-    // Neither stored volume touches the device by itself.
-    QCOMPARE(audioWrites(p.fake.log), QStringList());
-}
+    void storedVolumesFollowTheirControls()
+    {
+        TestWindow p;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        ui.Check_ApplyVolumeStart->click();
+        QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), 1);
+        QVERIFY(ui.Slider_StartVolume->isEnabled());
+        ui.Slider_StartVolume->setValue(42);
+        QCOMPARE(p.generalValue(keys::startVolumeValue).toInt(), 42);
+        QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("42%"));
+        ui.Check_ApplyVolumeStart->click();
+        QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), 0);
+        QVERIFY(!ui.Slider_StartVolume->isEnabled());
+
+        ui.Check_ApplyVolumeHeadphones->click();
+        QCOMPARE(p.generalValue(keys::volumeHeadphones).toInt(), 1);
+        QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
+        ui.Slider_HeadphoneVolume->setValue(17);
+        QCOMPARE(p.generalValue(keys::sliderVolumeHeadphones).toInt(), 17);
+        QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("17%"));
+        // Neither stored volume touches the device by itself.
+        QCOMPARE(audioWrites(p.fake.log), QStringList());
+    }
+};
 
 QTEST_MAIN(TestVolumeControl)
 #include "tst_volumecontrol.moc"

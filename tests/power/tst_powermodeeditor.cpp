@@ -7,25 +7,6 @@
 #include <QMenu>
 #include <QtTest>
 
-class PowerModeEditorTest : public QObject {
-    Q_OBJECT
-
-private slots:
-    void userKeyWinsAndRemovedKeyShowsDefault();
-    void keysMissingEverywhereShowTheMinimums();
-    void loadShowsTheProfileWithLabels();
-    void loadWritesNothingBackButTheKeyboardLevel();
-    void minimumAndMaximumPushEachOther_data();
-    void minimumAndMaximumPushEachOther();
-    void editsScheduleTheirApply_data();
-    void editsScheduleTheirApply();
-    void scheduledCallsFireInOrder();
-    void clickHandlersSaveAndSwitchControls();
-    void noModeCheckedUsesTheDigitZero();
-    void switchingTheFeatureMovesTrayEntries();
-    void resetAppliesDefaultsAndTellsOnce();
-};
-
 namespace {
 QStringList menuTexts(QMenu *menu)
 {
@@ -47,321 +28,328 @@ const QStringList kTrayEnd = {"-", "Show Window Center", "Exit"};
 const QStringList kTrayModes = {"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode"};
 } // namespace
 
-void PowerModeEditorTest::userKeyWinsAndRemovedKeyShowsDefault()
-{
-    TestWindow p;
-    QCOMPARE(p.defaultValue("cpu_min_slider_normal").toInt(), 5);
-    p.setUser("cpu_min_slider_normal", 33);
-    p.setUser("LidClose_Combo_normal", 2);
-    p.startWithPowerModes();
-    QCOMPARE(p.ui().silent_cpu_min->value(), 33);
-    QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
-    QCOMPARE(p.ui().silent_cpu_max->value(), p.defaultValue("cpu_max_slider_normal").toInt());
+class PowerModeEditorTest : public QObject {
+    Q_OBJECT
 
-    QSettings(p.folder.file(TestWindow::user), QSettings::IniFormat)
-        .remove(QStringLiteral("settings/cpu_min_slider_normal"));
-    p.window->loadPowerModeValues();
-    QCOMPARE(p.ui().silent_cpu_min->value(), 5);
-    QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
-}
+private slots:
+    void userKeyWinsAndRemovedKeyShowsDefault()
+    {
+        TestWindow p;
+        QCOMPARE(p.defaultValue("cpu_min_slider_normal").toInt(), 5);
+        p.setUser("cpu_min_slider_normal", 33);
+        p.setUser("LidClose_Combo_normal", 2);
+        p.startWithPowerModes();
+        QCOMPARE(p.ui().silent_cpu_min->value(), 33);
+        QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+        QCOMPARE(p.ui().silent_cpu_max->value(), p.defaultValue("cpu_max_slider_normal").toInt());
 
-void PowerModeEditorTest::keysMissingEverywhereShowTheMinimums()
-{
-    TestWindow p;
-    QFile::remove(p.folder.file(TestWindow::defaults));
-    p.setUser("comboBox_5_maximum", 6); // another mode's key changes nothing here
-    p.startWithPowerModes(QStringLiteral("silent"));
-    Ui::MainWindow &ui = p.ui();
-    QVERIFY(ui.silent_mode->isChecked());
-    QCOMPARE((QList<int>{ui.silent_cpu_min->value(), ui.silent_cpu_max->value(),
-                         ui.power_mode_turbo_boost->value(), ui.PowerModeBrightSlider->value(),
-                         ui.comboBox_5->currentIndex(), ui.TurnOffScreen_combo->currentIndex()}),
-             (QList<int>{0, 50, 8, 0, 0, 0}));
-    QVERIFY(!ui.turbo_override->isChecked());
-    QVERIFY(!ui.ignore_lcd_bright->isChecked());
-    QVERIFY(!ui.checkBox->isChecked());
-    // The label shows the number read, not the clamped slider.
-    QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 0%"));
-}
+        QSettings(p.folder.file(TestWindow::user), QSettings::IniFormat)
+            .remove(QStringLiteral("settings/cpu_min_slider_normal"));
+        p.window->loadPowerModeValues();
+        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+        QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+    }
 
-void PowerModeEditorTest::loadShowsTheProfileWithLabels()
-{
-    TestWindow p;
-    for (const char *key :
-         {"turbo_override_maximum", "ignore_lcd_bright_maximum", "checkBox_maximum"})
-        p.setUser(key, true);
-    p.startWithPowerModes(QStringLiteral("maximum"));
-    Ui::MainWindow &ui = p.ui();
-    QVERIFY(ui.maximum_mode->isChecked());
-    QCOMPARE(ui.silent_cpu_min->value(), 10);
-    QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
-    QCOMPARE(ui.comboBox_5->currentIndex(), 6);
-    QCOMPARE((QStringList{ui.Cpu_Minimum_Label->text(), ui.Cpu_Maximum_Label->text(),
-                          ui.PowerModeBrightSlider_Label->text(), ui.label_26->text()}),
-             (QStringList{"CPU minimum: 10%", "CPU maximum: 100%", "Initial LCD Brightness: 100%",
-                          "Keyboard Brightness: 100%"}));
-    QCOMPARE(ui.turbo_override->text(),
-             QStringLiteral("Turbo Power Override: ") + ui.Label_TurboPowerValue->text());
-    // Turbo override on: the mode's slider replaces the tuning tab's.
-    QVERIFY(ui.power_mode_turbo_boost->isEnabled());
-    QVERIFY(!ui.Slider_TurboBoost->isEnabled());
-    QCOMPARE(ui.Slider_TurboBoost->toolTip(),
-             QStringLiteral(" Currently being replaced by Power Mode Override value. "));
-    QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
-    QVERIFY(!ui.horizontalSlider_2->isEnabled());
-    checkEditorEnabled(ui, true);
-    // The keyboard is ignored, so its code stays unset.
-    QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",none"));
-    QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
+    void keysMissingEverywhereShowTheMinimums()
+    {
+        TestWindow p;
+        QFile::remove(p.folder.file(TestWindow::defaults));
+        p.setUser("comboBox_5_maximum", 6); // another mode's key changes nothing here
+        p.startWithPowerModes(QStringLiteral("silent"));
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.silent_mode->isChecked());
+        QCOMPARE(
+            (QList<int>{ui.silent_cpu_min->value(), ui.silent_cpu_max->value(),
+                        ui.power_mode_turbo_boost->value(), ui.PowerModeBrightSlider->value(),
+                        ui.comboBox_5->currentIndex(), ui.TurnOffScreen_combo->currentIndex()}),
+            (QList<int>{0, 50, 8, 0, 0, 0}));
+        QVERIFY(!ui.turbo_override->isChecked());
+        QVERIFY(!ui.ignore_lcd_bright->isChecked());
+        QVERIFY(!ui.checkBox->isChecked());
+        // The label shows the number read, not the clamped slider.
+        QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 0%"));
+    }
 
-    // A stored mode that names none of the four leaves the radio buttons alone.
-    p.setGeneral("powermode", "Silent");
-    p.window->loadPowerModeValues();
-    QVERIFY(ui.maximum_mode->isChecked());
-}
+    void loadShowsTheProfileWithLabels()
+    {
+        TestWindow p;
+        for (const char *key :
+             {"turbo_override_maximum", "ignore_lcd_bright_maximum", "checkBox_maximum"})
+            p.setUser(key, true);
+        p.startWithPowerModes(QStringLiteral("maximum"));
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.maximum_mode->isChecked());
+        QCOMPARE(ui.silent_cpu_min->value(), 10);
+        QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
+        QCOMPARE(ui.comboBox_5->currentIndex(), 6);
+        QCOMPARE((QStringList{ui.Cpu_Minimum_Label->text(), ui.Cpu_Maximum_Label->text(),
+                              ui.PowerModeBrightSlider_Label->text(), ui.label_26->text()}),
+                 (QStringList{"CPU minimum: 10%", "CPU maximum: 100%",
+                              "Initial LCD Brightness: 100%", "Keyboard Brightness: 100%"}));
+        QCOMPARE(ui.turbo_override->text(),
+                 QStringLiteral("Turbo Power Override: ") + ui.Label_TurboPowerValue->text());
+        // Turbo override on: the mode's slider replaces the tuning tab's.
+        QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+        QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+        QCOMPARE(ui.Slider_TurboBoost->toolTip(),
+                 QStringLiteral(" Currently being replaced by Power Mode Override value. "));
+        QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+        QVERIFY(!ui.horizontalSlider_2->isEnabled());
+        checkEditorEnabled(ui, true);
+        // The keyboard is ignored, so its code stays unset.
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",none"));
+        QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
 
-void PowerModeEditorTest::loadWritesNothingBackButTheKeyboardLevel()
-{
-    TestWindow p;
-    p.startWithPowerModes(QStringLiteral("battery"));
-    // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
-    QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
-    QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
+        // A stored mode that names none of the four leaves the radio buttons alone.
+        p.setGeneral("powermode", "Silent");
+        p.window->loadPowerModeValues();
+        QVERIFY(ui.maximum_mode->isChecked());
+    }
 
-    p.window->on_silent_mode_clicked();
-    QCOMPARE(p.userKeys(),
-             (QStringList{"horizontalSlider_2_battery", "horizontalSlider_2_silent"}));
-    // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
-    QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
-}
+    void loadWritesNothingBackButTheKeyboardLevel()
+    {
+        TestWindow p;
+        p.startWithPowerModes(QStringLiteral("battery"));
+        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
+        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
 
-void PowerModeEditorTest::minimumAndMaximumPushEachOther_data()
-{
-    QTest::addColumn<int>("minBefore");
-    QTest::addColumn<int>("maxBefore");
-    QTest::addColumn<QString>("moved");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<int>("min");
-    QTest::addColumn<int>("max");
-    QTest::addColumn<QStringList>("scheduled");
-    const QString applyMin = "4000 ApplyCpuMin", applyMax = "4000 ApplyCpuMax";
-    // The pushed slider's handler runs inside the first one.
-    QTest::newRow("raised minimum pushes the maximum")
-        << 5 << 80 << "silent_cpu_min" << 90 << 90 << 91 << QStringList{applyMax, applyMin};
-    QTest::newRow("equal values are allowed")
-        << 5 << 91 << "silent_cpu_min" << 91 << 91 << 91 << QStringList{applyMin};
-    QTest::newRow("lowered maximum pulls the minimum")
-        << 70 << 100 << "silent_cpu_max" << 60 << 59 << 60 << QStringList{applyMin, applyMax};
-    QTest::newRow("maximum stops at its range")
-        << 90 << 100 << "silent_cpu_max" << 10 << 49 << 50 << QStringList{applyMin, applyMax};
-}
+        p.window->on_silent_mode_clicked();
+        QCOMPARE(p.userKeys(),
+                 (QStringList{"horizontalSlider_2_battery", "horizontalSlider_2_silent"}));
+        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
+        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
+    }
 
-void PowerModeEditorTest::minimumAndMaximumPushEachOther()
-{
-    QFETCH(QString, moved);
-    QFETCH(int, value);
-    QFETCH(int, min);
-    QFETCH(int, max);
-    TestWindow p;
-    QFETCH(int, minBefore);
-    QFETCH(int, maxBefore);
-    p.setUser("cpu_min_slider_normal", minBefore);
-    p.setUser("cpu_max_slider_normal", maxBefore);
-    p.startWithPowerModes();
-    p.window->findChild<QSlider *>(moved)->setValue(value);
-    QCOMPARE(p.ui().silent_cpu_min->value(), min);
-    QCOMPARE(p.ui().silent_cpu_max->value(), max);
-    QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), min);
-    QCOMPARE(p.userValue("cpu_max_slider_normal").toInt(), max);
-    QCOMPARE(p.ui().Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: %1%").arg(max));
-    QTEST(p.fake.scheduler->history, "scheduled");
-}
+    void minimumAndMaximumPushEachOther_data()
+    {
+        QTest::addColumn<int>("minBefore");
+        QTest::addColumn<int>("maxBefore");
+        QTest::addColumn<QString>("moved");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<int>("min");
+        QTest::addColumn<int>("max");
+        QTest::addColumn<QStringList>("scheduled");
+        const QString applyMin = "4000 ApplyCpuMin", applyMax = "4000 ApplyCpuMax";
+        // The pushed slider's handler runs inside the first one.
+        QTest::newRow("raised minimum pushes the maximum")
+            << 5 << 80 << "silent_cpu_min" << 90 << 90 << 91 << QStringList{applyMax, applyMin};
+        QTest::newRow("equal values are allowed")
+            << 5 << 91 << "silent_cpu_min" << 91 << 91 << 91 << QStringList{applyMin};
+        QTest::newRow("lowered maximum pulls the minimum")
+            << 70 << 100 << "silent_cpu_max" << 60 << 59 << 60 << QStringList{applyMin, applyMax};
+        QTest::newRow("maximum stops at its range")
+            << 90 << 100 << "silent_cpu_max" << 10 << 49 << 50 << QStringList{applyMin, applyMax};
+    }
 
-void PowerModeEditorTest::editsScheduleTheirApply_data()
-{
-    QTest::addColumn<QString>("control");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("scheduled");
-    auto row = [](const char *control, int value, const char *scheduled) {
-        QString key = QString(control) + "_normal";
-        key.replace("silent_cpu_min_", "cpu_min_slider_")
-            .replace("silent_cpu_max_", "cpu_max_slider_");
-        QTest::newRow(control) << QString(control) << value << key << QString(scheduled);
-    };
-    row("silent_cpu_min", 12, "4000 ApplyCpuMin");
-    row("silent_cpu_max", 70, "4000 ApplyCpuMax");
-    row("power_mode_turbo_boost", 400, "4000 ApplyPowerTurboBoost");
-    row("PowerModeBrightSlider", 33, "1000 ApplySchemeBright");
-    row("TurnOffScreen_combo", 8, "4000 turnoffScreenPowerMode");
-    row("Sleep_After_Combo", 0, "4000 ApplySleepAfterPowerMode");
-    row("LidClose_Combo", 2, "4000 ApplyLidClosePowerMode");
-    row("comboBox_5", 3, ""); // the fan and the keyboard take effect at once
-    row("horizontalSlider_2", 45, "");
-}
+    void minimumAndMaximumPushEachOther()
+    {
+        QFETCH(QString, moved);
+        QFETCH(int, value);
+        QFETCH(int, min);
+        QFETCH(int, max);
+        TestWindow p;
+        QFETCH(int, minBefore);
+        QFETCH(int, maxBefore);
+        p.setUser("cpu_min_slider_normal", minBefore);
+        p.setUser("cpu_max_slider_normal", maxBefore);
+        p.startWithPowerModes();
+        p.window->findChild<QSlider *>(moved)->setValue(value);
+        QCOMPARE(p.ui().silent_cpu_min->value(), min);
+        QCOMPARE(p.ui().silent_cpu_max->value(), max);
+        QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), min);
+        QCOMPARE(p.userValue("cpu_max_slider_normal").toInt(), max);
+        QCOMPARE(p.ui().Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: %1%").arg(max));
+        QTEST(p.fake.scheduler->history, "scheduled");
+    }
 
-void PowerModeEditorTest::editsScheduleTheirApply()
-{
-    QFETCH(QString, control);
-    QFETCH(int, value);
-    QFETCH(QString, key);
-    QFETCH(QString, scheduled);
-    TestWindow p;
-    p.startWithPowerModes();
-    QFile::remove(p.folder.file(TestWindow::user));
-    QWidget *widget = p.window->findChild<QWidget *>(control);
-    if (auto *slider = qobject_cast<QAbstractSlider *>(widget))
-        slider->setValue(value);
-    else
-        qobject_cast<QComboBox *>(widget)->setCurrentIndex(value);
-    QCOMPARE(p.userKeys(), QStringList{key});
-    QCOMPARE(p.userValue(key).toInt(), value);
-    QCOMPARE(p.fake.scheduler->history,
-             scheduled.isEmpty() ? QStringList() : QStringList{scheduled});
-    QVERIFY(p.commands().isEmpty()); // nothing runs before the delay
-}
+    void editsScheduleTheirApply_data()
+    {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("scheduled");
+        auto row = [](const char *control, int value, const char *scheduled) {
+            QString key = QString(control) + "_normal";
+            key.replace("silent_cpu_min_", "cpu_min_slider_")
+                .replace("silent_cpu_max_", "cpu_max_slider_");
+            QTest::newRow(control) << QString(control) << value << key << QString(scheduled);
+        };
+        row("silent_cpu_min", 12, "4000 ApplyCpuMin");
+        row("silent_cpu_max", 70, "4000 ApplyCpuMax");
+        row("power_mode_turbo_boost", 400, "4000 ApplyPowerTurboBoost");
+        row("PowerModeBrightSlider", 33, "1000 ApplySchemeBright");
+        row("TurnOffScreen_combo", 8, "4000 turnoffScreenPowerMode");
+        row("Sleep_After_Combo", 0, "4000 ApplySleepAfterPowerMode");
+        row("LidClose_Combo", 2, "4000 ApplyLidClosePowerMode");
+        row("comboBox_5", 3, ""); // the fan and the keyboard take effect at once
+        row("horizontalSlider_2", 45, "");
+    }
 
-void PowerModeEditorTest::scheduledCallsFireInOrder()
-{
-    TestWindow p;
-    p.startWithPowerModes();
-    Ui::MainWindow &ui = p.ui();
-    PowerModes *modes = p.window->powerModes();
-    ui.TurnOffScreen_combo->setCurrentIndex(1);
-    ui.PowerModeBrightSlider->setValue(41);
-    ui.PowerModeBrightSlider->setValue(42); // a drag queues one call per value
-    QCOMPARE(p.fake.scheduler->history,
-             (QStringList{"4000 turnoffScreenPowerMode", "1000 ApplySchemeBright",
-                          "1000 ApplySchemeBright"}));
-    // The panel follows the mode's brightness at once, as do the fan and keyboard codes.
-    QCOMPARE(ui.Slider_Brightness->value(), 42);
-    QVERIFY(p.fake.log->entries.contains("panel write 42"));
-    ui.comboBox_5->setCurrentIndex(0);
-    QCOMPARE(modes->fanProfileCode(), QStringLiteral("none"));
-    ui.comboBox_5->setCurrentIndex(6);
-    ui.horizontalSlider_2->setValue(7);
-    QCOMPARE(ui.label_26->text(), QStringLiteral("Keyboard Brightness: 7%"));
-    QCOMPARE(modes->statusRecord(), QStringLiteral("6,7"));
+    void editsScheduleTheirApply()
+    {
+        QFETCH(QString, control);
+        QFETCH(int, value);
+        QFETCH(QString, key);
+        QFETCH(QString, scheduled);
+        TestWindow p;
+        p.startWithPowerModes();
+        QFile::remove(p.folder.file(TestWindow::user));
+        QWidget *widget = p.window->findChild<QWidget *>(control);
+        if (auto *slider = qobject_cast<QAbstractSlider *>(widget))
+            slider->setValue(value);
+        else
+            qobject_cast<QComboBox *>(widget)->setCurrentIndex(value);
+        QCOMPARE(p.userKeys(), QStringList{key});
+        QCOMPARE(p.userValue(key).toInt(), value);
+        QCOMPARE(p.fake.scheduler->history,
+                 scheduled.isEmpty() ? QStringList() : QStringList{scheduled});
+        QVERIFY(p.commands().isEmpty()); // nothing runs before the delay
+    }
 
-    p.fake.log->clear();
-    p.fake.scheduler->advance(1000);
-    const QString schemeAc = "run: powercfg -setacvalueindex SCHEME_CURRENT "
-                             "7516b95f-f776-4464-8c53-06167f40cc99 "
-                             "aded5e82-b909-4619-9949-f5d71dac0bcb 42";
-    QCOMPARE(p.fake.log->entries.count(schemeAc), 2);
-    QVERIFY(p.fake.log->withPrefix("run: powercfg -change -monitor").isEmpty());
-    p.fake.scheduler->advance(3000);
-    QCOMPARE(p.fake.log->entries.mid(p.fake.log->entries.size() - 3),
-             (QStringList{"run: powercfg -change -monitor-timeout-ac 5",
-                          "run: powercfg -change -monitor-timeout-dc 5",
-                          "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
-}
+    void scheduledCallsFireInOrder()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        PowerModes *modes = p.window->powerModes();
+        ui.TurnOffScreen_combo->setCurrentIndex(1);
+        ui.PowerModeBrightSlider->setValue(41);
+        ui.PowerModeBrightSlider->setValue(42); // a drag queues one call per value
+        QCOMPARE(p.fake.scheduler->history,
+                 (QStringList{"4000 turnoffScreenPowerMode", "1000 ApplySchemeBright",
+                              "1000 ApplySchemeBright"}));
+        // The panel follows the mode's brightness at once, as do the fan and keyboard codes.
+        QCOMPARE(ui.Slider_Brightness->value(), 42);
+        QVERIFY(p.fake.log->entries.contains("panel write 42"));
+        ui.comboBox_5->setCurrentIndex(0);
+        QCOMPARE(modes->fanProfileCode(), QStringLiteral("none"));
+        ui.comboBox_5->setCurrentIndex(6);
+        ui.horizontalSlider_2->setValue(7);
+        QCOMPARE(ui.label_26->text(), QStringLiteral("Keyboard Brightness: 7%"));
+        QCOMPARE(modes->statusRecord(), QStringLiteral("6,7"));
 
-void PowerModeEditorTest::clickHandlersSaveAndSwitchControls()
-{
-    TestWindow p;
-    p.startWithPowerModes();
-    Ui::MainWindow &ui = p.ui();
-    PowerModes *modes = p.window->powerModes();
+        p.fake.log->clear();
+        p.fake.scheduler->advance(1000);
+        const QString schemeAc = "run: powercfg -setacvalueindex SCHEME_CURRENT "
+                                 "7516b95f-f776-4464-8c53-06167f40cc99 "
+                                 "aded5e82-b909-4619-9949-f5d71dac0bcb 42";
+        QCOMPARE(p.fake.log->entries.count(schemeAc), 2);
+        QVERIFY(p.fake.log->withPrefix("run: powercfg -change -monitor").isEmpty());
+        p.fake.scheduler->advance(3000);
+        QCOMPARE(p.fake.log->entries.mid(p.fake.log->entries.size() - 3),
+                 (QStringList{"run: powercfg -change -monitor-timeout-ac 5",
+                              "run: powercfg -change -monitor-timeout-dc 5",
+                              "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+    }
 
-    ui.turbo_override->setEnabled(true); // as "Manage CPU" does
-    ui.turbo_override->click();
-    QCOMPARE(p.userValue("turbo_override_normal").toBool(), true);
-    QVERIFY(ui.power_mode_turbo_boost->isEnabled());
-    QVERIFY(!ui.Slider_TurboBoost->isEnabled());
-    ui.turbo_override->click();
-    QCOMPARE(p.userValue("turbo_override_normal").toBool(), false);
-    QVERIFY(!ui.power_mode_turbo_boost->isEnabled());
-    QCOMPARE(ui.Slider_TurboBoost->toolTip(), QStringLiteral(" Adjust CPU Turbo Boost Power "));
-    QVERIFY(p.commands().isEmpty()); // nothing applied at once
+    void clickHandlersSaveAndSwitchControls()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        PowerModes *modes = p.window->powerModes();
 
-    ui.ignore_lcd_bright->click();
-    QCOMPARE(p.userValue("ignore_lcd_bright_normal").toBool(), true);
-    QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
-    ui.Slider_Brightness->setValue(10);
-    ui.ignore_lcd_bright->click();
-    QVERIFY(ui.PowerModeBrightSlider->isEnabled());
-    QCOMPARE(ui.Slider_Brightness->value(), ui.PowerModeBrightSlider->value());
+        ui.turbo_override->setEnabled(true); // as "Manage CPU" does
+        ui.turbo_override->click();
+        QCOMPARE(p.userValue("turbo_override_normal").toBool(), true);
+        QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+        QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+        ui.turbo_override->click();
+        QCOMPARE(p.userValue("turbo_override_normal").toBool(), false);
+        QVERIFY(!ui.power_mode_turbo_boost->isEnabled());
+        QCOMPARE(ui.Slider_TurboBoost->toolTip(), QStringLiteral(" Adjust CPU Turbo Boost Power "));
+        QVERIFY(p.commands().isEmpty()); // nothing applied at once
 
-    ui.checkBox->click();
-    QCOMPARE(p.userValue("checkBox_normal").toBool(), true);
-    QVERIFY(!ui.horizontalSlider_2->isEnabled());
-    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",none"));
-    ui.checkBox->click();
-    QVERIFY(ui.horizontalSlider_2->isEnabled());
-    QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
-}
+        ui.ignore_lcd_bright->click();
+        QCOMPARE(p.userValue("ignore_lcd_bright_normal").toBool(), true);
+        QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+        ui.Slider_Brightness->setValue(10);
+        ui.ignore_lcd_bright->click();
+        QVERIFY(ui.PowerModeBrightSlider->isEnabled());
+        QCOMPARE(ui.Slider_Brightness->value(), ui.PowerModeBrightSlider->value());
 
-void PowerModeEditorTest::noModeCheckedUsesTheDigitZero()
-{
-    TestWindow p;
-    p.startWithPowerModes();
-    Ui::MainWindow &ui = p.ui();
-    for (QRadioButton *radio : {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
-        radio->setAutoExclusive(false);
-    ui.normal_mode->setChecked(false);
-    QCOMPARE(p.window->powerModes()->currentPowerModeName(), QStringLiteral("0"));
-    ui.LidClose_Combo->setCurrentIndex(0);
-    QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
-}
+        ui.checkBox->click();
+        QCOMPARE(p.userValue("checkBox_normal").toBool(), true);
+        QVERIFY(!ui.horizontalSlider_2->isEnabled());
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",none"));
+        ui.checkBox->click();
+        QVERIFY(ui.horizontalSlider_2->isEnabled());
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+    }
 
-void PowerModeEditorTest::switchingTheFeatureMovesTrayEntries()
-{
-    TestWindow off;
-    off.start();
-    QVERIFY(!off.ui().checkBox_2->isChecked());
-    checkEditorEnabled(off.ui(), false);
-    QCOMPARE(menuTexts(off.window->trayMenu()), kTrayEnd);
-    QVERIFY(!QFile::exists(off.folder.file(TestWindow::user)));
-    off.window->loadPowerModeValues(); // with the feature off, only switches the editor off
-    QVERIFY(off.commands().isEmpty());
+    void noModeCheckedUsesTheDigitZero()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        for (QRadioButton *radio :
+             {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
+            radio->setAutoExclusive(false);
+        ui.normal_mode->setChecked(false);
+        QCOMPARE(p.window->powerModes()->currentPowerModeName(), QStringLiteral("0"));
+        ui.LidClose_Combo->setCurrentIndex(0);
+        QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
+    }
 
-    TestWindow p;
-    p.startWithPowerModes();
-    Ui::MainWindow &ui = p.ui();
-    QMenu *menu = p.window->trayMenu();
-    QCOMPARE(menuTexts(menu), kTrayModes + kTrayEnd);
-    ui.horizontalSlider_2->setValue(30);
-    ui.checkBox_2->click();
-    QCOMPARE(menuTexts(menu), kTrayEnd);
-    QCOMPARE(p.generalValue("enable_power_modes").toBool(), false);
-    checkEditorEnabled(ui, false);
-    // The keyboard is released; the fan code stays as it was.
-    QCOMPARE(p.window->powerModes()->statusRecord(), QStringLiteral("1,none"));
+    void switchingTheFeatureMovesTrayEntries()
+    {
+        TestWindow off;
+        off.start();
+        QVERIFY(!off.ui().checkBox_2->isChecked());
+        checkEditorEnabled(off.ui(), false);
+        QCOMPARE(menuTexts(off.window->trayMenu()), kTrayEnd);
+        QVERIFY(!QFile::exists(off.folder.file(TestWindow::user)));
+        off.window->loadPowerModeValues(); // with the feature off, only switches the editor off
+        QVERIFY(off.commands().isEmpty());
 
-    ui.checkBox_2->click();
-    QCOMPARE(menuTexts(menu), kTrayEnd + kTrayModes);
-    QCOMPARE(p.generalValue("enable_power_modes").toBool(), true);
-    checkEditorEnabled(ui, true);
-    // Turning the feature on loads and applies the checked mode.
-    QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
-}
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        QMenu *menu = p.window->trayMenu();
+        QCOMPARE(menuTexts(menu), kTrayModes + kTrayEnd);
+        ui.horizontalSlider_2->setValue(30);
+        ui.checkBox_2->click();
+        QCOMPARE(menuTexts(menu), kTrayEnd);
+        QCOMPARE(p.generalValue("enable_power_modes").toBool(), false);
+        checkEditorEnabled(ui, false);
+        // The keyboard is released; the fan code stays as it was.
+        QCOMPARE(p.window->powerModes()->statusRecord(), QStringLiteral("1,none"));
 
-void PowerModeEditorTest::resetAppliesDefaultsAndTellsOnce()
-{
-    TestWindow p;
-    p.setUser("cpu_min_slider_battery", 44);
-    p.setUser("cpu_min_slider_normal", 45);
-    p.startWithPowerModes(QStringLiteral("battery"));
-    QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+        ui.checkBox_2->click();
+        QCOMPARE(menuTexts(menu), kTrayEnd + kTrayModes);
+        QCOMPARE(p.generalValue("enable_power_modes").toBool(), true);
+        checkEditorEnabled(ui, true);
+        // Turning the feature on loads and applies the checked mode.
+        QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
+    }
 
-    p.ui().reset_power_modes->click();
-    QVERIFY(!p.userKeys().contains("cpu_min_slider_battery"));
-    QVERIFY(!p.userKeys().contains("cpu_min_slider_normal"));
-    QCOMPARE(p.ui().silent_cpu_min->value(), 5);
-    QCOMPARE(p.ui().silent_cpu_max->value(), 60);
-    QCOMPARE(p.fake.dialogs->shown.size(), 1);
-    const FakeDialogs::Shown &box = p.fake.dialogs->shown.first();
-    QCOMPARE(box.icon, QMessageBox::Information);
-    QCOMPARE(box.title, QStringLiteral("Reset Power Modes"));
-    QCOMPARE(box.text, QStringLiteral("All Power Modes have been reset to default values.\n"));
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    // The message comes after the profile was applied.
-    const int applied = p.fake.log->indexOf(
-        "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 5");
-    QVERIFY(applied >= 0);
-    QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
-}
+    void resetAppliesDefaultsAndTellsOnce()
+    {
+        TestWindow p;
+        p.setUser("cpu_min_slider_battery", 44);
+        p.setUser("cpu_min_slider_normal", 45);
+        p.startWithPowerModes(QStringLiteral("battery"));
+        QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+
+        p.ui().reset_power_modes->click();
+        QVERIFY(!p.userKeys().contains("cpu_min_slider_battery"));
+        QVERIFY(!p.userKeys().contains("cpu_min_slider_normal"));
+        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+        QCOMPARE(p.ui().silent_cpu_max->value(), 60);
+        QCOMPARE(p.fake.dialogs->shown.size(), 1);
+        const FakeDialogs::Shown &box = p.fake.dialogs->shown.first();
+        QCOMPARE(box.icon, QMessageBox::Information);
+        QCOMPARE(box.title, QStringLiteral("Reset Power Modes"));
+        QCOMPARE(box.text, QStringLiteral("All Power Modes have been reset to default values.\n"));
+        QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        // The message comes after the profile was applied.
+        const int applied = p.fake.log->indexOf(
+            "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 5");
+        QVERIFY(applied >= 0);
+        QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
+    }
+};
 
 QTEST_MAIN(PowerModeEditorTest)
 #include "tst_powermodeeditor.moc"

@@ -25,26 +25,139 @@ class TestCompanions : public QObject {
     Q_OBJECT
 
 private slots:
-    void init();
-    void aLocatedCompanionStartsFromItsOwnFolder();
-    void withoutItsFileTheBareNameIsStarted_data();
-    void withoutItsFileTheBareNameIsStarted();
-    void startAppsStartsRegisteredAppsNotRunning_data();
-    void startAppsStartsRegisteredAppsNotRunning();
-    void startupCheckRunsAfterTenSecondsAndFollowsTheBox();
+    void init()
+    {
+        m_home.reset(new QTemporaryDir);
+        qputenv("HOME", m_home->path().toLocal8Bit());
+        qputenv("XDG_CONFIG_HOME", (m_home->path() + "/.config").toLocal8Bit());
+    }
+
+    void aLocatedCompanionStartsFromItsOwnFolder()
+    {
+        TestWindow p;
+        p.start();
+        // A stand-in companion that reports where it runs and what it was given.
+        const QString appFolder = m_home->path() + "/Programs/Fan Control";
+        QDir().mkpath(appFolder);
+        const QString report = m_home->path() + "/report.txt";
+        QFile program(appFolder + "/FanControl.exe");
+        QVERIFY(program.open(QIODevice::WriteOnly));
+        program.write(
+            QStringLiteral("#!/bin/sh\n{ pwd; echo \"$#:[$1]\"; } > '%1'\n").arg(report).toUtf8());
+        program.close();
+        program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
+        writeLocator(R"(\Helmsuite\FanControl\fancontrol.ini)", appFolder + "/FanControl.exe");
+
+        p.ui().Button_FanControl->click();
+        // The separator is doubled: the folder kept its own before the name was appended again.
+        QCOMPARE(companionEntries(*p.fake.log),
+                 QStringList({"process: " + appFolder + "//FanControl.exe "}));
+        QTRY_VERIFY(QFileInfo(report).size() > 0);
+        QFile result(report);
+        QVERIFY(result.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(result.readAll()), appFolder + "\n1:[]\n");
+    }
+
+    void withoutItsFileTheBareNameIsStarted_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("locator"); // empty: no locator file
+        QTest::addColumn<QString>("appUrl");
+        QTest::addColumn<QString>("started");
+        auto row = [](const char *name, const char *button, const char *locator, const char *appUrl,
+                      const char *started) {
+            QTest::newRow(name) << button << locator << appUrl << QString("shown 4: ") + started;
+        };
+        row("updater, no locator", "Button_Updater", "", "", "Updater.exe");
+        row("fan control, no locator", "Button_FanControl", "", "", "FanControl.exe");
+        row("keyboard, locator names a missing file", "Button_KeyboardLed",
+            R"(\Helmsuite\KeyboardLED\keyboardled.ini)", "/nowhere/KeyboardLed.exe",
+            "KeyboardLed.exe");
+        row("updater, locator without appurl", "Button_Updater",
+            R"(\Helmsuite\Updater\updater.ini)", "", "Updater.exe");
+    }
+
+    void withoutItsFileTheBareNameIsStarted()
+    {
+        QFETCH(QString, locator);
+        QFETCH(QString, appUrl);
+        TestWindow p;
+        if (!locator.isEmpty())
+            writeLocator(locator, appUrl);
+        p.start();
+        QFETCH(QString, button);
+        p.window->findChild<QPushButton *>(button)->click();
+        QTEST(companionEntries(*p.fake.log).join('\n'), "started");
+    }
+
+    void startAppsStartsRegisteredAppsNotRunning_data()
+    {
+        QTest::addColumn<QStringList>("registered");
+        QTest::addColumn<QString>("tasks");
+        QTest::addColumn<QStringList>("expected");
+        const QString list = QStringLiteral("run: tasklist"), updater = "shown 0: Updater.exe";
+        // Fan control runs at log-on too, but is not registered: left alone although not running.
+        QTest::newRow("registered, not running")
+            << QStringList{"Updater", "KeyboardLED"}
+            << "System Idle Process  0\nKeyboardLed.exe   4242\n"
+            << QStringList{list, updater, list};
+        const QStringList all{"Updater", "Fan Control", "KeyboardLED"};
+        QTest::newRow("all running")
+            << all << "Updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
+            << QStringList{list, list, list};
+        // A name differing only in case is another program.
+        QTest::newRow("case differs")
+            << all << "updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
+            << QStringList{list, updater, list, list};
+    }
+
+    void startAppsStartsRegisteredAppsNotRunning()
+    {
+        QFETCH(QStringList, registered);
+        QFETCH(QString, tasks);
+        TestWindow p;
+        p.setGeneral("checkstart", true);
+        for (const QString &name : registered)
+            p.fake.registry->values.insert(kRunKey + "|" + name, "x");
+        p.fake.commands->outputs.insert("tasklist", tasks);
+        p.start();
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+        QTEST(companionEntries(*p.fake.log), "expected");
+    }
+
+    void startupCheckRunsAfterTenSecondsAndFollowsTheBox()
+    {
+        TestWindow p;
+        p.setGeneral("checkstart", true);
+        p.fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        QVERIFY(!p.ui().checkstart->isChecked());
+        p.fake.log->clear();
+        p.fake.scheduler->advance(9999);
+        QCOMPARE(companionEntries(*p.fake.log), QStringList());
+        p.fake.scheduler->advance(1);
+        QVERIFY(p.ui().checkstart->isChecked());
+        QCOMPARE(companionEntries(*p.fake.log),
+                 QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+
+        // Off until the box is checked again; the box is remembered.
+        p.ui().checkstart->click();
+        QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("false"));
+        p.fake.log->clear();
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+        QCOMPARE(companionEntries(*p.fake.log), QStringList());
+        p.ui().checkstart->click();
+        QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("true"));
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+        QCOMPARE(companionEntries(*p.fake.log),
+                 QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+    }
 
 private:
     void writeLocator(const QString &relative, const QString &appUrl);
 
     QScopedPointer<QTemporaryDir> m_home;
 };
-
-void TestCompanions::init()
-{
-    m_home.reset(new QTemporaryDir);
-    qputenv("HOME", m_home->path().toLocal8Bit());
-    qputenv("XDG_CONFIG_HOME", (m_home->path() + "/.config").toLocal8Bit());
-}
 
 // The locator file of one companion, in the Documents folder of a home of the test's own.
 void TestCompanions::writeLocator(const QString &relative, const QString &appUrl)
@@ -54,121 +167,6 @@ void TestCompanions::writeLocator(const QString &relative, const QString &appUrl
     QDir().mkpath(QFileInfo(path).path());
     QSettings ini(path, QSettings::IniFormat);
     ini.setValue("settings/appurl", appUrl);
-}
-
-void TestCompanions::aLocatedCompanionStartsFromItsOwnFolder()
-{
-    TestWindow p;
-    p.start();
-    // A stand-in companion that reports where it runs and what it was given.
-    const QString appFolder = m_home->path() + "/Programs/Fan Control";
-    QDir().mkpath(appFolder);
-    const QString report = m_home->path() + "/report.txt";
-    QFile program(appFolder + "/FanControl.exe");
-    QVERIFY(program.open(QIODevice::WriteOnly));
-    program.write(
-        QStringLiteral("#!/bin/sh\n{ pwd; echo \"$#:[$1]\"; } > '%1'\n").arg(report).toUtf8());
-    program.close();
-    program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
-    writeLocator(R"(\Helmsuite\FanControl\fancontrol.ini)", appFolder + "/FanControl.exe");
-
-    p.ui().Button_FanControl->click();
-    // The separator is doubled: the folder kept its own before the name was appended again.
-    QCOMPARE(companionEntries(*p.fake.log),
-             QStringList({"process: " + appFolder + "//FanControl.exe "}));
-    QTRY_VERIFY(QFileInfo(report).size() > 0);
-    QFile result(report);
-    QVERIFY(result.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(result.readAll()), appFolder + "\n1:[]\n");
-}
-
-void TestCompanions::withoutItsFileTheBareNameIsStarted_data()
-{
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("locator"); // empty: no locator file
-    QTest::addColumn<QString>("appUrl");
-    QTest::addColumn<QString>("started");
-    auto row = [](const char *name, const char *button, const char *locator, const char *appUrl,
-                  const char *started) {
-        QTest::newRow(name) << button << locator << appUrl << QString("shown 4: ") + started;
-    };
-    row("updater, no locator", "Button_Updater", "", "", "Updater.exe");
-    row("fan control, no locator", "Button_FanControl", "", "", "FanControl.exe");
-    row("keyboard, locator names a missing file", "Button_KeyboardLed",
-        R"(\Helmsuite\KeyboardLED\keyboardled.ini)", "/nowhere/KeyboardLed.exe", "KeyboardLed.exe");
-    row("updater, locator without appurl", "Button_Updater", R"(\Helmsuite\Updater\updater.ini)",
-        "", "Updater.exe");
-}
-
-void TestCompanions::withoutItsFileTheBareNameIsStarted()
-{
-    QFETCH(QString, locator);
-    QFETCH(QString, appUrl);
-    TestWindow p;
-    if (!locator.isEmpty())
-        writeLocator(locator, appUrl);
-    p.start();
-    QFETCH(QString, button);
-    p.window->findChild<QPushButton *>(button)->click();
-    QTEST(companionEntries(*p.fake.log).join('\n'), "started");
-}
-
-void TestCompanions::startAppsStartsRegisteredAppsNotRunning_data()
-{
-    QTest::addColumn<QStringList>("registered");
-    QTest::addColumn<QString>("tasks");
-    QTest::addColumn<QStringList>("expected");
-    const QString list = QStringLiteral("run: tasklist"), updater = "shown 0: Updater.exe";
-    // Fan control runs at log-on too, but is not registered: left alone although not running.
-    QTest::newRow("registered, not running") << QStringList{"Updater", "KeyboardLED"}
-                                             << "System Idle Process  0\nKeyboardLed.exe   4242\n"
-                                             << QStringList{list, updater, list};
-    const QStringList all{"Updater", "Fan Control", "KeyboardLED"};
-    QTest::newRow("all running") << all << "Updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
-                                 << QStringList{list, list, list};
-    // A name differing only in case is another program.
-    QTest::newRow("case differs") << all << "updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
-                                  << QStringList{list, updater, list, list};
-}
-
-void TestCompanions::startAppsStartsRegisteredAppsNotRunning()
-{
-    QFETCH(QStringList, registered);
-    QFETCH(QString, tasks);
-    TestWindow p;
-    p.setGeneral("checkstart", true);
-    for (const QString &name : registered)
-        p.fake.registry->values.insert(kRunKey + "|" + name, "x");
-    p.fake.commands->outputs.insert("tasklist", tasks);
-    p.start();
-    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
-    QTEST(companionEntries(*p.fake.log), "expected");
-}
-
-void TestCompanions::startupCheckRunsAfterTenSecondsAndFollowsTheBox()
-{
-    TestWindow p;
-    p.setGeneral("checkstart", true);
-    p.fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
-    p.window = std::make_unique<MainWindow>(p.fake.bundle());
-    QVERIFY(!p.ui().checkstart->isChecked());
-    p.fake.log->clear();
-    p.fake.scheduler->advance(9999);
-    QCOMPARE(companionEntries(*p.fake.log), QStringList());
-    p.fake.scheduler->advance(1);
-    QVERIFY(p.ui().checkstart->isChecked());
-    QCOMPARE(companionEntries(*p.fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe"}));
-
-    // Off until the box is checked again; the box is remembered.
-    p.ui().checkstart->click();
-    QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("false"));
-    p.fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
-    QCOMPARE(companionEntries(*p.fake.log), QStringList());
-    p.ui().checkstart->click();
-    QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("true"));
-    QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
-    QCOMPARE(companionEntries(*p.fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe"}));
 }
 
 QTEST_MAIN(TestCompanions)

@@ -40,130 +40,124 @@ class TestResume : public QObject {
     Q_OBJECT
 
 private slots:
-    void decidesEachMessage_data();
-    void decidesEachMessage();
-    void nativeMessagesAreDecodedAndNeverSwallowed();
-    void resumeWithoutBoxesOnlyRereadsVolumeAndBrightness();
-    void resumeRunsFixesThenRereadsThenTuning();
-    void deviceMessageRunsTheFixesOnly();
+    void decidesEachMessage_data()
+    {
+        QTest::addColumn<quint32>("id");
+        QTest::addColumn<quintptr>("code");
+        QTest::addColumn<bool>("pending");
+        QTest::addColumn<QString>("scheduled");
+        const quint32 power = powermsg::powerBroadcast, device = powermsg::deviceMessage,
+                      other = 0x0F;
+        auto row = [](const char *name, quint32 id, quintptr code, bool pending, const char *s) {
+            QTest::newRow(name) << id << code << pending << QString::fromLatin1(s);
+        };
+        row("suspend", power, 4, false, "");
+        row("resume suspend", power, 7, false, "awake");
+        row("resume standby", power, 8, false, "awake");
+        row("resume automatic", power, 18, false, "awake");
+        row("other power event", power, 10, false, "");
+        row("device message", device, 0, false, "awake2");
+        row("device message, any code", 0xC08E, 7, false, "awake2");
+        row("unrelated message", other, 7, false, "");
+        // A pending resume is consumed by whichever message comes next.
+        row("pending, suspend", power, 4, true, "awake");
+        row("pending, unrelated", other, 0, true, "awake");
+        row("pending, device message", device, 0, true, "awake awake2");
+        row("pending, resume", power, 18, true, "awake");
+    }
+
+    void decidesEachMessage()
+    {
+        QFETCH(quint32, id);
+        QFETCH(quintptr, code);
+        QFETCH(bool, pending);
+        const PowerMessageDecision d = decidePowerMessage(id, code, pending);
+        QStringList scheduled;
+        if (d.scheduleAwake)
+            scheduled << "awake";
+        if (d.scheduleAwake2)
+            scheduled << "awake2";
+        QTEST(scheduled.join(' '), "scheduled");
+        QVERIFY(!d.resumePending);
+    }
+
+    void nativeMessagesAreDecodedAndNeverSwallowed()
+    {
+        FakePlatform fake;
+        MyEventFilter filter(fake.sleep, fake.scheduler);
+        QSignalSpy awake(&filter, &MyEventFilter::emitawake);
+        QSignalSpy awake2(&filter, &MyEventFilter::emitawake2);
+        long result = 0;
+        FakeSleepNotifier::Message device{powermsg::deviceMessage, 0};
+        FakeSleepNotifier::Message resume{powermsg::powerBroadcast, powermsg::resumeStandby};
+        FakeSleepNotifier::Message suspend{powermsg::powerBroadcast, powermsg::suspend};
+        QVERIFY(!filter.nativeEventFilter("fake", &device, &result));
+        QVERIFY(!filter.nativeEventFilter("fake", &resume, &result));
+        QVERIFY(!filter.nativeEventFilter("fake", &suspend, &result));
+        // An event the backend cannot read is no message at all.
+        QVERIFY(!filter.nativeEventFilter("xcb_generic_event_t", &resume, &result));
+        // Windows reports one resume twice; the actions run twice, as accepted.
+        emit fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
+        QCOMPARE(fake.scheduler->history, QStringList({"2000 awake2", "3000 awake", "3000 awake"}));
+        fake.scheduler->advance(2999);
+        QCOMPARE(awake2.count(), 1);
+        QCOMPARE(awake.count(), 0);
+        fake.scheduler->advance(1);
+        QCOMPARE(awake.count(), 2);
+    }
+
+    void resumeWithoutBoxesOnlyRereadsVolumeAndBrightness()
+    {
+        TestWindow p;
+        p.start();
+        p.fake.audio->level = 0.73f;
+        p.fake.panel->level = 35;
+        emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeAutomatic);
+        QCOMPARE(p.fake.scheduler->history, QStringList({"3000 awake"}));
+        p.fake.scheduler->advance(2999);
+        QVERIFY(p.fake.log->entries.isEmpty());
+
+        p.fake.scheduler->advance(1);
+        QCOMPARE(p.ui().Slider_Volume->value(), 73);
+        QCOMPARE(p.ui().Slider_Brightness->value(), 35);
+        QVERIFY(p.fake.log->indexOf("panel read") >
+                p.fake.log->entries.indexOf(QRegularExpression("audio 1 .*")));
+        QCOMPARE(actions(*p.fake.log), QStringList());
+    }
+
+    void resumeRunsFixesThenRereadsThenTuning()
+    {
+        TestWindow p;
+        p.start();
+        checkFixBoxes(p);
+        p.window->cpuTuning()->reapplyDone = true;
+        emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
+        p.fake.scheduler->advance(3000);
+
+        const QStringList &log = p.fake.log->entries;
+        QCOMPARE(actions(*p.fake.log).mid(0, 5), kFixesInOrder);
+        const int volume = log.indexOf(QRegularExpression("audio 1 .*"));
+        const int brightness = p.fake.log->indexOf("panel read");
+        QVERIFY(p.fake.log->indexOf(kFixesInOrder.last()) < volume);
+        QVERIFY(volume < brightness);
+        QVERIFY(brightness < log.indexOf(QRegularExpression("process: .*")));
+        // The once-per-run re-apply may run again after a resume.
+        QVERIFY(!p.window->cpuTuning()->reapplyDone);
+    }
+
+    void deviceMessageRunsTheFixesOnly()
+    {
+        TestWindow p;
+        p.start();
+        checkFixBoxes(p);
+        emit p.fake.sleep->powerMessage(powermsg::deviceMessage, 0);
+        QCOMPARE(p.fake.scheduler->history, QStringList({"2000 awake2"}));
+        p.fake.scheduler->advance(2000);
+        QCOMPARE(actions(*p.fake.log), kFixesInOrder);
+        QCOMPARE(p.fake.log->indexOf("panel read"), -1);
+        QCOMPARE(p.fake.log->withPrefix("audio ").size(), 0);
+    }
 };
-
-void TestResume::decidesEachMessage_data()
-{
-    QTest::addColumn<quint32>("id");
-    QTest::addColumn<quintptr>("code");
-    QTest::addColumn<bool>("pending");
-    QTest::addColumn<QString>("scheduled");
-    const quint32 power = powermsg::powerBroadcast, device = powermsg::deviceMessage, other = 0x0F;
-    auto row = [](const char *name, quint32 id, quintptr code, bool pending, const char *s) {
-        QTest::newRow(name) << id << code << pending << QString::fromLatin1(s);
-    };
-    row("suspend", power, 4, false, "");
-    row("resume suspend", power, 7, false, "awake");
-    row("resume standby", power, 8, false, "awake");
-    row("resume automatic", power, 18, false, "awake");
-    row("other power event", power, 10, false, "");
-    row("device message", device, 0, false, "awake2");
-    row("device message, any code", 0xC08E, 7, false, "awake2");
-    row("unrelated message", other, 7, false, "");
-    // A pending resume is consumed by whichever message comes next.
-    row("pending, suspend", power, 4, true, "awake");
-    row("pending, unrelated", other, 0, true, "awake");
-    row("pending, device message", device, 0, true, "awake awake2");
-    row("pending, resume", power, 18, true, "awake");
-}
-
-void TestResume::decidesEachMessage()
-{
-    QFETCH(quint32, id);
-    QFETCH(quintptr, code);
-    QFETCH(bool, pending);
-    const PowerMessageDecision d = decidePowerMessage(id, code, pending);
-    QStringList scheduled;
-    if (d.scheduleAwake)
-        scheduled << "awake";
-    if (d.scheduleAwake2)
-        scheduled << "awake2";
-    QTEST(scheduled.join(' '), "scheduled");
-    QVERIFY(!d.resumePending);
-}
-
-void TestResume::nativeMessagesAreDecodedAndNeverSwallowed()
-{
-    FakePlatform fake;
-    MyEventFilter filter(fake.sleep, fake.scheduler);
-    QSignalSpy awake(&filter, &MyEventFilter::emitawake);
-    QSignalSpy awake2(&filter, &MyEventFilter::emitawake2);
-    long result = 0;
-    FakeSleepNotifier::Message device{powermsg::deviceMessage, 0};
-    FakeSleepNotifier::Message resume{powermsg::powerBroadcast, powermsg::resumeStandby};
-    FakeSleepNotifier::Message suspend{powermsg::powerBroadcast, powermsg::suspend};
-    QVERIFY(!filter.nativeEventFilter("fake", &device, &result));
-    QVERIFY(!filter.nativeEventFilter("fake", &resume, &result));
-    QVERIFY(!filter.nativeEventFilter("fake", &suspend, &result));
-    // An event the backend cannot read is no message at all.
-    QVERIFY(!filter.nativeEventFilter("xcb_generic_event_t", &resume, &result));
-    // Windows reports one resume twice; the actions run twice, as accepted.
-    emit fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
-    QCOMPARE(fake.scheduler->history, QStringList({"2000 awake2", "3000 awake", "3000 awake"}));
-    fake.scheduler->advance(2999);
-    QCOMPARE(awake2.count(), 1);
-    QCOMPARE(awake.count(), 0);
-    fake.scheduler->advance(1);
-    QCOMPARE(awake.count(), 2);
-}
-
-void TestResume::resumeWithoutBoxesOnlyRereadsVolumeAndBrightness()
-{
-    TestWindow p;
-    p.start();
-    p.fake.audio->level = 0.73f;
-    p.fake.panel->level = 35;
-    emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeAutomatic);
-    QCOMPARE(p.fake.scheduler->history, QStringList({"3000 awake"}));
-    p.fake.scheduler->advance(2999);
-    QVERIFY(p.fake.log->entries.isEmpty());
-
-    p.fake.scheduler->advance(1);
-    QCOMPARE(p.ui().Slider_Volume->value(), 73);
-    QCOMPARE(p.ui().Slider_Brightness->value(), 35);
-    QVERIFY(p.fake.log->indexOf("panel read") >
-            p.fake.log->entries.indexOf(QRegularExpression("audio 1 .*")));
-    QCOMPARE(actions(*p.fake.log), QStringList());
-}
-
-void TestResume::resumeRunsFixesThenRereadsThenTuning()
-{
-    TestWindow p;
-    p.start();
-    checkFixBoxes(p);
-    p.window->cpuTuning()->reapplyDone = true;
-    emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
-    p.fake.scheduler->advance(3000);
-
-    const QStringList &log = p.fake.log->entries;
-    QCOMPARE(actions(*p.fake.log).mid(0, 5), kFixesInOrder);
-    const int volume = log.indexOf(QRegularExpression("audio 1 .*"));
-    const int brightness = p.fake.log->indexOf("panel read");
-    QVERIFY(p.fake.log->indexOf(kFixesInOrder.last()) < volume);
-    QVERIFY(volume < brightness);
-    QVERIFY(brightness < log.indexOf(QRegularExpression("process: .*")));
-    // The once-per-run re-apply may run again after a resume.
-    QVERIFY(!p.window->cpuTuning()->reapplyDone);
-}
-
-void TestResume::deviceMessageRunsTheFixesOnly()
-{
-    TestWindow p;
-    p.start();
-    checkFixBoxes(p);
-    emit p.fake.sleep->powerMessage(powermsg::deviceMessage, 0);
-    QCOMPARE(p.fake.scheduler->history, QStringList({"2000 awake2"}));
-    p.fake.scheduler->advance(2000);
-    QCOMPARE(actions(*p.fake.log), kFixesInOrder);
-    QCOMPARE(p.fake.log->indexOf("panel read"), -1);
-    QCOMPARE(p.fake.log->withPrefix("audio ").size(), 0);
-}
 
 QTEST_MAIN(TestResume)
 #include "tst_resume.moc"
