@@ -49,11 +49,6 @@ bool released(int readEnd)
     return ::poll(&p, 1, 0) == 1 && (p.revents & (POLLHUP | POLLIN));
 }
 
-struct Message {
-    quint32 id;
-    quintptr code;
-};
-
 } // namespace
 
 class TestSleepLogind : public QObject {
@@ -89,35 +84,27 @@ private slots:
         QVERIFY(service.registerService("org.freedesktop.login1"));
 
         LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_address, "varnel"));
-        QVector<Message> messages;
+        QStringList messages; // "id code"
         connect(&notifier, &SleepNotifier::powerMessage, this,
                 [&messages](quint32 id, quintptr code) {
-                    messages.append({id, code});
+                    messages << QStringLiteral("%1 %2").arg(id).arg(code);
                 });
-
+        const QString lock = "sleep|Varnel|Re-applies the laptop's fixes after a resume|delay";
         QTRY_VERIFY(notifier.holdsInhibitor());
-        QCOMPARE(logind.inhibitCalls.size(), 1);
-        const QStringList call = logind.inhibitCalls.first().split('|');
-        QCOMPARE(call.value(0), QStringLiteral("sleep"));
-        QCOMPARE(call.value(1), QStringLiteral("Varnel"));
-        QCOMPARE(call.value(3), QStringLiteral("delay"));
+        QCOMPARE(logind.inhibitCalls, QStringList{lock});
         QVERIFY(!released(logind.readEnds.first()));
 
         // Before sleeping: told, and the lock goes so the machine can sleep.
         emit logind.PrepareForSleep(true);
-        QTRY_COMPARE(messages.size(), 1);
-        QCOMPARE(messages.at(0).id, 0x218u);
-        QCOMPARE(messages.at(0).code, quintptr(4));
+        QTRY_COMPARE(messages, QStringList{"536 4"});
         QTRY_VERIFY(released(logind.readEnds.first()));
         QVERIFY(!notifier.holdsInhibitor());
 
         // After waking up: a resume message, and a new lock for the next sleep.
         emit logind.PrepareForSleep(false);
-        QTRY_COMPARE(messages.size(), 2);
-        QCOMPARE(messages.at(1).id, 0x218u);
-        QCOMPARE(messages.at(1).code, quintptr(7));
+        QTRY_COMPARE(messages, (QStringList{"536 4", "536 7"}));
         QTRY_VERIFY(notifier.holdsInhibitor());
-        QCOMPARE(logind.inhibitCalls.size(), 2);
+        QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
         QVERIFY(!released(logind.readEnds.last()));
     }
 
@@ -132,7 +119,7 @@ private slots:
         int event = 0;
         QVERIFY(!notifier.decodeNativeMessage("xcb_generic_event_t", &event, &id, &code));
         QCOMPARE(reported, 0);
-        // The handler itself still reports, which is how the window is tested without a bus.
+        // The handler itself still reports.
         notifier.handlePrepareForSleep(false);
         QCOMPARE(reported, 1);
     }
