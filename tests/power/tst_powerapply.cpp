@@ -186,16 +186,10 @@ private slots:
         const QStringList maximum = processor("PROCTHROTTLEMAX", 100);
         const QStringList sleep = pair("powercfg -change -x -standby-timeout-ac 60",
                                        "powercfg -change -x -standby-timeout-dc 60");
-        QTest::newRow("minimum") << "ApplyCpuMin" << minimum << QString() << QVariant();
-        QTest::newRow("maximum") << "ApplyCpuMax" << maximum << QString() << QVariant();
         QTest::newRow("screen off") << "turnoffScreenPowerMode"
                                     << pair("powercfg -change -monitor-timeout-ac 20",
                                             "powercfg -change -monitor-timeout-dc 20")
                                     << QString() << QVariant();
-        QTest::newRow("sleep") << "ApplySleepAfterPowerMode" << sleep << QString() << QVariant();
-        QTest::newRow("lid") << "ApplyLidClosePowerMode" << lid(1) << QString() << QVariant();
-        QTest::newRow("scheme brightness from the mode")
-            << "ApplySchemeBright" << schemeBrightness(80) << QString() << QVariant();
         // Damaged figures give way to the shipped defaults instead of becoming commands.
         QTest::newRow("minimum of 4000 %")
             << "ApplyCpuMin" << minimum << "cpu_min_slider_normal" << QVariant(4000);
