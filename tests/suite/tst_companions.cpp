@@ -1,4 +1,6 @@
+#include "autostartentries.h"
 #include "companions.h"
+#include "linuxregistry.h"
 #include "testwindow.h"
 
 #include <QtTest>
@@ -23,6 +25,12 @@ QStringList companionEntries(const OperationLog &log)
 
 class TestCompanions : public QObject {
     Q_OBJECT
+
+public:
+    TestCompanions()
+    {
+        m_registry.addRoute(AutostartEntries::runKey, std::make_shared<AutostartEntries>());
+    }
 
 private slots:
     void init()
@@ -153,9 +161,67 @@ private slots:
                  QStringList({"run: tasklist", "shown 0: Updater.exe"}));
     }
 
+    // The Run key of a Linux registry, as the desktop's autostart entries.
+    void runValuesAreAutostartEntries()
+    {
+        const QString none = QStringLiteral("none");
+        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(), none);
+        QVERIFY(!m_registry.contains(kRun, "Fan Control"));
+
+        m_registry.setValue(kRun, "Fan Control", "/opt/helmsuite/fancontrol --tray");
+        QVERIFY(QFile::exists(entry("Fan Control.desktop")));
+        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(),
+                 QStringLiteral("/opt/helmsuite/fancontrol --tray"));
+        QVERIFY(m_registry.contains(kRun, "Fan Control"));
+        // Case of the key path does not matter, as in the registry.
+        QVERIFY(m_registry.contains(kRun.toLower(), "Fan Control"));
+
+        m_registry.remove(kRun, "Fan Control");
+        QVERIFY(!QFile::exists(entry("Fan Control.desktop")));
+        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(), none);
+    }
+
+    void hiddenEntriesCountAsRemoved()
+    {
+        // An entry the desktop's settings switched off, with actions after the main group.
+        write("Updater.desktop", "[Desktop Entry]\nType=Application\nExec=updater\nHidden=true\n"
+                                 "[Desktop Action x]\nExec=other\n");
+        QVERIFY(!m_registry.contains(kRun, "Updater"));
+        QCOMPARE(m_registry.value(kRun, "Updater", "none").toString(), QStringLiteral("none"));
+
+        write("KeyboardLED.desktop", "[Desktop Entry]\nExec=kbd --min\nHidden=false\n"
+                                     "[Desktop Action x]\nExec=other\n");
+        QCOMPARE(m_registry.value(kRun, "KeyboardLED", "none").toString(),
+                 QStringLiteral("kbd --min"));
+    }
+
+    void otherKeysAreNotEntries()
+    {
+        m_registry.setValue(
+            R"(HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\RunOnce)", "Updater",
+            "x");
+        QVERIFY(!QFile::exists(entry("Updater.desktop")));
+        // A name cannot leave the autostart folder.
+        m_registry.setValue(kRun, "../escape", "x");
+        QVERIFY(QFile::exists(entry(".._escape.desktop")));
+    }
+
 private:
     void writeLocator(const QString &relative, const QString &appUrl);
+    QString entry(const QString &name) const
+    {
+        return m_home->path() + "/.config/autostart/" + name;
+    }
+    void write(const QString &name, const QByteArray &text)
+    {
+        QDir().mkpath(m_home->path() + "/.config/autostart");
+        QFile file(entry(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
 
+    const QString kRun = AutostartEntries::runKey;
+    LinuxRegistry m_registry;
     QScopedPointer<QTemporaryDir> m_home;
 };
 
