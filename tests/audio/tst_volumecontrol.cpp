@@ -1,20 +1,70 @@
-#include "fakeplatform.h"
+// The audio tab on the real window: the volume, the device shown, the stored volumes, and the
+// sound scheme with its event table.
 #include "keys.h"
-#include "mainwindow.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
+#include "testwindow.h"
 
 #include <QtTest>
 
 namespace {
 
-const char kGeneral[] = "settings/varnel.ini";
-
 QStringList audioWrites(const SharedLog &log)
 {
-    QStringList out = log->withPrefix(QStringLiteral("audio 2 "));
-    out << log->withPrefix(QStringLiteral("audio 3 "));
-    return out;
+    return log->withPrefix(QStringLiteral("audio 2 ")) +
+           log->withPrefix(QStringLiteral("audio 3 "));
+}
+
+const QString kHeadphones = QStringLiteral("Realtek HD (Headphones)");
+
+const QString kSchemes = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
+
+QString eventKey(const QString &event)
+{
+    return QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes\\Apps\\.Default\\") + event +
+           QStringLiteral("\\.Current");
+}
+
+QString media(const char *file)
+{
+    return QStringLiteral("C:\\WINDOWS\\media\\") + QLatin1String(file) + QStringLiteral(".wav");
+}
+
+// The event table in writing order; an empty sound is an event the stock scheme leaves alone.
+QList<QPair<QString, QString>> eventTable()
+{
+    return {
+        {".Default", media("Windows Background")},
+        {"CriticalBatteryAlarm", media("Windows Foreground")},
+        {"DeviceConnect", media("Windows Hardware Insert")},
+        {"DeviceDisconnect", media("Windows Hardware Remove")},
+        {"DeviceFail", media("Windows Hardware Fail")},
+        {"FaxBeep", media("Windows Notify Email")},
+        {"LowBatteryAlarm", media("Windows Background")},
+        {"MailBeep", media("Windows Notify Email")},
+        {"MessageNudge", media("Windows Message Nudge")},
+        {"Notification.Default", media("Windows Notify System Generic")},
+        {"Notification.IM", media("Windows Notify Messaging")},
+        {"Notification.Mail", media("Windows Notify Email")},
+        {"Notification.Proximity", media("Windows Proximity Notification")},
+        {"Notification.Reminder", media("Windows Notify Calendar")},
+        {"Notification.SMS", media("Windows Notify Messaging")},
+        {"ProximityConnection", media("Windows Proximity Connection")},
+        {"SystemAsterisk", media("Windows Background")},
+        {"SystemExclamation", media("Windows Background")},
+        {"SystemHand", media("Windows Foreground")},
+        {"SystemNotification", media("Windows Background")},
+        {"WindowsLogon", QString()},
+        {"WindowsUAC", media("Windows User Account Control")},
+    };
+}
+
+QString setEntry(const QString &key, const QString &value)
+{
+    return QStringLiteral("registry set: %1 Default = %2").arg(key, value);
+}
+
+QVariant eventValue(const FakePlatform &fake, const QString &event)
+{
+    return fake.registry->values.value(eventKey(event) + QStringLiteral("|Default"));
 }
 
 } // namespace
@@ -32,8 +82,7 @@ private slots:
         QTest::addColumn<QString>("label");
         QTest::addColumn<bool>("boxChecked");
         QTest::addColumn<bool>("sliderEnabled");
-        // The label starts as the form's "Volume: 0%"; the mute box starts checked below so
-        // that a refresh without a device visibly leaves it alone.
+        // The mute box starts checked, so that a refresh without a device visibly leaves it alone.
         QTest::newRow("audible") << true << 0.37f << false << 37 << "Volume: 37%" << false << true;
         QTest::newRow("rounded half up")
             << true << 0.505f << false << 51 << "Volume: 51%" << false << true;
@@ -46,173 +95,133 @@ private slots:
         QFETCH(bool, hasDevice);
         QFETCH(float, level);
         QFETCH(bool, muted);
-        QFETCH(int, slider);
-        QFETCH(QString, label);
-        QFETCH(bool, boxChecked);
-        QFETCH(bool, sliderEnabled);
-
-        TestFolder folder;
-        FakePlatform fake;
-        fake.audio->hasDevice = false;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
-        ui->CheckBox_MuteVolume->setChecked(true);
-        ui->Label_Volume->setText(QStringLiteral("Volume: 0%"));
-        fake.audio->hasDevice = hasDevice;
-        fake.audio->level = level;
-        fake.audio->muted = muted;
-        fake.log->clear();
-
-        w.GetSysVolume();
-
-        QCOMPARE(ui->Slider_Volume->value(), slider);
-        QCOMPARE(ui->Label_Volume->text(), label);
-        QCOMPARE(ui->CheckBox_MuteVolume->isChecked(), boxChecked);
-        QCOMPARE(ui->Slider_Volume->isEnabled(), sliderEnabled);
+        TestWindow p;
+        p.fake.audio->hasDevice = false;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        ui.CheckBox_MuteVolume->setChecked(true);
+        ui.Label_Volume->setText(QStringLiteral("Volume: 0%"));
+        p.fake.audio->hasDevice = hasDevice;
+        p.fake.audio->level = level;
+        p.fake.audio->muted = muted;
+        p.fake.log->clear();
+        p.window->GetSysVolume();
+        QTEST(ui.Slider_Volume->value(), "slider");
+        QTEST(ui.Label_Volume->text(), "label");
+        QTEST(ui.CheckBox_MuteVolume->isChecked(), "boxChecked");
+        QTEST(ui.Slider_Volume->isEnabled(), "sliderEnabled");
         // Reading moves the slider without writing the level back.
-        QCOMPARE(fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
+        QCOMPARE(p.fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
     }
 
-    void sliderWritesTheLevel()
+    void sliderAndMuteWriteToTheDevice()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        fake.log->clear();
-        w.form()->Slider_Volume->setValue(64);
-        QCOMPARE(fake.log->entries, QStringList({"audio 2 0.64 0"}));
-        QCOMPARE(w.form()->Label_Volume->text(), QStringLiteral("Volume: 64%"));
-        QCOMPARE(fake.audio->level, 0.64f);
-    }
+        TestWindow p;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        ui.Slider_Volume->setValue(64);
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        QCOMPARE(p.fake.audio->level, 0.64f);
 
-    void muteDisablesAndUnmuteRestoresLabelFromSlider()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        fake.audio->level = 0.5f;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
-        fake.log->clear();
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(!ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
+        QVERIFY(p.fake.audio->muted);
+        p.fake.audio->level = 0.9f; // changed elsewhere meanwhile
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        QVERIFY(!p.fake.audio->muted);
+        QCOMPARE(p.fake.log->entries,
+                 QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
 
-        ui->CheckBox_MuteVolume->click();
-        QVERIFY(!ui->Slider_Volume->isEnabled());
-        QCOMPARE(ui->Label_Volume->text(), QStringLiteral("Volume: muted"));
-        QVERIFY(fake.audio->muted);
-
-        fake.audio->level = 0.9f; // changed elsewhere meanwhile
-        ui->CheckBox_MuteVolume->click();
-        QVERIFY(ui->Slider_Volume->isEnabled());
-        QCOMPARE(ui->Label_Volume->text(), QStringLiteral("Volume: 50%"));
-        QVERIFY(!fake.audio->muted);
-        QCOMPARE(fake.log->entries, QStringList({"audio 3 0 1", "audio 3 0 0"}));
-    }
-
-    void writesWithoutDeviceDoNothing()
-    {
-        TestFolder folder;
-        FakePlatform fake;
-        fake.audio->hasDevice = false;
-        MainWindow w(fake.bundle());
-        w.form()->Slider_Volume->setValue(70);
-        w.form()->CheckBox_MuteVolume->click();
-        QCOMPARE(fake.audio->level, 0.5f);
-        QVERIFY(!fake.audio->muted);
+        // Without a device, neither reaches it.
+        TestWindow none;
+        none.fake.audio->hasDevice = false;
+        none.start();
+        none.ui().Slider_Volume->setValue(70);
+        none.ui().CheckBox_MuteVolume->click();
+        QCOMPARE(none.fake.audio->level, 0.5f);
+        QVERIFY(!none.fake.audio->muted);
     }
 
     void disabledSyncLeavesEveryVolumeWidgetAlone()
     {
-        TestFolder folder;
-        folder.setIni(kGeneral, keys::disableAudioSync, true);
-        folder.setIni(kGeneral, keys::volumeHeadphones, 1);
-        folder.setIni(kGeneral, keys::sliderVolumeHeadphones, 20);
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
-        QVERIFY(ui->Check_DisableAudio->isChecked());
-        const int slider = ui->Slider_Volume->value();
-        const QString label = ui->Label_Volume->text();
-        const QString device = ui->Label_audio_out->text();
-        fake.audio->level = 0.11f;
-        fake.audio->muted = true;
-        fake.audio->deviceName = QStringLiteral("Realtek HD (Headphones)");
-        fake.log->clear();
-
-        w.timerDone();
-        w.GetSysVolume();
-
-        QCOMPARE(fake.log->withPrefix(QStringLiteral("audio")), QStringList());
-        QCOMPARE(ui->Slider_Volume->value(), slider);
-        QCOMPARE(ui->Label_Volume->text(), label);
-        QCOMPARE(ui->Label_audio_out->text(), device);
-        QVERIFY(!ui->CheckBox_MuteVolume->isChecked());
+        TestWindow p;
+        p.setGeneral(keys::disableAudioSync, true);
+        p.setGeneral(keys::volumeHeadphones, 1);
+        p.setGeneral(keys::sliderVolumeHeadphones, 20);
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.Check_DisableAudio->isChecked());
+        const int slider = ui.Slider_Volume->value();
+        const QString label = ui.Label_Volume->text();
+        const QString device = ui.Label_audio_out->text();
+        p.fake.audio->level = 0.11f;
+        p.fake.audio->muted = true;
+        p.fake.audio->deviceName = kHeadphones;
+        p.window->timerDone();
+        p.window->GetSysVolume();
+        QCOMPARE(p.fake.log->withPrefix(QStringLiteral("audio")), QStringList());
+        QCOMPARE(ui.Slider_Volume->value(), slider);
+        QCOMPARE(ui.Label_Volume->text(), label);
+        QCOMPARE(ui.Label_audio_out->text(), device);
+        QVERIFY(!ui.CheckBox_MuteVolume->isChecked());
     }
 
     void headphoneVolumeAppliedWhenHeadphonesAppear()
     {
-        TestFolder folder;
-        folder.setIni(kGeneral, keys::volumeHeadphones, 1);
-        folder.setIni(kGeneral, keys::sliderVolumeHeadphones, 30);
-        FakePlatform fake;
-        fake.audio->level = 0.6f;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
-        QCOMPARE(ui->Label_audio_out->text(), QStringLiteral("Speakers"));
-        QVERIFY(ui->Slider_HeadphoneVolume->isEnabled());
-        fake.log->clear();
-
-        fake.audio->deviceName = QStringLiteral("Realtek HD (Headphones)");
-        w.timerDone();
-        QCOMPARE(ui->Label_audio_out->text(), QStringLiteral("Realtek HD (Headphones)"));
-        QCOMPARE(ui->Slider_Volume->value(), 30);
-        QCOMPARE(ui->Label_Volume->text(), QStringLiteral("Volume: 30%"));
-        QCOMPARE(audioWrites(fake.log), QStringList({"audio 2 0.3 0"}));
+        TestWindow p;
+        p.setGeneral(keys::volumeHeadphones, 1);
+        p.setGeneral(keys::sliderVolumeHeadphones, 30);
+        p.fake.audio->level = 0.6f;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        QCOMPARE(ui.Label_audio_out->text(), QStringLiteral("Speakers"));
+        QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
+        p.fake.audio->deviceName = kHeadphones;
+        p.window->timerDone();
+        QCOMPARE(ui.Label_audio_out->text(), kHeadphones);
+        QCOMPARE(ui.Slider_Volume->value(), 30);
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 30%"));
+        QCOMPARE(audioWrites(p.fake.log), QStringList({"audio 2 0.3 0"}));
 
         // While they stay plugged in, the user's own level is kept.
-        ui->Slider_Volume->setValue(45);
-        fake.log->clear();
-        w.timerDone();
-        QCOMPARE(audioWrites(fake.log), QStringList());
-        QCOMPARE(ui->Slider_Volume->value(), 45);
-
-        // Out and in again applies it again.
-        fake.audio->deviceName = QStringLiteral("Speakers");
-        w.timerDone();
-        fake.audio->deviceName = QStringLiteral("Realtek HD (Headphones)");
-        w.timerDone();
-        QCOMPARE(audioWrites(fake.log), QStringList({"audio 2 0.3 0"}));
-    }
-
-    void headphoneVolumeNotAppliedWhenUnchecked()
-    {
-        TestFolder folder;
-        folder.setIni(kGeneral, keys::sliderVolumeHeadphones, 30);
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        fake.log->clear();
-        fake.audio->deviceName = QStringLiteral("Headphones (USB)");
-        w.timerDone();
-        QCOMPARE(audioWrites(fake.log), QStringList());
-        QCOMPARE(w.form()->Label_audio_out->text(), QStringLiteral("Headphones (USB)"));
+        ui.Slider_Volume->setValue(45);
+        p.fake.log->clear();
+        p.window->timerDone();
+        QCOMPARE(audioWrites(p.fake.log), QStringList());
+        QCOMPARE(ui.Slider_Volume->value(), 45);
+        // Out and in again applies it again; unchecked, never.
+        for (bool checked : {true, false}) {
+            if (!checked)
+                ui.Check_ApplyVolumeHeadphones->click();
+            p.fake.audio->deviceName = QStringLiteral("Speakers");
+            p.window->timerDone();
+            p.fake.log->clear();
+            p.fake.audio->deviceName = kHeadphones;
+            p.window->timerDone();
+            QCOMPARE(audioWrites(p.fake.log),
+                     checked ? QStringList({"audio 2 0.3 0"}) : QStringList());
+        }
     }
 
     void noDeviceDisablesTheVolumeControls()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
-        fake.audio->hasDevice = false;
-        fake.audio->deviceName = QStringLiteral("No Audio Device");
-        w.timerDone();
-        QCOMPARE(ui->Label_audio_out->text(), QStringLiteral("No Audio Device"));
-        QVERIFY(!ui->Slider_Volume->isEnabled());
-        QVERIFY(!ui->CheckBox_MuteVolume->isEnabled());
-
-        fake.audio->hasDevice = true;
-        fake.audio->deviceName = QStringLiteral("Speakers");
-        w.timerDone();
-        QVERIFY(ui->Slider_Volume->isEnabled());
-        QVERIFY(ui->CheckBox_MuteVolume->isEnabled());
+        TestWindow p;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        for (bool has : {false, true}) {
+            p.fake.audio->hasDevice = has;
+            p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
+            p.window->timerDone();
+            QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
+            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
+            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
+        }
+        p.fake.log->clear();
+        ui.Button_SoundSettings->click();
+        QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
     }
 
     void startVolumeAppliedAtStart_data()
@@ -226,59 +235,103 @@ private slots:
     void startVolumeAppliedAtStart()
     {
         QFETCH(int, check);
-        QFETCH(QStringList, writes);
-        TestFolder folder;
-        folder.setIni(kGeneral, keys::volumeStartCheck, check);
-        folder.setIni(kGeneral, keys::startVolumeValue, 25);
-        folder.setIni(kGeneral, keys::sliderVolumeHeadphones, 35);
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
-        QCOMPARE(audioWrites(fake.log), writes);
-        QCOMPARE(ui->Check_ApplyVolumeStart->isChecked(), check == 1);
-        QCOMPARE(ui->Slider_StartVolume->isEnabled(), check == 1);
-        QCOMPARE(ui->Slider_StartVolume->value(), 25);
-        QCOMPARE(ui->Label_StartVolume->text(), QStringLiteral("25%"));
-        QCOMPARE(ui->Slider_HeadphoneVolume->value(), 35);
-        QCOMPARE(ui->Label_HeadphoneVolume->text(), QStringLiteral("35%"));
-        QVERIFY(!ui->Slider_HeadphoneVolume->isEnabled());
+        TestWindow p;
+        p.setGeneral(keys::volumeStartCheck, check);
+        p.setGeneral(keys::startVolumeValue, 25);
+        p.setGeneral(keys::sliderVolumeHeadphones, 35);
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        Ui::MainWindow &ui = p.ui();
+        QTEST(audioWrites(p.fake.log), "writes");
+        QCOMPARE(ui.Check_ApplyVolumeStart->isChecked(), check == 1);
+        QCOMPARE(ui.Slider_StartVolume->isEnabled(), check == 1);
+        QCOMPARE((QList<int>{ui.Slider_StartVolume->value(), ui.Slider_HeadphoneVolume->value()}),
+                 (QList<int>{25, 35}));
+        QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("25%"));
+        QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("35%"));
+        QVERIFY(!ui.Slider_HeadphoneVolume->isEnabled());
     }
 
     void storedVolumesFollowTheirControls()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        Ui::MainWindow *ui = w.form();
+        TestWindow p;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        ui.Check_ApplyVolumeStart->click();
+        QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), 1);
+        QVERIFY(ui.Slider_StartVolume->isEnabled());
+        ui.Slider_StartVolume->setValue(42);
+        QCOMPARE(p.generalValue(keys::startVolumeValue).toInt(), 42);
+        QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("42%"));
+        ui.Check_ApplyVolumeStart->click();
+        QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), 0);
+        QVERIFY(!ui.Slider_StartVolume->isEnabled());
 
-        ui->Check_ApplyVolumeStart->click();
-        QCOMPARE(folder.ini(kGeneral, keys::volumeStartCheck).toInt(), 1);
-        QVERIFY(ui->Slider_StartVolume->isEnabled());
-        ui->Slider_StartVolume->setValue(42);
-        QCOMPARE(folder.ini(kGeneral, keys::startVolumeValue).toInt(), 42);
-        QCOMPARE(ui->Label_StartVolume->text(), QStringLiteral("42%"));
-        ui->Check_ApplyVolumeStart->click();
-        QCOMPARE(folder.ini(kGeneral, keys::volumeStartCheck).toInt(), 0);
-        QVERIFY(!ui->Slider_StartVolume->isEnabled());
-
-        ui->Check_ApplyVolumeHeadphones->click();
-        QCOMPARE(folder.ini(kGeneral, keys::volumeHeadphones).toInt(), 1);
-        QVERIFY(ui->Slider_HeadphoneVolume->isEnabled());
-        ui->Slider_HeadphoneVolume->setValue(17);
-        QCOMPARE(folder.ini(kGeneral, keys::sliderVolumeHeadphones).toInt(), 17);
-        QCOMPARE(ui->Label_HeadphoneVolume->text(), QStringLiteral("17%"));
+        ui.Check_ApplyVolumeHeadphones->click();
+        QCOMPARE(p.generalValue(keys::volumeHeadphones).toInt(), 1);
+        QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
+        ui.Slider_HeadphoneVolume->setValue(17);
+        QCOMPARE(p.generalValue(keys::sliderVolumeHeadphones).toInt(), 17);
+        QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("17%"));
         // Neither stored volume touches the device by itself.
-        QCOMPARE(audioWrites(fake.log), QStringList());
+        QCOMPARE(audioWrites(p.fake.log), QStringList());
     }
 
-    void soundSettingsButtonOpensThePage()
+    // No sounds, then back to the stock scheme: the table in order; the log-on sound stays silent.
+    void choosingWritesTheTableInOrder()
     {
-        TestFolder folder;
-        FakePlatform fake;
-        MainWindow w(fake.bundle());
-        fake.log->clear();
-        w.form()->Button_SoundSettings->click();
-        QCOMPARE(fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
+        TestWindow p;
+        p.fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), ".Default");
+        for (const auto &row : eventTable())
+            p.fake.registry->values.insert(eventKey(row.first) + "|Default", "custom.wav");
+        p.start();
+        QComboBox *combo = p.ui().comboBox_SoundCheme;
+        combo->setCurrentIndex(1);
+        QStringList silent{setEntry(kSchemes, ".None")};
+        for (const auto &row : eventTable())
+            silent << setEntry(eventKey(row.first), QString());
+        QCOMPARE(p.fake.log->entries, silent);
+
+        p.fake.log->clear();
+        combo->setCurrentIndex(0);
+        QStringList stock{setEntry(kSchemes, ".Default")};
+        for (const auto &row : eventTable()) {
+            if (!row.second.isEmpty())
+                stock << setEntry(eventKey(row.first), row.second);
+            QCOMPARE(eventValue(p.fake, row.first).toString(), row.second);
+        }
+        QCOMPARE(stock.size(), 22);
+        QCOMPARE(p.fake.log->entries, stock);
+    }
+
+    void refreshFollowsTheMarker_data()
+    {
+        QTest::addColumn<QVariant>("marker");
+        QTest::addColumn<int>("index");
+        QTest::newRow("missing") << QVariant() << 1;
+        QTest::newRow("no sounds") << QVariant(".None") << 1;
+        QTest::newRow("stock") << QVariant(".Default") << 0;
+        QTest::newRow("custom scheme") << QVariant("Jungle") << 0;
+        QTest::newRow("case differs") << QVariant(".none") << 0;
+    }
+
+    // A refresh that lands on "no sounds" silences every event; an unchanged index writes nothing.
+    void refreshFollowsTheMarker()
+    {
+        QFETCH(QVariant, marker);
+        TestWindow p;
+        for (const auto &row : eventTable())
+            p.fake.registry->values.insert(eventKey(row.first) + "|Default", "ding.wav");
+        if (marker.isValid())
+            p.fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), marker);
+        p.start();
+        p.window->timerDone();
+        QFETCH(int, index);
+        QCOMPARE(p.ui().comboBox_SoundCheme->currentIndex(), index);
+        QCOMPARE(eventValue(p.fake, "MailBeep").toString(), index ? QString() : "ding.wav");
+        p.fake.log->clear();
+        p.window->GetSoundScheme();
+        p.window->GetSoundScheme();
+        QCOMPARE(p.fake.log->withPrefix(QStringLiteral("registry set")), QStringList());
     }
 };
 

@@ -1,33 +1,22 @@
-// The Linux side of the power modes: mains power from /sys/class/power_supply fixtures, and the
-// command-table rows for the scheme and settings-page command lines.
+// The Linux side of the power modes: mains power from /sys/class/power_supply fixtures, the
+// command-table rows for the scheme and settings-page command lines, and in a Plasma session the
+// timeouts and the Meta shortcut in the user's files in KConfig's syntax, with the running
+// services asked to read them again on a session bus of the test's own.
 #include "commandtable.h"
 #include "desktopsettings.h"
 #include "gsettingskey.h"
+#include "kconfigfile.h"
+#include "kdedesktop.h"
 #include "powercfgcommands.h"
 #include "powercommands.h"
 #include "powersupply.h"
 
+#include <QDBusConnection>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
-
-class LinuxPowerTest : public QObject {
-    Q_OBJECT
-
-private slots:
-    void absentSchemaLoadsNoGio();
-    void acLineStatus_data();
-    void acLineStatus();
-    void oneReaderFollowsPlugsAndVanishedSupplies();
-    void tableRowsMatchWholeLines_data();
-    void tableRowsMatchWholeLines();
-    void adaptiveBrightnessSetsAmbientLight_data();
-    void adaptiveBrightnessSetsAmbientLight();
-    void settingsPagesOpenTheDesktopPanels();
-    void privilegedLinesStayUnknown_data();
-    void privilegedLinesStayUnknown();
-};
 
 namespace {
 class RecordingDesktop : public DesktopSettings {
@@ -37,199 +26,289 @@ public:
         calls << QStringLiteral("ambient %1").arg(enabled);
         return true;
     }
-    bool openDisplaySettings() override
-    {
-        calls << QStringLiteral("display");
-        return true;
-    }
-    bool openPowerSettings() override
-    {
-        calls << QStringLiteral("power");
-        return true;
-    }
+    bool openDisplaySettings() override { return (calls << QStringLiteral("display"), true); }
+    bool openPowerSettings() override { return (calls << QStringLiteral("power"), true); }
     QStringList calls;
 };
+
+// Count the reload requests the program sends to Plasma's services.
+class StandInService : public QObject {
+public:
+    int calls = 0;
+};
+
+class StandInPowerManager : public StandInService {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.Solid.PowerManagement")
+public slots:
+    void refreshStatus() { ++calls; }
+};
+
+class StandInKwin : public StandInService {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.KWin")
+public slots:
+    void reconfigure() { ++calls; }
+};
+
+QString read(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void write(const QString &path, const QString &text)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text.toUtf8());
+}
+
+const QString kOtherProfile = QStringLiteral("[LowBattery][DPMSControl]\nidleTime=60\n");
+
+void write(const QTemporaryDir &dir, const QString &supply, const char *file, const QString &text)
+{
+    QDir(dir.path()).mkpath(supply);
+    write(dir.filePath(supply + QLatin1Char('/') + QLatin1String(file)), text + '\n');
+}
 } // namespace
 
-void LinuxPowerTest::acLineStatus_data()
-{
-    QTest::addColumn<QStringList>("supplies"); // name:type:online ("-" for no online file)
-    QTest::addColumn<int>("status");
-    QTest::newRow("mains online") << QStringList{"AC:Mains:1", "BAT0:Battery:-"} << 1;
-    QTest::newRow("mains offline") << QStringList{"AC:Mains:0", "BAT0:Battery:-"} << 0;
-    QTest::newRow("usb-c online") << QStringList{"ucsi-source-psy-USBC000:001:USB:1", "AC:Mains:0"}
-                                  << 1;
-    QTest::newRow("usb offline") << QStringList{"usb:USB:0"} << 0;
-    QTest::newRow("battery only") << QStringList{"BAT0:Battery:-"} << 255;
-    QTest::newRow("nothing") << QStringList{} << 255;
-    QTest::newRow("mains without online file") << QStringList{"AC:Mains:-"} << 0;
-}
+class LinuxPowerTest : public QObject {
+    Q_OBJECT
 
-void LinuxPowerTest::acLineStatus()
-{
-    QFETCH(QStringList, supplies);
-    QFETCH(int, status);
-    QTemporaryDir dir;
-    for (const QString &s : supplies) {
-        const QStringList parts = s.split(':');
-        const QString name = parts.mid(0, parts.size() - 2).join(':');
-        QDir(dir.path()).mkpath(name);
-        QFile type(dir.filePath(name + "/type"));
-        QVERIFY(type.open(QIODevice::WriteOnly));
-        type.write(parts.at(parts.size() - 2).toUtf8() + '\n');
-        if (parts.last() != "-") {
-            QFile online(dir.filePath(name + "/online"));
-            QVERIFY(online.open(QIODevice::WriteOnly));
-            online.write(parts.last().toUtf8() + '\n');
+private slots:
+    void initTestCase()
+    {
+        m_daemon.start(QStringLiteral("dbus-daemon"),
+                       {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                        QStringLiteral("--print-address")});
+        QVERIFY(m_daemon.waitForReadyRead(10000));
+        // Before anything in the process opens the session bus.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_daemon.readLine().trimmed());
+    }
+    void cleanupTestCase()
+    {
+        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
+        m_daemon.kill();
+        m_daemon.waitForFinished(5000);
+    }
+    // Before any other case: GIO stays unloaded only while nothing has asked for a key.
+    void absentSchemaLoadsNoGio()
+    {
+        QTemporaryDir data;
+        QDir(data.path()).mkpath(QStringLiteral("glib-2.0/schemas"));
+        QFile compiled(data.path() + QStringLiteral("/glib-2.0/schemas/gschemas.compiled"));
+        QVERIFY(compiled.open(QIODevice::WriteOnly));
+        compiled.write("GVariant org.gnome.desktop.session");
+        compiled.close();
+        qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
+        qunsetenv("GSETTINGS_SCHEMA_DIR");
+        QVERIFY(!GSettingsKey("org.gnome.settings-daemon.plugins.power", "ambient-enabled")
+                     .available());
+        QFile maps(QStringLiteral("/proc/self/maps"));
+        QVERIFY(maps.open(QIODevice::ReadOnly));
+        QVERIFY(!maps.readAll().contains("libgio"));
+        // Named by a compiled file, the schema is looked up through GIO itself.
+        GSettingsKey("org.gnome.desktop.session", "idle-delay").available();
+        maps.seek(0);
+        QVERIFY(maps.readAll().contains("libgio"));
+    }
+    void acLineStatus_data()
+    {
+        QTest::addColumn<QStringList>("supplies"); // name:type:online ("-" for no online file)
+        QTest::addColumn<int>("status");
+        QTest::newRow("mains online") << QStringList{"AC:Mains:1", "BAT0:Battery:-"} << 1;
+        QTest::newRow("mains offline") << QStringList{"AC:Mains:0", "BAT0:Battery:-"} << 0;
+        QTest::newRow("usb-c online")
+            << QStringList{"ucsi-source-psy-USBC000:001:USB:1", "AC:Mains:0"} << 1;
+        QTest::newRow("usb offline") << QStringList{"usb:USB:0"} << 0;
+        QTest::newRow("battery only") << QStringList{"BAT0:Battery:-"} << 255;
+        QTest::newRow("nothing") << QStringList{} << 255;
+        QTest::newRow("mains without online file") << QStringList{"AC:Mains:-"} << 0;
+    }
+
+    void acLineStatus()
+    {
+        QFETCH(QStringList, supplies);
+        QTemporaryDir dir;
+        for (const QString &s : supplies) {
+            const QStringList parts = s.split(':');
+            const QString name = parts.mid(0, parts.size() - 2).join(':');
+            write(dir, name, "type", parts.at(parts.size() - 2));
+            if (parts.last() != "-")
+                write(dir, name, "online", parts.last());
+        }
+        QTEST(SysfsPowerSupply(dir.path()).acLineStatus(), "status");
+    }
+
+    // One reader follows plugs, and supplies that go away: none left means no line supply.
+    void oneReaderFollowsPlugsAndVanishedSupplies()
+    {
+        QTemporaryDir dir;
+        for (const char *name : {"AC", "ADP2"}) {
+            write(dir, name, "type", "Mains");
+            write(dir, name, "online", "0");
+        }
+        SysfsPowerSupply supply(dir.path());
+        QList<int> seen{supply.acLineStatus()};
+        write(dir, "AC", "online", "1");
+        seen << supply.acLineStatus();
+        write(dir, "AC", "online", "0");
+        seen << supply.acLineStatus();
+        QVERIFY(QDir(dir.filePath(QStringLiteral("AC"))).removeRecursively());
+        QVERIFY(QDir(dir.filePath(QStringLiteral("ADP2"))).removeRecursively());
+        seen << supply.acLineStatus();
+        QCOMPARE(seen, (QList<int>{0, 1, 0, 255}));
+    }
+
+    void tableRowsMatchWholeLines_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<bool>("matches");
+        auto row = [](const char *name, const char *pattern, const char *line, bool matches) {
+            QTest::newRow(name) << QString(pattern) << QString(line) << matches;
+        };
+        row("optional letter, left out", "powercfg -lists?x", "powercfg -listx", true);
+        row("optional letter, given", "powercfg -lists?x", "powercfg -listsx", true);
+        row("repeated letter", "net stops*x", "net stopx", true);
+        row("counted letter", "ab{2}c", "abbc", true);
+        row("inline case option", "(?i)WMIC Path", "wmic path", true);
+        row("escaped dot", "explorer a\\.b", "explorer a.b", true);
+        row("escaped dot, other text", "explorer a\\.b", "explorer axb", false);
+        row("other command", "tasklist /fi", "taskkill /fi", false);
+        row("plain text keeps its case", "tasklist", "TASKLIST", false);
+        row("longer line", "tasklist", "tasklist /v", false);
+    }
+
+    void tableRowsMatchWholeLines()
+    {
+        QFETCH(QString, pattern);
+        QFETCH(QString, line);
+        QFETCH(bool, matches);
+        CommandTable table;
+        table.add(QStringLiteral("unrelated"),
+                  [](const QRegularExpressionMatch &) { return QString(); });
+        table.add(pattern, [](const QRegularExpressionMatch &) { return QStringLiteral("row"); });
+        QCOMPARE(table.run(line),
+                 matches ? std::optional<QString>(QStringLiteral("row")) : std::nullopt);
+    }
+
+    // Adaptive brightness and the settings pages reach the desktop; what needs root stays unknown.
+    void powerRowsReachTheDesktop()
+    {
+        auto desktop = std::make_shared<RecordingDesktop>();
+        CommandTable table;
+        addPowerCommands(table, desktop);
+        for (bool disable : {true, false}) {
+            for (const QString &line : powercmd::adaptiveBrightness(disable))
+                QCOMPARE(table.run(line), std::optional<QString>(QString()));
+        }
+        QVERIFY(table.run("explorer ms-settings:display"));
+        QVERIFY(table.run("control.exe /name Microsoft.PowerOptions /page  pagePlanSettings"));
+        QCOMPARE(desktop->calls, (QStringList{"ambient 0", "ambient 0", "ambient 1", "ambient 1",
+                                              "display", "power"}));
+        // The page name's two blanks are part of the line.
+        QVERIFY(!table.knows("control.exe /name Microsoft.PowerOptions /page pagePlanSettings"));
+        const powercmd::Pair privileged[] = {
+            powercmd::processorMinimum(5), powercmd::processorMaximum(90), powercmd::screenOff(3),
+            powercmd::sleepAfter(2),       powercmd::sleepAfter(7),        powercmd::lidClose(2),
+            powercmd::schemeBrightness(50)};
+        for (const powercmd::Pair &pair : privileged) {
+            QVERIFY2(!table.knows(pair.ac), qPrintable(pair.ac));
+            QVERIFY2(!table.knows(pair.dc), qPrintable(pair.dc));
         }
     }
-    QCOMPARE(SysfsPowerSupply(dir.path()).acLineStatus(), status);
-}
 
-void LinuxPowerTest::oneReaderFollowsPlugsAndVanishedSupplies()
-{
-    QTemporaryDir dir;
-    auto write = [&](const QString &name, const QByteArray &file, const QByteArray &text) {
-        QDir(dir.path()).mkpath(name);
-        QFile out(dir.filePath(name + QLatin1Char('/') + QLatin1String(file)));
-        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        out.write(text + '\n');
-    };
-    write(QStringLiteral("AC"), "type", "Mains");
-    write(QStringLiteral("AC"), "online", "0");
-    write(QStringLiteral("ADP2"), "type", "Mains");
-    write(QStringLiteral("ADP2"), "online", "0");
-    SysfsPowerSupply supply(dir.path());
-    QCOMPARE(supply.acLineStatus(), 0);
-
-    write(QStringLiteral("AC"), "online", "1");
-    QCOMPARE(supply.acLineStatus(), 1);
-    write(QStringLiteral("AC"), "online", "0");
-    QCOMPARE(supply.acLineStatus(), 0);
-
-    // Supplies that go away are noticed: none left means no line supply at all.
-    QVERIFY(QDir(dir.filePath(QStringLiteral("AC"))).removeRecursively());
-    QVERIFY(QDir(dir.filePath(QStringLiteral("ADP2"))).removeRecursively());
-    QCOMPARE(supply.acLineStatus(), 255);
-}
-
-// First: GIO stays unloaded only while nothing in the process has asked for a key.
-void LinuxPowerTest::absentSchemaLoadsNoGio()
-{
-    QTemporaryDir data;
-    QDir(data.path()).mkpath(QStringLiteral("glib-2.0/schemas"));
-    QFile compiled(data.path() + QStringLiteral("/glib-2.0/schemas/gschemas.compiled"));
-    QVERIFY(compiled.open(QIODevice::WriteOnly));
-    compiled.write("GVariant org.gnome.desktop.session");
-    compiled.close();
-    qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
-    qunsetenv("GSETTINGS_SCHEMA_DIR");
-    QVERIFY(
-        !GSettingsKey("org.gnome.settings-daemon.plugins.power", "ambient-enabled").available());
-    QFile maps(QStringLiteral("/proc/self/maps"));
-    QVERIFY(maps.open(QIODevice::ReadOnly));
-    QVERIFY(!maps.readAll().contains("libgio"));
-    // Named by a compiled file, the schema is looked up through GIO itself.
-    GSettingsKey("org.gnome.desktop.session", "idle-delay").available();
-    maps.seek(0);
-    QVERIFY(maps.readAll().contains("libgio"));
-}
-
-void LinuxPowerTest::tableRowsMatchWholeLines_data()
-{
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<bool>("matches");
-    QTest::newRow("optional letter, left out") << "powercfg -lists?x"
-                                               << "powercfg -listx" << true;
-    QTest::newRow("optional letter, given") << "powercfg -lists?x"
-                                            << "powercfg -listsx" << true;
-    QTest::newRow("repeated letter") << "net stops*x"
-                                     << "net stopx" << true;
-    QTest::newRow("counted letter") << "ab{2}c"
-                                    << "abbc" << true;
-    QTest::newRow("inline case option") << "(?i)WMIC Path"
-                                        << "wmic path" << true;
-    QTest::newRow("escaped dot") << "explorer a\\.b"
-                                 << "explorer a.b" << true;
-    QTest::newRow("escaped dot, other text") << "explorer a\\.b"
-                                             << "explorer axb" << false;
-    QTest::newRow("other command") << "tasklist /fi"
-                                   << "taskkill /fi" << false;
-    QTest::newRow("plain text keeps its case") << "tasklist"
-                                               << "TASKLIST" << false;
-    QTest::newRow("longer line") << "tasklist"
-                                 << "tasklist /v" << false;
-}
-
-void LinuxPowerTest::tableRowsMatchWholeLines()
-{
-    QFETCH(QString, pattern);
-    QFETCH(QString, line);
-    QFETCH(bool, matches);
-    CommandTable table;
-    table.add(QStringLiteral("unrelated"),
-              [](const QRegularExpressionMatch &) { return QString(); });
-    table.add(pattern, [](const QRegularExpressionMatch &) { return QStringLiteral("row"); });
-    QCOMPARE(table.run(line),
-             matches ? std::optional<QString>(QStringLiteral("row")) : std::nullopt);
-}
-
-void LinuxPowerTest::adaptiveBrightnessSetsAmbientLight_data()
-{
-    QTest::addColumn<bool>("disable");
-    QTest::addColumn<QString>("call");
-    QTest::newRow("adaptive off") << true << "ambient 0";
-    QTest::newRow("adaptive on") << false << "ambient 1";
-}
-
-void LinuxPowerTest::adaptiveBrightnessSetsAmbientLight()
-{
-    QFETCH(bool, disable);
-    QFETCH(QString, call);
-    auto desktop = std::make_shared<RecordingDesktop>();
-    CommandTable table;
-    addPowerCommands(table, desktop);
-    for (const QString &line : powercmd::adaptiveBrightness(disable))
-        QCOMPARE(table.run(line), std::optional<QString>(QString()));
-    QCOMPARE(desktop->calls, (QStringList{call, call}));
-}
-
-void LinuxPowerTest::settingsPagesOpenTheDesktopPanels()
-{
-    auto desktop = std::make_shared<RecordingDesktop>();
-    CommandTable table;
-    addPowerCommands(table, desktop);
-    QVERIFY(table.run("explorer ms-settings:display"));
-    QVERIFY(table.run("control.exe /name Microsoft.PowerOptions /page  pagePlanSettings"));
-    QCOMPARE(desktop->calls, (QStringList{"display", "power"}));
-    // The page name's two blanks are part of the line.
-    QVERIFY(!table.knows("control.exe /name Microsoft.PowerOptions /page pagePlanSettings"));
-}
-
-void LinuxPowerTest::privilegedLinesStayUnknown_data()
-{
-    QTest::addColumn<QString>("line");
-    const powercmd::Pair lines[] = {powercmd::processorMinimum(5), powercmd::processorMaximum(90),
-                                    powercmd::screenOff(3),        powercmd::sleepAfter(2),
-                                    powercmd::sleepAfter(7),       powercmd::lidClose(2),
-                                    powercmd::schemeBrightness(50)};
-    for (const powercmd::Pair &pair : lines) {
-        QTest::newRow(qPrintable(pair.ac)) << pair.ac;
-        QTest::newRow(qPrintable(pair.dc)) << pair.dc;
+    void timeoutsGoToTheProfilesAndReload_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("after");
+        const QString set = QStringLiteral("[AC][DPMSControl]\nidleTime=900\n\n"
+                                           "[Battery][SuspendSession]\nidleTime=1800000\n"
+                                           "suspendType=1\n");
+        QTest::newRow("a first file") << QString() << set;
+        QTest::newRow("other profiles and keys kept")
+            << kOtherProfile + QStringLiteral("\n[AC][DPMSControl]\nlockBeforeTurnOff=0\n"
+                                              "idleTime=300\n\n[AC][SuspendSession]\nidleTime=1\n")
+            << kOtherProfile +
+                   QStringLiteral("\n[AC][DPMSControl]\nlockBeforeTurnOff=0\nidleTime=900\n\n"
+                                  "[Battery][SuspendSession]\nidleTime=1800000\nsuspendType=1\n");
+        QTest::newRow("never removes the action") << set << QString();
     }
-}
+    void timeoutsGoToTheProfilesAndReload()
+    {
+        QFETCH(QString, before);
+        QFETCH(QString, after);
+        const QString file = m_config.filePath(QStringLiteral("powermanagementprofilesrc"));
+        write(file, before);
+        StandInPowerManager powerManager;
+        QVERIFY(
+            serve("org.kde.Solid.PowerManagement", "/org/kde/Solid/PowerManagement", powerManager));
 
-void LinuxPowerTest::privilegedLinesStayUnknown()
-{
-    QFETCH(QString, line);
-    auto desktop = std::make_shared<RecordingDesktop>();
-    CommandTable table;
-    addPowerCommands(table, desktop);
-    QVERIFY(!table.knows(line));
-    QVERIFY(desktop->calls.isEmpty());
-}
+        KdeTimeouts timeouts(m_config.path());
+        if (after.isEmpty()) { // the modes that never turn the screen off nor sleep
+            QVERIFY(timeouts.setScreenOff(false, 0));
+            QVERIFY(timeouts.setSleepAfter(true, 0));
+        } else {
+            QVERIFY(timeouts.setScreenOff(false, 15));
+            QVERIFY(timeouts.setSleepAfter(true, 30));
+            // The AC sleep profile of the second row is another mode's business.
+            if (before.contains(QLatin1String("[AC][SuspendSession]")))
+                QVERIFY(timeouts.setSleepAfter(false, 0));
+        }
+        QCOMPARE(read(file), after);
+        QTRY_COMPARE(powerManager.calls,
+                     before.contains(QLatin1String("[AC][SuspendSession]")) ? 3 : 2);
+        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
+    }
+    void metaKeyIsClearedAndGivenBack_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::newRow("no file") << QString();
+        QTest::newRow("the user's own Meta action") << QStringLiteral(
+            "[Windows]\nBorderlessMaximizedWindows=true\n\n[ModifierOnlyShortcuts]\n"
+            "Meta=org.kde.krunner,/App,,toggleDisplay\n");
+        QTest::newRow("other keys in the group")
+            << QStringLiteral("[ModifierOnlyShortcuts]\nShift=\n");
+    }
+    void metaKeyIsClearedAndGivenBack()
+    {
+        QFETCH(QString, before);
+        const QString file = m_config.filePath(QStringLiteral("kwinrc"));
+        QFile::remove(file);
+        if (!before.isEmpty())
+            write(file, before);
+        StandInKwin kwin;
+        QVERIFY(serve("org.kde.KWin", "/KWin", kwin));
+        {
+            KdeMetaKeyBlocker blocker(m_config.path());
+            QVERIFY(blocker.install());
+            QVERIFY(blocker.install()); // twice keeps the user's action, not the cleared one
+            QCOMPARE(KConfigFile(file).value(QStringLiteral("ModifierOnlyShortcuts"),
+                                             QStringLiteral("Meta")),
+                     std::optional<QString>(QString()));
+            blocker.uninstall();
+            QCOMPARE(read(file), before);
+            QVERIFY(blocker.install());
+        } // the program ends with the box checked: given back all the same
+        QCOMPARE(read(file), before);
+        QTRY_COMPARE(kwin.calls, 5);
+        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
+    }
+
+private:
+    bool serve(const char *service, const char *path, StandInService &standIn)
+    {
+        QDBusConnection bus = QDBusConnection::connectToBus(
+            QString::fromUtf8(qgetenv("DBUS_SESSION_BUS_ADDRESS")), QStringLiteral("plasma"));
+        return bus.registerObject(QLatin1String(path), &standIn, QDBusConnection::ExportAllSlots) &&
+               bus.registerService(QLatin1String(service));
+    }
+    QProcess m_daemon;
+    QTemporaryDir m_config;
+};
 
 QTEST_GUILESS_MAIN(LinuxPowerTest)
 #include "tst_linuxpower.moc"

@@ -1,8 +1,7 @@
+#include "autostartentries.h"
 #include "companions.h"
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
+#include "linuxregistry.h"
+#include "testwindow.h"
 
 #include <QtTest>
 
@@ -27,35 +26,206 @@ QStringList companionEntries(const OperationLog &log)
 class TestCompanions : public QObject {
     Q_OBJECT
 
+public:
+    TestCompanions()
+    {
+        m_registry.addRoute(AutostartEntries::runKey, std::make_shared<AutostartEntries>());
+    }
+
 private slots:
-    void init();
-    void cleanup();
-    void aLocatedCompanionStartsFromItsOwnFolder();
-    void withoutItsFileTheBareNameIsStarted_data();
-    void withoutItsFileTheBareNameIsStarted();
-    void startupCheckStartsOnlyRegisteredAppsNotRunning();
-    void startupCheckAsksTheTaskListOncePerApplication();
-    void startupCheckIsOffUntilTheBoxIsChecked();
+    void init()
+    {
+        m_home.reset(new QTemporaryDir);
+        qputenv("HOME", m_home->path().toLocal8Bit());
+        qputenv("XDG_CONFIG_HOME", (m_home->path() + "/.config").toLocal8Bit());
+    }
+
+    void aLocatedCompanionStartsFromItsOwnFolder()
+    {
+        TestWindow p;
+        p.start();
+        // A stand-in companion that reports where it runs and what it was given.
+        const QString appFolder = m_home->path() + "/Programs/Fan Control";
+        QDir().mkpath(appFolder);
+        const QString report = m_home->path() + "/report.txt";
+        QFile program(appFolder + "/FanControl.exe");
+        QVERIFY(program.open(QIODevice::WriteOnly));
+        program.write(
+            QStringLiteral("#!/bin/sh\n{ pwd; echo \"$#:[$1]\"; } > '%1'\n").arg(report).toUtf8());
+        program.close();
+        program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
+        writeLocator(R"(\Helmsuite\FanControl\fancontrol.ini)", appFolder + "/FanControl.exe");
+
+        p.ui().Button_FanControl->click();
+        // The separator is doubled: the folder kept its own before the name was appended again.
+        QCOMPARE(companionEntries(*p.fake.log),
+                 QStringList({"process: " + appFolder + "//FanControl.exe "}));
+        QTRY_VERIFY(QFileInfo(report).size() > 0);
+        QFile result(report);
+        QVERIFY(result.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(result.readAll()), appFolder + "\n1:[]\n");
+    }
+
+    void withoutItsFileTheBareNameIsStarted_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("locator"); // empty: no locator file
+        QTest::addColumn<QString>("appUrl");
+        QTest::addColumn<QString>("started");
+        auto row = [](const char *name, const char *button, const char *locator, const char *appUrl,
+                      const char *started) {
+            QTest::newRow(name) << button << locator << appUrl << QString("shown 4: ") + started;
+        };
+        row("updater, no locator", "Button_Updater", "", "", "Updater.exe");
+        row("fan control, no locator", "Button_FanControl", "", "", "FanControl.exe");
+        row("keyboard, locator names a missing file", "Button_KeyboardLed",
+            R"(\Helmsuite\KeyboardLED\keyboardled.ini)", "/nowhere/KeyboardLed.exe",
+            "KeyboardLed.exe");
+        row("updater, locator without appurl", "Button_Updater",
+            R"(\Helmsuite\Updater\updater.ini)", "", "Updater.exe");
+    }
+
+    void withoutItsFileTheBareNameIsStarted()
+    {
+        QFETCH(QString, locator);
+        QFETCH(QString, appUrl);
+        TestWindow p;
+        if (!locator.isEmpty())
+            writeLocator(locator, appUrl);
+        p.start();
+        QFETCH(QString, button);
+        p.window->findChild<QPushButton *>(button)->click();
+        QTEST(companionEntries(*p.fake.log).join('\n'), "started");
+    }
+
+    void startAppsStartsRegisteredAppsNotRunning_data()
+    {
+        QTest::addColumn<QStringList>("registered");
+        QTest::addColumn<QString>("tasks");
+        QTest::addColumn<QStringList>("expected");
+        const QString list = QStringLiteral("run: tasklist"), updater = "shown 0: Updater.exe";
+        // Fan control runs at log-on too, but is not registered: left alone although not running.
+        QTest::newRow("registered, not running")
+            << QStringList{"Updater", "KeyboardLED"}
+            << "System Idle Process  0\nKeyboardLed.exe   4242\n"
+            << QStringList{list, updater, list};
+        const QStringList all{"Updater", "Fan Control", "KeyboardLED"};
+        QTest::newRow("all running")
+            << all << "Updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
+            << QStringList{list, list, list};
+        // A name differing only in case is another program.
+        QTest::newRow("case differs")
+            << all << "updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n"
+            << QStringList{list, updater, list, list};
+    }
+
+    void startAppsStartsRegisteredAppsNotRunning()
+    {
+        QFETCH(QStringList, registered);
+        QFETCH(QString, tasks);
+        TestWindow p;
+        p.setGeneral("checkstart", true);
+        for (const QString &name : registered)
+            p.fake.registry->values.insert(kRunKey + "|" + name, "x");
+        p.fake.commands->outputs.insert("tasklist", tasks);
+        p.start();
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+        QTEST(companionEntries(*p.fake.log), "expected");
+    }
+
+    void startupCheckRunsAfterTenSecondsAndFollowsTheBox()
+    {
+        TestWindow p;
+        p.setGeneral("checkstart", true);
+        p.fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        QVERIFY(!p.ui().checkstart->isChecked());
+        p.fake.log->clear();
+        p.fake.scheduler->advance(9999);
+        QCOMPARE(companionEntries(*p.fake.log), QStringList());
+        p.fake.scheduler->advance(1);
+        QVERIFY(p.ui().checkstart->isChecked());
+        QCOMPARE(companionEntries(*p.fake.log),
+                 QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+
+        // Off until the box is checked again; the box is remembered.
+        p.ui().checkstart->click();
+        QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("false"));
+        p.fake.log->clear();
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+        QCOMPARE(companionEntries(*p.fake.log), QStringList());
+        p.ui().checkstart->click();
+        QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("true"));
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
+        QCOMPARE(companionEntries(*p.fake.log),
+                 QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+    }
+
+    // The Run key of a Linux registry, as the desktop's autostart entries.
+    void runValuesAreAutostartEntries()
+    {
+        const QString none = QStringLiteral("none");
+        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(), none);
+        QVERIFY(!m_registry.contains(kRun, "Fan Control"));
+
+        m_registry.setValue(kRun, "Fan Control", "/opt/helmsuite/fancontrol --tray");
+        QVERIFY(QFile::exists(entry("Fan Control.desktop")));
+        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(),
+                 QStringLiteral("/opt/helmsuite/fancontrol --tray"));
+        QVERIFY(m_registry.contains(kRun, "Fan Control"));
+        // Case of the key path does not matter, as in the registry.
+        QVERIFY(m_registry.contains(kRun.toLower(), "Fan Control"));
+
+        m_registry.remove(kRun, "Fan Control");
+        QVERIFY(!QFile::exists(entry("Fan Control.desktop")));
+        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(), none);
+    }
+
+    void hiddenEntriesCountAsRemoved()
+    {
+        // An entry the desktop's settings switched off, with actions after the main group.
+        write("Updater.desktop", "[Desktop Entry]\nType=Application\nExec=updater\nHidden=true\n"
+                                 "[Desktop Action x]\nExec=other\n");
+        QVERIFY(!m_registry.contains(kRun, "Updater"));
+        QCOMPARE(m_registry.value(kRun, "Updater", "none").toString(), QStringLiteral("none"));
+
+        write("KeyboardLED.desktop", "[Desktop Entry]\nExec=kbd --min\nHidden=false\n"
+                                     "[Desktop Action x]\nExec=other\n");
+        QCOMPARE(m_registry.value(kRun, "KeyboardLED", "none").toString(),
+                 QStringLiteral("kbd --min"));
+    }
+
+    void otherKeysAreNotEntries()
+    {
+        m_registry.setValue(
+            R"(HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\RunOnce)", "Updater",
+            "x");
+        QVERIFY(!QFile::exists(entry("Updater.desktop")));
+        // A name cannot leave the autostart folder.
+        m_registry.setValue(kRun, "../escape", "x");
+        QVERIFY(QFile::exists(entry(".._escape.desktop")));
+    }
 
 private:
-    // Documents folder of a home of its own, and the locator file of one companion.
     void writeLocator(const QString &relative, const QString &appUrl);
+    QString entry(const QString &name) const
+    {
+        return m_home->path() + "/.config/autostart/" + name;
+    }
+    void write(const QString &name, const QByteArray &text)
+    {
+        QDir().mkpath(m_home->path() + "/.config/autostart");
+        QFile file(entry(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
 
+    const QString kRun = AutostartEntries::runKey;
+    LinuxRegistry m_registry;
     QScopedPointer<QTemporaryDir> m_home;
 };
 
-void TestCompanions::init()
-{
-    m_home.reset(new QTemporaryDir);
-    qputenv("HOME", m_home->path().toLocal8Bit());
-    qputenv("XDG_CONFIG_HOME", (m_home->path() + "/.config").toLocal8Bit());
-}
-
-void TestCompanions::cleanup()
-{
-    m_home.reset();
-}
-
+// The locator file of one companion, in the Documents folder of a home of the test's own.
 void TestCompanions::writeLocator(const QString &relative, const QString &appUrl)
 {
     const QString path = localPath(Companions::documentsFolder() + relative);
@@ -63,143 +233,6 @@ void TestCompanions::writeLocator(const QString &relative, const QString &appUrl
     QDir().mkpath(QFileInfo(path).path());
     QSettings ini(path, QSettings::IniFormat);
     ini.setValue("settings/appurl", appUrl);
-}
-
-void TestCompanions::aLocatedCompanionStartsFromItsOwnFolder()
-{
-    TestFolder folder;
-    FakePlatform fake;
-    MainWindow w(fake.bundle());
-
-    // A stand-in companion that reports where it runs and what it was given.
-    const QString appFolder = m_home->path() + "/Programs/Fan Control";
-    QDir().mkpath(appFolder);
-    const QString report = m_home->path() + "/report.txt";
-    QFile program(appFolder + "/FanControl.exe");
-    QVERIFY(program.open(QIODevice::WriteOnly));
-    program.write(
-        QStringLiteral("#!/bin/sh\n{ pwd; echo \"$#:[$1]\"; } > '%1'\n").arg(report).toUtf8());
-    program.close();
-    program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
-    writeLocator(R"(\Helmsuite\FanControl\fancontrol.ini)", appFolder + "/FanControl.exe");
-
-    fake.log->clear();
-    w.form()->Button_FanControl->click();
-
-    // The separator is doubled: the folder kept its own before the name was appended again.
-    QCOMPARE(companionEntries(*fake.log),
-             QStringList({"process: " + appFolder + "//FanControl.exe "}));
-    QTRY_VERIFY(QFileInfo(report).size() > 0);
-    QFile result(report);
-    QVERIFY(result.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromUtf8(result.readAll()), appFolder + "\n1:[]\n");
-}
-
-void TestCompanions::withoutItsFileTheBareNameIsStarted_data()
-{
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<QString>("locator");
-    QTest::addColumn<QString>("appUrl"); // empty: no locator file
-    QTest::addColumn<QString>("started");
-
-    QTest::newRow("updater, no locator") << "Button_Updater"
-                                         << ""
-                                         << ""
-                                         << "shown 4: Updater.exe";
-    QTest::newRow("fan control, no locator") << "Button_FanControl"
-                                             << ""
-                                             << ""
-                                             << "shown 4: FanControl.exe";
-    QTest::newRow("keyboard, locator names a missing file")
-        << "Button_KeyboardLed"
-        << R"(\Helmsuite\KeyboardLED\keyboardled.ini)"
-        << "/nowhere/KeyboardLed.exe"
-        << "shown 4: KeyboardLed.exe";
-    QTest::newRow("updater, locator without appurl") << "Button_Updater"
-                                                     << R"(\Helmsuite\Updater\updater.ini)"
-                                                     << ""
-                                                     << "shown 4: Updater.exe";
-}
-
-void TestCompanions::withoutItsFileTheBareNameIsStarted()
-{
-    QFETCH(QString, button);
-    QFETCH(QString, locator);
-    QFETCH(QString, appUrl);
-    QFETCH(QString, started);
-
-    TestFolder folder;
-    if (!locator.isEmpty())
-        writeLocator(locator, appUrl);
-    FakePlatform fake;
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    w.findChild<QPushButton *>(button)->click();
-    QCOMPARE(companionEntries(*fake.log), QStringList({started}));
-}
-
-void TestCompanions::startupCheckStartsOnlyRegisteredAppsNotRunning()
-{
-    TestFolder folder;
-    folder.setIni("settings//varnel.ini", "checkstart", true);
-    FakePlatform fake;
-    // Fan control runs at log-on too, but is not registered: left alone although not running.
-    fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
-    fake.registry->values.insert(kRunKey + "|KeyboardLED", "KeyboardLed.exe /min");
-    fake.commands->outputs.insert("tasklist", "System Idle Process  0\nKeyboardLed.exe   4242\n");
-    MainWindow w(fake.bundle());
-    QVERIFY(!w.form()->checkstart->isChecked());
-    fake.log->clear();
-
-    fake.scheduler->advance(9999);
-    QCOMPARE(companionEntries(*fake.log), QStringList());
-    fake.scheduler->advance(1);
-    QVERIFY(w.form()->checkstart->isChecked());
-    QCOMPARE(companionEntries(*fake.log),
-             QStringList({"run: tasklist", "shown 0: Updater.exe", "run: tasklist"}));
-}
-
-void TestCompanions::startupCheckAsksTheTaskListOncePerApplication()
-{
-    TestFolder folder;
-    folder.setIni("settings//varnel.ini", "checkstart", true);
-    FakePlatform fake;
-    for (const char *name : {"Updater", "Fan Control", "KeyboardLED"})
-        fake.registry->values.insert(kRunKey + "|" + name, "x");
-    fake.commands->outputs.insert("tasklist",
-                                  "Updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n");
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log),
-             QStringList({"run: tasklist", "run: tasklist", "run: tasklist"}));
-
-    // A name differing only in case is another program.
-    fake.commands->outputs.insert("tasklist",
-                                  "updater.exe 1\nFanControl.exe 2\nKeyboardLed.exe 3\n");
-    fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe",
-                                                       "run: tasklist", "run: tasklist"}));
-}
-
-void TestCompanions::startupCheckIsOffUntilTheBoxIsChecked()
-{
-    TestFolder folder;
-    FakePlatform fake;
-    fake.registry->values.insert(kRunKey + "|Updater", "x");
-    MainWindow w(fake.bundle());
-    fake.log->clear();
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log), QStringList());
-
-    w.form()->checkstart->click();
-    QCOMPARE(folder.ini("settings/varnel.ini", "checkstart").toString(), QStringLiteral("true"));
-    QVERIFY(QMetaObject::invokeMethod(&w, "StartApps"));
-    QCOMPARE(companionEntries(*fake.log), QStringList({"run: tasklist", "shown 0: Updater.exe"}));
-
-    w.form()->checkstart->click();
-    QCOMPARE(folder.ini("settings/varnel.ini", "checkstart").toString(), QStringLiteral("false"));
 }
 
 QTEST_MAIN(TestCompanions)

@@ -1,11 +1,8 @@
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "myeventfilter.h"
-#include "sleeplogind.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
-
+// Sleep and resume: the message rule, the filter that schedules the window's actions, and what
+// the window runs a few seconds after a resume or the device message.
 #include "cputuning.h"
+#include "myeventfilter.h"
+#include "testwindow.h"
 
 #include <QtTest>
 
@@ -16,28 +13,25 @@ QStringList actions(const OperationLog &log)
 {
     QStringList out;
     for (const QString &e : log.entries) {
-        if (e.startsWith("run: ") || e.startsWith("start: ") || e.startsWith("shown ") ||
-            e.startsWith("process: ") || e.startsWith("detached: "))
-            out << e;
+        for (const char *prefix : {"run: ", "start: ", "shown ", "process: ", "detached: "}) {
+            if (e.startsWith(QLatin1String(prefix)))
+                out << e;
+        }
     }
     return out;
 }
-
-// The window with every start-up delay already run, and a clean log.
-struct SettledWindow {
-    explicit SettledWindow(FakePlatform &fake, Platform bundle) : window(std::move(bundle))
-    {
-        fake.scheduler->runAll();
-        fake.log->clear();
-        fake.scheduler->history.clear();
-    }
-    MainWindow window;
-};
 
 const QStringList kFixesInOrder = {
     R"(run: taskkill /f /im "InitHeadphone.exe")", R"(run: taskkill /f /im "PhoneJack.exe")",
     R"(shown 1: Libs\InitHeadphone.exe)", R"(shown 1: Libs\PhoneJack.exe)",
     R"(shown 0: Libs\AuxSwitch.exe)"};
+
+void checkFixBoxes(TestWindow &p)
+{
+    p.ui().checkBox_headphonefix->setChecked(true);
+    p.ui().checkBox_3->setChecked(true);
+    p.ui().checkBox_ReApply->setChecked(true);
+}
 
 } // namespace
 
@@ -45,103 +39,117 @@ class TestResume : public QObject {
     Q_OBJECT
 
 private slots:
-    void resumeWithoutBoxesOnlyRereadsVolumeAndBrightness();
-    void resumeRunsFixesThenRereadsThenTuning();
-    void deviceMessageRunsTheFixesOnly();
-    void logindResumeRereadsThreeSecondsLater();
+    void decidesEachMessage_data()
+    {
+        QTest::addColumn<quint32>("id");
+        QTest::addColumn<quintptr>("code");
+        QTest::addColumn<bool>("pending");
+        QTest::addColumn<QString>("scheduled");
+        const quint32 power = powermsg::powerBroadcast, device = powermsg::deviceMessage,
+                      other = 0x0F;
+        auto row = [](const char *name, quint32 id, quintptr code, bool pending, const char *s) {
+            QTest::newRow(name) << id << code << pending << QString::fromLatin1(s);
+        };
+        row("suspend", power, 4, false, "");
+        row("resume suspend", power, 7, false, "awake");
+        row("resume standby", power, 8, false, "awake");
+        row("resume automatic", power, 18, false, "awake");
+        row("other power event", power, 10, false, "");
+        row("device message", device, 0, false, "awake2");
+        row("device message, any code", 0xC08E, 7, false, "awake2");
+        row("unrelated message", other, 7, false, "");
+        // A pending resume is consumed by whichever message comes next.
+        row("pending, suspend", power, 4, true, "awake");
+        row("pending, unrelated", other, 0, true, "awake");
+        row("pending, device message", device, 0, true, "awake awake2");
+        row("pending, resume", power, 18, true, "awake");
+    }
+
+    void decidesEachMessage()
+    {
+        QFETCH(quint32, id);
+        QFETCH(quintptr, code);
+        QFETCH(bool, pending);
+        const PowerMessageDecision d = decidePowerMessage(id, code, pending);
+        QStringList scheduled;
+        if (d.scheduleAwake)
+            scheduled << "awake";
+        if (d.scheduleAwake2)
+            scheduled << "awake2";
+        QTEST(scheduled.join(' '), "scheduled");
+        QVERIFY(!d.resumePending);
+    }
+
+    void nativeMessagesAreDecodedAndNeverSwallowed()
+    {
+        FakePlatform fake;
+        MyEventFilter filter(fake.sleep, fake.scheduler);
+        long result = 0;
+        FakeSleepNotifier::Message device{powermsg::deviceMessage, 0};
+        FakeSleepNotifier::Message resume{powermsg::powerBroadcast, powermsg::resumeStandby};
+        FakeSleepNotifier::Message suspend{powermsg::powerBroadcast, powermsg::suspend};
+        QVERIFY(!filter.nativeEventFilter("fake", &device, &result));
+        QVERIFY(!filter.nativeEventFilter("fake", &resume, &result));
+        QVERIFY(!filter.nativeEventFilter("fake", &suspend, &result));
+        // An event the backend cannot read is no message at all.
+        QVERIFY(!filter.nativeEventFilter("xcb_generic_event_t", &resume, &result));
+        // Windows reports one resume twice; the actions are scheduled twice, as accepted.
+        emit fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
+        QCOMPARE(fake.scheduler->history, QStringList({"2000 awake2", "3000 awake", "3000 awake"}));
+    }
+
+    void resumeWithoutBoxesOnlyRereadsVolumeAndBrightness()
+    {
+        TestWindow p;
+        p.start();
+        p.fake.audio->level = 0.73f;
+        p.fake.panel->level = 35;
+        emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeAutomatic);
+        QCOMPARE(p.fake.scheduler->history, QStringList({"3000 awake"}));
+        p.fake.scheduler->advance(2999);
+        QVERIFY(p.fake.log->entries.isEmpty());
+
+        p.fake.scheduler->advance(1);
+        QCOMPARE(p.ui().Slider_Volume->value(), 73);
+        QCOMPARE(p.ui().Slider_Brightness->value(), 35);
+        QVERIFY(p.fake.log->indexOf("panel read") >
+                p.fake.log->entries.indexOf(QRegularExpression("audio 1 .*")));
+        QCOMPARE(actions(*p.fake.log), QStringList());
+    }
+
+    void resumeRunsFixesThenRereadsThenTuning()
+    {
+        TestWindow p;
+        p.start();
+        checkFixBoxes(p);
+        p.window->cpuTuning()->reapplyDone = true;
+        emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
+        p.fake.scheduler->advance(3000);
+
+        const QStringList &log = p.fake.log->entries;
+        QCOMPARE(actions(*p.fake.log).mid(0, 5), kFixesInOrder);
+        const int volume = log.indexOf(QRegularExpression("audio 1 .*"));
+        const int brightness = p.fake.log->indexOf("panel read");
+        QVERIFY(p.fake.log->indexOf(kFixesInOrder.last()) < volume);
+        QVERIFY(volume < brightness);
+        QVERIFY(brightness < log.indexOf(QRegularExpression("process: .*")));
+        // The once-per-run re-apply may run again after a resume.
+        QVERIFY(!p.window->cpuTuning()->reapplyDone);
+    }
+
+    void deviceMessageRunsTheFixesOnly()
+    {
+        TestWindow p;
+        p.start();
+        checkFixBoxes(p);
+        emit p.fake.sleep->powerMessage(powermsg::deviceMessage, 0);
+        QCOMPARE(p.fake.scheduler->history, QStringList({"2000 awake2"}));
+        p.fake.scheduler->advance(2000);
+        QCOMPARE(actions(*p.fake.log), kFixesInOrder);
+        QCOMPARE(p.fake.log->indexOf("panel read"), -1);
+        QCOMPARE(p.fake.log->withPrefix("audio ").size(), 0);
+    }
 };
-
-void TestResume::resumeWithoutBoxesOnlyRereadsVolumeAndBrightness()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    SettledWindow settled(fake, fake.bundle());
-    MainWindow &w = settled.window;
-
-    fake.audio->level = 0.73f;
-    fake.panel->level = 35;
-    emit fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeAutomatic);
-    QCOMPARE(fake.scheduler->history, QStringList({"3000 awake"}));
-    fake.scheduler->advance(2999);
-    QVERIFY(fake.log->entries.isEmpty());
-
-    fake.scheduler->advance(1);
-    QCOMPARE(w.form()->Slider_Volume->value(), 73);
-    QCOMPARE(w.form()->Slider_Brightness->value(), 35);
-    QVERIFY(fake.log->indexOf("panel read") >
-            fake.log->entries.indexOf(QRegularExpression("audio 1 .*")));
-    QCOMPARE(actions(*fake.log), QStringList());
-}
-
-void TestResume::resumeRunsFixesThenRereadsThenTuning()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    SettledWindow settled(fake, fake.bundle());
-    MainWindow &w = settled.window;
-    w.form()->checkBox_headphonefix->setChecked(true);
-    w.form()->checkBox_3->setChecked(true);
-    w.form()->checkBox_ReApply->setChecked(true);
-    w.cpuTuning()->reapplyDone = true;
-
-    emit fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
-    fake.scheduler->advance(3000);
-
-    QCOMPARE(actions(*fake.log).mid(0, 5), kFixesInOrder);
-    const int lastFix = fake.log->indexOf(kFixesInOrder.last());
-    const int volume = fake.log->entries.indexOf(QRegularExpression("audio 1 .*"));
-    const int brightness = fake.log->indexOf("panel read");
-    const int tuning = fake.log->entries.indexOf(QRegularExpression("process: .*"));
-    QVERIFY(lastFix < volume);
-    QVERIFY(volume < brightness);
-    QVERIFY2(brightness < tuning, qPrintable(fake.log->entries.join('\n')));
-    // The once-per-run re-apply may run again after a resume.
-    QVERIFY(!w.cpuTuning()->reapplyDone);
-}
-
-void TestResume::deviceMessageRunsTheFixesOnly()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    SettledWindow settled(fake, fake.bundle());
-    MainWindow &w = settled.window;
-    w.form()->checkBox_headphonefix->setChecked(true);
-    w.form()->checkBox_3->setChecked(true);
-    w.form()->checkBox_ReApply->setChecked(true);
-
-    emit fake.sleep->powerMessage(powermsg::deviceMessage, 0);
-    QCOMPARE(fake.scheduler->history, QStringList({"2000 awake2"}));
-    fake.scheduler->advance(2000);
-
-    QCOMPARE(actions(*fake.log), kFixesInOrder);
-    QCOMPARE(fake.log->indexOf("panel read"), -1);
-    QCOMPARE(fake.log->withPrefix("audio ").size(), 0);
-}
-
-void TestResume::logindResumeRereadsThreeSecondsLater()
-{
-    FakePlatform fake;
-    TestFolder folder;
-    // The Linux backend without a bus: only its handler reports.
-    auto logind = std::make_shared<LogindSleepNotifier>(QDBusConnection(QStringLiteral("none")));
-    Platform bundle = fake.bundle();
-    bundle.sleep = logind;
-    SettledWindow settled(fake, bundle);
-    MainWindow &w = settled.window;
-
-    logind->handlePrepareForSleep(true);
-    QVERIFY(fake.scheduler->history.isEmpty());
-
-    fake.audio->level = 0.21f;
-    fake.panel->level = 80;
-    logind->handlePrepareForSleep(false);
-    QCOMPARE(fake.scheduler->history, QStringList({"3000 awake"}));
-    fake.scheduler->advance(2999);
-    QVERIFY(w.form()->Slider_Brightness->value() != 80);
-    fake.scheduler->advance(1);
-    QCOMPARE(w.form()->Slider_Volume->value(), 21);
-    QCOMPARE(w.form()->Slider_Brightness->value(), 80);
-}
 
 QTEST_MAIN(TestResume)
 #include "tst_resume.moc"

@@ -49,102 +49,85 @@ bool released(int readEnd)
     return ::poll(&p, 1, 0) == 1 && (p.revents & (POLLHUP | POLLIN));
 }
 
-struct Message {
-    quint32 id;
-    quintptr code;
-};
-
 } // namespace
 
 class TestSleepLogind : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void holdsADelayLockWhileAwakeAndReportsResume();
-    void withoutABusNothingIsReported();
+    void initTestCase()
+    {
+        if (QStandardPaths::findExecutable("dbus-daemon").isEmpty())
+            QSKIP("dbus-daemon is not installed");
+        // A private bus of the test's own: nothing on the machine's system bus is touched.
+        m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+        QVERIFY(m_daemon.waitForReadyRead(10000));
+        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        QVERIFY(!m_address.isEmpty());
+    }
+
+    void cleanupTestCase()
+    {
+        QDBusConnection::disconnectFromBus("logind");
+        QDBusConnection::disconnectFromBus("varnel");
+        m_daemon.kill();
+        m_daemon.waitForFinished(5000);
+    }
+
+    void holdsADelayLockWhileAwakeAndReportsResume()
+    {
+        QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+        StandInLogind logind;
+        QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
+                                       QDBusConnection::ExportAllSlots |
+                                           QDBusConnection::ExportAllSignals));
+        QVERIFY(service.registerService("org.freedesktop.login1"));
+
+        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_address, "varnel"));
+        QStringList messages; // "id code"
+        connect(&notifier, &SleepNotifier::powerMessage, this,
+                [&messages](quint32 id, quintptr code) {
+                    messages << QStringLiteral("%1 %2").arg(id).arg(code);
+                });
+        const QString lock = "sleep|Varnel|Re-applies the laptop's fixes after a resume|delay";
+        QTRY_VERIFY(notifier.holdsInhibitor());
+        QCOMPARE(logind.inhibitCalls, QStringList{lock});
+        QVERIFY(!released(logind.readEnds.first()));
+
+        // Before sleeping: told, and the lock goes so the machine can sleep.
+        emit logind.PrepareForSleep(true);
+        QTRY_COMPARE(messages, QStringList{"536 4"});
+        QTRY_VERIFY(released(logind.readEnds.first()));
+        QVERIFY(!notifier.holdsInhibitor());
+
+        // After waking up: a resume message, and a new lock for the next sleep.
+        emit logind.PrepareForSleep(false);
+        QTRY_COMPARE(messages, (QStringList{"536 4", "536 7"}));
+        QTRY_VERIFY(notifier.holdsInhibitor());
+        QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
+        QVERIFY(!released(logind.readEnds.last()));
+    }
+
+    void withoutABusNothingIsReported()
+    {
+        LogindSleepNotifier notifier(QDBusConnection(QStringLiteral("no such bus")));
+        int reported = 0;
+        connect(&notifier, &SleepNotifier::powerMessage, this, [&reported] { ++reported; });
+        QVERIFY(!notifier.holdsInhibitor());
+        quint32 id = 0;
+        quintptr code = 0;
+        int event = 0;
+        QVERIFY(!notifier.decodeNativeMessage("xcb_generic_event_t", &event, &id, &code));
+        QCOMPARE(reported, 0);
+        // The handler itself still reports.
+        notifier.handlePrepareForSleep(false);
+        QCOMPARE(reported, 1);
+    }
 
 private:
     QProcess m_daemon;
     QString m_address;
 };
-
-void TestSleepLogind::initTestCase()
-{
-    if (QStandardPaths::findExecutable("dbus-daemon").isEmpty())
-        QSKIP("dbus-daemon is not installed");
-    // A private bus of the test's own: nothing on the machine's system bus is touched.
-    m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-    QVERIFY(m_daemon.waitForReadyRead(10000));
-    m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-    QVERIFY(!m_address.isEmpty());
-}
-
-void TestSleepLogind::cleanupTestCase()
-{
-    QDBusConnection::disconnectFromBus("logind");
-    QDBusConnection::disconnectFromBus("varnel");
-    m_daemon.kill();
-    m_daemon.waitForFinished(5000);
-}
-
-void TestSleepLogind::holdsADelayLockWhileAwakeAndReportsResume()
-{
-    QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
-    StandInLogind logind;
-    QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
-                                   QDBusConnection::ExportAllSlots |
-                                       QDBusConnection::ExportAllSignals));
-    QVERIFY(service.registerService("org.freedesktop.login1"));
-
-    LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_address, "varnel"));
-    QVector<Message> messages;
-    connect(&notifier, &SleepNotifier::powerMessage, this, [&messages](quint32 id, quintptr code) {
-        messages.append({id, code});
-    });
-
-    QTRY_VERIFY(notifier.holdsInhibitor());
-    QCOMPARE(logind.inhibitCalls.size(), 1);
-    const QStringList call = logind.inhibitCalls.first().split('|');
-    QCOMPARE(call.value(0), QStringLiteral("sleep"));
-    QCOMPARE(call.value(1), QStringLiteral("Varnel"));
-    QCOMPARE(call.value(3), QStringLiteral("delay"));
-    QVERIFY(!released(logind.readEnds.first()));
-
-    // Before sleeping: told, and the lock goes so the machine can sleep.
-    emit logind.PrepareForSleep(true);
-    QTRY_COMPARE(messages.size(), 1);
-    QCOMPARE(messages.at(0).id, 0x218u);
-    QCOMPARE(messages.at(0).code, quintptr(4));
-    QTRY_VERIFY(released(logind.readEnds.first()));
-    QVERIFY(!notifier.holdsInhibitor());
-
-    // After waking up: a resume message, and a new lock for the next sleep.
-    emit logind.PrepareForSleep(false);
-    QTRY_COMPARE(messages.size(), 2);
-    QCOMPARE(messages.at(1).id, 0x218u);
-    QCOMPARE(messages.at(1).code, quintptr(7));
-    QTRY_VERIFY(notifier.holdsInhibitor());
-    QCOMPARE(logind.inhibitCalls.size(), 2);
-    QVERIFY(!released(logind.readEnds.last()));
-}
-
-void TestSleepLogind::withoutABusNothingIsReported()
-{
-    LogindSleepNotifier notifier(QDBusConnection(QStringLiteral("no such bus")));
-    int reported = 0;
-    connect(&notifier, &SleepNotifier::powerMessage, this, [&reported] { ++reported; });
-    QVERIFY(!notifier.holdsInhibitor());
-    quint32 id = 0;
-    quintptr code = 0;
-    int event = 0;
-    QVERIFY(!notifier.decodeNativeMessage("xcb_generic_event_t", &event, &id, &code));
-    QCOMPARE(reported, 0);
-    // The handler itself still reports, which is how the window is tested without a bus.
-    notifier.handlePrepareForSleep(false);
-    QCOMPARE(reported, 1);
-}
 
 QTEST_GUILESS_MAIN(TestSleepLogind)
 #include "tst_sleeplogind.moc"

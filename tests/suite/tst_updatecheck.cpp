@@ -1,7 +1,4 @@
-#include "fakeplatform.h"
-#include "mainwindow.h"
-#include "testfolder.h"
-#include "ui_mainwindow.h"
+#include "testwindow.h"
 #include "updatechecker.h"
 #include "versionserver.h"
 
@@ -40,6 +37,17 @@ QString pendingUpdate(const TestFolder &folder)
     return work.value(QStringLiteral("workqueue/Varnel")).toString();
 }
 
+// A message box as one line: icon, title, text and buttons.
+QString box(QMessageBox::Icon icon, const QString &title, const QString &text,
+            QMessageBox::StandardButtons buttons)
+{
+    return QStringLiteral("%1 %2: %3 [%4]").arg(int(icon)).arg(title, text).arg(int(buttons));
+}
+QString box(const FakeDialogs::Shown &b)
+{
+    return box(b.icon, b.title, b.text, b.buttons);
+}
+
 } // namespace
 
 class TestUpdateCheck : public QObject {
@@ -47,210 +55,185 @@ class TestUpdateCheck : public QObject {
 
 private slots:
     void initTestCase() { QCoreApplication::setApplicationVersion(QStringLiteral("2.3.1")); }
-    void checksAtStartAndByHand_data();
-    void checksAtStartAndByHand();
-    void anUpdateIsOfferedOnEveryCheck();
-    void theShippedPlaceholderIsNeverAsked();
-    void aSilentServerNeverDelaysTheWindow();
-};
 
-void TestUpdateCheck::checksAtStartAndByHand_data()
-{
-    QTest::addColumn<int>("status"); // 0: nothing listens
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("latestLabel");
-    QTest::addColumn<QString>("aboutLabel");
-    QTest::addColumn<QString>("boxText"); // shown only after the button
-
-    const QString sameText = kLatestText + QLatin1Char('\n');
-    const QString betaBox =
-        QStringLiteral("Your version is newer then the official latest! You are probably a beta "
-                       "tester.\n");
-    const QString noAnswerBox = kNoAnswerText + QLatin1Char('\n');
-    QTest::newRow("equal") << 200 << QByteArray("2.3.1") << "Latest Version: 2.3.1" << kLatestText
-                           << sameText;
-    QTest::newRow("older on the server")
-        << 200 << QByteArray("2.3") << "Latest Version: 2.3" << kBetaText << betaBox;
-    QTest::newRow("error status, body still read")
-        << 404 << QByteArray("3.0") << "Latest Version: 3.0" << kUpdateText << QString();
-    // An answer that is no version is no answer: never shown whole, never offering an update.
-    QTest::newRow("error page") << 404
-                                << QByteArray("<html><body><h1>Not Found</h1></body></html>\n")
-                                << "Latest Version: " << kNoAnswerText << noAnswerBox;
-    QTest::newRow("trailing line break")
-        << 200 << QByteArray("2.3.1\r\n") << "Latest Version: 2.3.1" << kLatestText << sameText;
-    QTest::newRow("ten kilobytes")
-        << 200 << QByteArray(10240, '7') << "Latest Version: " << kNoAnswerText << noAnswerBox;
-    QTest::newRow("lowest int") << 200 << QByteArray("-2147483648")
-                                << "Latest Version: " << kNoAnswerText << noAnswerBox;
-    QTest::newRow("server error, empty body")
-        << 500 << QByteArray() << "Latest Version: " << kNoAnswerText << noAnswerBox;
-    QTest::newRow("connection refused")
-        << 0 << QByteArray() << "Latest Version: " << kNoAnswerText << noAnswerBox;
-}
-
-void TestUpdateCheck::checksAtStartAndByHand()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
-    QFETCH(QString, latestLabel);
-    QFETCH(QString, aboutLabel);
-    QFETCH(QString, boxText);
-
-    TestFolder folder;
-    VersionServer server;
-    QVERIFY(server.listen());
-    server.status = status;
-    server.body = body;
-    folder.setIni(kBranding, "updateserver",
-                  status ? server.address() : VersionServer::refusingAddress());
-
-    FakePlatform fake;
-    fake.dialogs->answers = {QMessageBox::No};
-    MainWindow w(fake.bundle());
-    Ui::MainWindow &ui = *w.form();
-    auto *updates = w.findChild<UpdateChecker *>();
-    QVERIFY(updates);
-    QVERIFY(checkAndWait(updates, [] {}));
-
-    QCOMPARE(server.requests,
-             status ? QStringList({"GET /varnel/version HTTP/1.1"}) : QStringList());
-    QCOMPARE(ui.Label_CurrentVersion->text(), QStringLiteral("Installed Version: 2.3.1"));
-    QCOMPARE(ui.Label_LatestVersion->text(), latestLabel);
-    QCOMPARE(ui.Label_AboutVersion->text(), aboutLabel);
-    if (boxText.isEmpty()) {
-        // An update: offered at once, on the automatic check too.
-        QCOMPARE(fake.dialogs->shown.size(), 1);
-        QVERIFY(ui.Button_Update->isEnabled());
-        return;
+    void checksAtStartAndByHand_data()
+    {
+        QTest::addColumn<int>("status"); // 0: nothing listens
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("latest");
+        QTest::addColumn<QString>("aboutLabel");
+        QTest::addColumn<QString>("boxText"); // shown only after the button; empty: an update
+        auto row = [](const char *name, int status, const QByteArray &body, const char *latest,
+                      const QString &about, const QString &box) {
+            QTest::newRow(name) << status << body << QString(latest) << about << box;
+        };
+        const QString same = kLatestText + '\n', none = kNoAnswerText + '\n';
+        const QString beta =
+            QStringLiteral("Your version is newer then the official latest! You are "
+                           "probably a beta tester.\n");
+        row("equal", 200, "2.3.1", "2.3.1", kLatestText, same);
+        row("older on the server", 200, "2.3", "2.3", kBetaText, beta);
+        row("error status, body still read", 404, "3.0", "3.0", kUpdateText, QString());
+        // An answer that is no version is no answer: never shown whole, never offering an update.
+        row("error page", 404, "<html><body><h1>Not Found</h1></body></html>\n", "", kNoAnswerText,
+            none);
+        row("server error, empty body", 500, QByteArray(), "", kNoAnswerText, none);
+        row("connection refused", 0, QByteArray(), "", kNoAnswerText, none);
     }
-    // The check during start-up announces nothing unless there is an update.
-    QVERIFY(!ui.Button_Update->isEnabled());
-    QCOMPARE(pendingUpdate(folder), QStringLiteral("false"));
-    QVERIFY(fake.dialogs->shown.isEmpty());
 
-    QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
-    QCOMPARE(fake.dialogs->shown.size(), 1);
-    QCOMPARE(fake.dialogs->shown.first().icon, QMessageBox::Information);
-    QCOMPARE(fake.dialogs->shown.first().title, QStringLiteral("Update Information"));
-    QCOMPARE(fake.dialogs->shown.first().text, boxText);
-    QCOMPARE(fake.dialogs->shown.first().buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-    QVERIFY(!updates->manualUpdateCheck());
-    QCOMPARE(updaterStarts(*fake.log), QStringList());
+    void checksAtStartAndByHand()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        QFETCH(QString, latest);
+        QFETCH(QString, aboutLabel);
+        QFETCH(QString, boxText);
 
-    // Cleared: the next automatic check is quiet again.
-    QVERIFY(checkAndWait(updates, [&] { QMetaObject::invokeMethod(&w, "SetAppVersion"); }));
-    QCOMPARE(fake.dialogs->shown.size(), 1);
-}
+        TestWindow p;
+        VersionServer server;
+        QVERIFY(server.listen());
+        server.status = status;
+        server.body = body;
+        p.folder.setIni(kBranding, "updateserver",
+                        status ? server.address() : VersionServer::refusingAddress());
 
-void TestUpdateCheck::anUpdateIsOfferedOnEveryCheck()
-{
-    TestFolder folder;
-    VersionServer server;
-    QVERIFY(server.listen());
-    server.body = "2.3.1.1";
-    folder.setIni(kBranding, "updateserver", server.address());
+        p.fake.dialogs->answers = {QMessageBox::No};
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        Ui::MainWindow &ui = p.ui();
+        auto *updates = p.window->findChild<UpdateChecker *>();
+        QVERIFY(checkAndWait(updates, [] {}));
 
-    FakePlatform fake;
-    fake.dialogs->answers = {QMessageBox::Yes, QMessageBox::No};
-    MainWindow w(fake.bundle());
-    Ui::MainWindow &ui = *w.form();
-    auto *updates = w.findChild<UpdateChecker *>();
-    QVERIFY(checkAndWait(updates, [] {}));
+        QCOMPARE(server.requests,
+                 status ? QStringList({"GET /varnel/version HTTP/1.1"}) : QStringList());
+        QCOMPARE(ui.Label_CurrentVersion->text(), QStringLiteral("Installed Version: 2.3.1"));
+        QCOMPARE(ui.Label_LatestVersion->text(), "Latest Version: " + latest);
+        QCOMPARE(ui.Label_AboutVersion->text(), aboutLabel);
+        if (boxText.isEmpty()) {
+            // An update: offered at once, on the automatic check too.
+            QCOMPARE(p.fake.dialogs->shown.size(), 1);
+            QVERIFY(ui.Button_Update->isEnabled());
+            return;
+        }
+        // The check during start-up announces nothing unless there is an update.
+        QVERIFY(!ui.Button_Update->isEnabled());
+        QCOMPARE(pendingUpdate(p.folder), QStringLiteral("false"));
+        QVERIFY(p.fake.dialogs->shown.isEmpty());
 
-    // Start-up: asked at once, and Yes starts the updater.
-    QCOMPARE(ui.Label_AboutVersion->text(), kUpdateText);
-    QCOMPARE(ui.Label_LatestVersion->text(), QStringLiteral("Latest Version: 2.3.1.1"));
-    QVERIFY(ui.Button_Update->isEnabled());
-    QCOMPARE(pendingUpdate(folder), QStringLiteral("true"));
-    QCOMPARE(fake.dialogs->shown.size(), 1);
-    QCOMPARE(fake.dialogs->shown.first().icon, QMessageBox::Question);
-    QCOMPARE(fake.dialogs->shown.first().title, QStringLiteral("Update Information"));
-    QCOMPARE(fake.dialogs->shown.first().text,
-             QStringLiteral("There is an update for this software! Do you want to update now?\n"));
-    QCOMPARE(fake.dialogs->shown.first().buttons, QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(updaterStarts(*fake.log), QStringList({kUpdater}));
+        QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
+        QCOMPARE(p.fake.dialogs->shown.size(), 1);
+        QCOMPARE(box(p.fake.dialogs->shown.first()),
+                 box(QMessageBox::Information, "Update Information", boxText, QMessageBox::Ok));
+        QVERIFY(!updates->manualUpdateCheck());
+        QCOMPARE(updaterStarts(*p.fake.log), QStringList());
 
-    // By hand, answered No: nothing starts, and the manual flag stays set.
-    QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
-    QCOMPARE(fake.dialogs->shown.size(), 2);
-    QCOMPARE(updaterStarts(*fake.log).size(), 1);
-    QVERIFY(updates->manualUpdateCheck());
-    ui.Button_Update->click();
-    QCOMPARE(updaterStarts(*fake.log), QStringList({kUpdater, kUpdater}));
+        // Cleared: the next automatic check is quiet again.
+        QVERIFY(checkAndWait(updates,
+                             [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
+        QCOMPARE(p.fake.dialogs->shown.size(), 1);
+    }
 
-    // The flag still set, the next result without an update is announced, then cleared.
-    server.body = "2.3.1";
-    QVERIFY(checkAndWait(updates, [&] { QMetaObject::invokeMethod(&w, "SetAppVersion"); }));
-    QCOMPARE(fake.dialogs->shown.size(), 3);
-    QCOMPARE(fake.dialogs->shown.last().text, kLatestText + QLatin1Char('\n'));
-    QVERIFY(!updates->manualUpdateCheck());
-    QVERIFY(!ui.Button_Update->isEnabled());
-    QCOMPARE(pendingUpdate(folder), QStringLiteral("false"));
-}
+    void anUpdateIsOfferedOnEveryCheck()
+    {
+        TestWindow p;
+        VersionServer server;
+        QVERIFY(server.listen());
+        server.body = "2.3.1.1";
+        p.folder.setIni(kBranding, "updateserver", server.address());
 
-void TestUpdateCheck::theShippedPlaceholderIsNeverAsked()
-{
-    TestFolder folder;
-    folder.copyShipped("branding/varnel_branding.ini");
-    FakePlatform fake;
-    MainWindow w(fake.bundle());
-    auto *updates = w.findChild<UpdateChecker *>();
+        p.fake.dialogs->answers = {QMessageBox::Yes, QMessageBox::No};
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        Ui::MainWindow &ui = p.ui();
+        auto *updates = p.window->findChild<UpdateChecker *>();
+        QVERIFY(checkAndWait(updates, [] {}));
 
-    QVERIFY(updates->versionUrl().isEmpty());
-    QCOMPARE(w.form()->Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
-    QCOMPARE(w.form()->Label_AboutVersion->text(), kNoAnswerText);
+        // Start-up: asked at once, and Yes starts the updater.
+        QCOMPARE(ui.Label_AboutVersion->text(), kUpdateText);
+        QCOMPARE(ui.Label_LatestVersion->text(), QStringLiteral("Latest Version: 2.3.1.1"));
+        QVERIFY(ui.Button_Update->isEnabled());
+        QCOMPARE(pendingUpdate(p.folder), QStringLiteral("true"));
+        QCOMPARE(p.fake.dialogs->shown.size(), 1);
+        QCOMPARE(box(p.fake.dialogs->shown.first()),
+                 box(QMessageBox::Question, "Update Information",
+                     "There is an update for this software! Do you want to update now?\n",
+                     QMessageBox::Yes | QMessageBox::No));
+        QCOMPARE(updaterStarts(*p.fake.log), QStringList({kUpdater}));
 
-    folder.setIni(kBranding, "updateserver", "http://updates.example.com:8080");
-    QCOMPARE(updates->versionUrl(), QUrl("http://updates.example.com:8080/varnel/version"));
-}
+        // By hand, answered No: nothing starts, and the manual flag stays set.
+        QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
+        QCOMPARE(p.fake.dialogs->shown.size(), 2);
+        QCOMPARE(updaterStarts(*p.fake.log).size(), 1);
+        QVERIFY(updates->manualUpdateCheck());
+        ui.Button_Update->click();
+        QCOMPARE(updaterStarts(*p.fake.log), QStringList({kUpdater, kUpdater}));
 
-void TestUpdateCheck::aSilentServerNeverDelaysTheWindow()
-{
-    TestFolder folder;
-    VersionServer server;
-    QVERIFY(server.listen());
-    server.silent = true;
-    folder.setIni(kBranding, "updateserver", server.address());
+        // The flag still set, the next result without an update is announced, then cleared.
+        server.body = "2.3.1";
+        QVERIFY(checkAndWait(updates,
+                             [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
+        QCOMPARE(p.fake.dialogs->shown.size(), 3);
+        QCOMPARE(p.fake.dialogs->shown.last().text, kLatestText + QLatin1Char('\n'));
+        QVERIFY(!updates->manualUpdateCheck());
+        QVERIFY(!ui.Button_Update->isEnabled());
+        QCOMPARE(pendingUpdate(p.folder), QStringLiteral("false"));
+    }
 
-    // Should the window wait for the answer, this ends the wait from inside its constructor.
-    bool constructing = true;
-    bool waitedInside = false;
-    QTimer release;
-    release.setSingleShot(true);
-    connect(&release, &QTimer::timeout, [&] {
-        waitedInside = constructing;
-        server.silent = false; // the dropped request is sent again
-        server.dropAll();
-    });
-    release.start(3000);
+    void theShippedPlaceholderIsNeverAsked()
+    {
+        TestWindow p;
+        p.folder.copyShipped("branding/varnel_branding.ini");
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        auto *updates = p.window->findChild<UpdateChecker *>();
 
-    FakePlatform fake;
-    MainWindow w(fake.bundle());
-    constructing = false;
-    QVERIFY(!waitedInside);
-    auto *updates = w.findChild<UpdateChecker *>();
-    QTRY_COMPARE(server.requests.size(), 1);
-    QCOMPARE(w.form()->Label_AboutVersion->text(),
-             QStringLiteral("Your are running a Beta Version"));
+        QVERIFY(updates->versionUrl().isEmpty());
+        QCOMPARE(p.ui().Label_AboutVersion->text(), kNoAnswerText);
+    }
 
-    // Ten seconds without an answer: unreachable, quietly.
-    QVERIFY(fake.scheduler->history.contains(QStringLiteral("10000 abort")));
-    static QStringList warnings;
-    const QtMessageHandler previous =
-        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
-            if (type != QtDebugMsg)
-                warnings << text;
+    void aSilentServerNeverDelaysTheWindow()
+    {
+        TestWindow p;
+        VersionServer server;
+        QVERIFY(server.listen());
+        server.silent = true;
+        p.folder.setIni(kBranding, "updateserver", server.address());
+
+        // Should the window wait for the answer, this ends the wait from inside its constructor.
+        bool constructing = true;
+        bool waitedInside = false;
+        QTimer release;
+        release.setSingleShot(true);
+        connect(&release, &QTimer::timeout, [&] {
+            waitedInside = constructing;
+            server.silent = false; // the dropped request is sent again
+            server.dropAll();
         });
-    const bool checked = checkAndWait(updates, [&] { fake.scheduler->advance(10000); });
-    qInstallMessageHandler(previous);
-    QVERIFY(checked);
-    QCOMPARE(warnings, QStringList());
-    release.stop();
-    QCOMPARE(w.form()->Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
-    QCOMPARE(w.form()->Label_AboutVersion->text(), kNoAnswerText);
-    QVERIFY(fake.dialogs->shown.isEmpty());
-}
+        release.start(3000);
+
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        constructing = false;
+        QVERIFY(!waitedInside);
+        auto *updates = p.window->findChild<UpdateChecker *>();
+        QTRY_COMPARE(server.requests.size(), 1);
+        QCOMPARE(p.ui().Label_AboutVersion->text(),
+                 QStringLiteral("Your are running a Beta Version"));
+
+        // Ten seconds without an answer: unreachable, quietly.
+        QVERIFY(p.fake.scheduler->history.contains(QStringLiteral("10000 abort")));
+        static QStringList warnings;
+        const QtMessageHandler previous = qInstallMessageHandler(
+            [](QtMsgType type, const QMessageLogContext &, const QString &text) {
+                if (type != QtDebugMsg)
+                    warnings << text;
+            });
+        const bool checked = checkAndWait(updates, [&] { p.fake.scheduler->advance(10000); });
+        qInstallMessageHandler(previous);
+        QVERIFY(checked);
+        QCOMPARE(warnings, QStringList());
+        release.stop();
+        QCOMPARE(p.ui().Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
+        QCOMPARE(p.ui().Label_AboutVersion->text(), kNoAnswerText);
+        QVERIFY(p.fake.dialogs->shown.isEmpty());
+    }
+};
 
 QTEST_MAIN(TestUpdateCheck)
 #include "tst_updatecheck.moc"

@@ -1,0 +1,536 @@
+// Power modes on the real window: the editor (reading profiles, saving edits, the delays each edit
+// schedules, the clamps, the feature switch with its tray entries, the reset), and switching modes
+// by radio button, tray entry and the automatic battery mode over a scripted power source.
+#include "powermodes.h"
+#include "testwindow.h"
+
+#include <QAction>
+#include <QImage>
+#include <QMenu>
+#include <QtTest>
+
+namespace {
+QStringList menuTexts(QMenu *menu)
+{
+    QStringList out;
+    for (QAction *a : menu->actions())
+        out << (a->isSeparator() ? QStringLiteral("-") : a->text());
+    return out;
+}
+
+// The editor's switches that follow the feature: the tab, the reset and the automatic box.
+void checkEditorEnabled(const Ui::MainWindow &ui, bool enabled)
+{
+    QCOMPARE(ui.tabWidget->isTabEnabled(0), enabled);
+    QCOMPARE(ui.reset_power_modes->isEnabled(), enabled);
+    QCOMPARE(ui.battery_mode_auto->isEnabled(), enabled);
+}
+
+const QStringList kTrayEnd = {"-", "Show Window Center", "Exit"};
+const QStringList kTrayModes = {"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode"};
+
+const char kSelected[] = "branding/fancontrol_system_tray_selected.png";
+const char kNotSelected[] = "branding/fancontrol_system_tray_not_selected.png";
+
+QImage imageOf(const QIcon &icon)
+{
+    return icon.pixmap(16, 16).toImage();
+}
+
+// Which of the four tray entries carry the selected icon.
+QStringList selectedEntries(const TestWindow &p)
+{
+    const QImage selected = imageOf(QIcon(QLatin1String(kSelected)));
+    const TrayActions &tray = p.window->trayActions();
+    QStringList out;
+    for (QAction *a : {tray.battery, tray.silent, tray.normal, tray.maximum}) {
+        if (imageOf(a->icon()) == selected)
+            out << a->text();
+    }
+    return out;
+}
+
+void start(TestWindow &p, const QString &mode = QStringLiteral("normal"))
+{
+    p.folder.copyShipped(QLatin1String(kSelected));
+    p.folder.copyShipped(QLatin1String(kNotSelected));
+    p.startWithPowerModes(mode);
+}
+
+QString stored(const TestWindow &p)
+{
+    return p.generalValue("powermode").toString();
+}
+
+const QString kBatteryMax = QStringLiteral(
+    "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 60");
+} // namespace
+
+class PowerModesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void userKeyWinsAndRemovedKeyShowsDefault()
+    {
+        TestWindow p;
+        QCOMPARE(p.defaultValue("cpu_min_slider_normal").toInt(), 5);
+        p.setUser("cpu_min_slider_normal", 33);
+        p.setUser("LidClose_Combo_normal", 2);
+        p.startWithPowerModes();
+        QCOMPARE(p.ui().silent_cpu_min->value(), 33);
+        QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+        QCOMPARE(p.ui().silent_cpu_max->value(), p.defaultValue("cpu_max_slider_normal").toInt());
+
+        QSettings(p.folder.file(TestWindow::user), QSettings::IniFormat)
+            .remove(QStringLiteral("settings/cpu_min_slider_normal"));
+        p.window->loadPowerModeValues();
+        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+        QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+    }
+
+    void keysMissingEverywhereShowTheMinimums()
+    {
+        TestWindow p;
+        QFile::remove(p.folder.file(TestWindow::defaults));
+        p.setUser("comboBox_5_maximum", 6); // another mode's key changes nothing here
+        p.startWithPowerModes(QStringLiteral("silent"));
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.silent_mode->isChecked());
+        QCOMPARE(
+            (QList<int>{ui.silent_cpu_min->value(), ui.silent_cpu_max->value(),
+                        ui.power_mode_turbo_boost->value(), ui.PowerModeBrightSlider->value(),
+                        ui.comboBox_5->currentIndex(), ui.TurnOffScreen_combo->currentIndex()}),
+            (QList<int>{0, 50, 8, 0, 0, 0}));
+        QVERIFY(!ui.turbo_override->isChecked());
+        QVERIFY(!ui.ignore_lcd_bright->isChecked());
+        QVERIFY(!ui.checkBox->isChecked());
+        // The label shows the number read, not the clamped slider.
+        QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 0%"));
+    }
+
+    void loadShowsTheProfileWithLabels()
+    {
+        TestWindow p;
+        for (const char *key :
+             {"turbo_override_maximum", "ignore_lcd_bright_maximum", "checkBox_maximum"})
+            p.setUser(key, true);
+        p.startWithPowerModes(QStringLiteral("maximum"));
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.maximum_mode->isChecked());
+        QCOMPARE(ui.silent_cpu_min->value(), 10);
+        QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
+        QCOMPARE(ui.comboBox_5->currentIndex(), 6);
+        QCOMPARE((QStringList{ui.Cpu_Minimum_Label->text(), ui.Cpu_Maximum_Label->text(),
+                              ui.PowerModeBrightSlider_Label->text(), ui.label_26->text()}),
+                 (QStringList{"CPU minimum: 10%", "CPU maximum: 100%",
+                              "Initial LCD Brightness: 100%", "Keyboard Brightness: 100%"}));
+        QCOMPARE(ui.turbo_override->text(),
+                 QStringLiteral("Turbo Power Override: ") + ui.Label_TurboPowerValue->text());
+        // Turbo override on: the mode's slider replaces the tuning tab's.
+        QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+        QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+        QCOMPARE(ui.Slider_TurboBoost->toolTip(),
+                 QStringLiteral(" Currently being replaced by Power Mode Override value. "));
+        QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+        QVERIFY(!ui.horizontalSlider_2->isEnabled());
+        checkEditorEnabled(ui, true);
+        // The keyboard is ignored, so its code stays unset.
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",none"));
+        QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
+
+        // A stored mode that names none of the four leaves the radio buttons alone.
+        p.setGeneral("powermode", "Silent");
+        p.window->loadPowerModeValues();
+        QVERIFY(ui.maximum_mode->isChecked());
+    }
+
+    void loadWritesNothingBackButTheKeyboardLevel()
+    {
+        TestWindow p;
+        p.startWithPowerModes(QStringLiteral("battery"));
+        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
+        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
+
+        p.window->on_silent_mode_clicked();
+        QCOMPARE(p.userKeys(),
+                 (QStringList{"horizontalSlider_2_battery", "horizontalSlider_2_silent"}));
+        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
+        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
+    }
+
+    void minimumAndMaximumPushEachOther_data()
+    {
+        QTest::addColumn<int>("minBefore");
+        QTest::addColumn<int>("maxBefore");
+        QTest::addColumn<QString>("moved");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<int>("min");
+        QTest::addColumn<int>("max");
+        QTest::addColumn<QStringList>("scheduled");
+        const QString applyMin = "4000 ApplyCpuMin", applyMax = "4000 ApplyCpuMax";
+        // The pushed slider's handler runs inside the first one.
+        QTest::newRow("raised minimum pushes the maximum")
+            << 5 << 80 << "silent_cpu_min" << 90 << 90 << 91 << QStringList{applyMax, applyMin};
+        QTest::newRow("equal values are allowed")
+            << 5 << 91 << "silent_cpu_min" << 91 << 91 << 91 << QStringList{applyMin};
+        QTest::newRow("lowered maximum pulls the minimum")
+            << 70 << 100 << "silent_cpu_max" << 60 << 59 << 60 << QStringList{applyMin, applyMax};
+        QTest::newRow("maximum stops at its range")
+            << 90 << 100 << "silent_cpu_max" << 10 << 49 << 50 << QStringList{applyMin, applyMax};
+    }
+
+    void minimumAndMaximumPushEachOther()
+    {
+        QFETCH(QString, moved);
+        QFETCH(int, value);
+        QFETCH(int, min);
+        QFETCH(int, max);
+        TestWindow p;
+        QFETCH(int, minBefore);
+        QFETCH(int, maxBefore);
+        p.setUser("cpu_min_slider_normal", minBefore);
+        p.setUser("cpu_max_slider_normal", maxBefore);
+        p.startWithPowerModes();
+        p.window->findChild<QSlider *>(moved)->setValue(value);
+        QCOMPARE(p.ui().silent_cpu_min->value(), min);
+        QCOMPARE(p.ui().silent_cpu_max->value(), max);
+        QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), min);
+        QCOMPARE(p.userValue("cpu_max_slider_normal").toInt(), max);
+        QCOMPARE(p.ui().Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: %1%").arg(max));
+        QTEST(p.fake.scheduler->history, "scheduled");
+    }
+
+    void editsScheduleTheirApply_data()
+    {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("scheduled");
+        auto row = [](const char *control, int value, const char *scheduled) {
+            QString key = QString(control) + "_normal";
+            key.replace("silent_cpu_min_", "cpu_min_slider_")
+                .replace("silent_cpu_max_", "cpu_max_slider_");
+            QTest::newRow(control) << QString(control) << value << key << QString(scheduled);
+        };
+        row("silent_cpu_min", 12, "4000 ApplyCpuMin");
+        row("silent_cpu_max", 70, "4000 ApplyCpuMax");
+        row("power_mode_turbo_boost", 400, "4000 ApplyPowerTurboBoost");
+        row("PowerModeBrightSlider", 33, "1000 ApplySchemeBright");
+        row("TurnOffScreen_combo", 8, "4000 turnoffScreenPowerMode");
+        row("Sleep_After_Combo", 0, "4000 ApplySleepAfterPowerMode");
+        row("LidClose_Combo", 2, "4000 ApplyLidClosePowerMode");
+        row("comboBox_5", 3, ""); // the fan and the keyboard take effect at once
+        row("horizontalSlider_2", 45, "");
+    }
+
+    void editsScheduleTheirApply()
+    {
+        QFETCH(QString, control);
+        QFETCH(int, value);
+        QFETCH(QString, key);
+        QFETCH(QString, scheduled);
+        TestWindow p;
+        p.startWithPowerModes();
+        QFile::remove(p.folder.file(TestWindow::user));
+        QWidget *widget = p.window->findChild<QWidget *>(control);
+        if (auto *slider = qobject_cast<QAbstractSlider *>(widget))
+            slider->setValue(value);
+        else
+            qobject_cast<QComboBox *>(widget)->setCurrentIndex(value);
+        QCOMPARE(p.userKeys(), QStringList{key});
+        QCOMPARE(p.userValue(key).toInt(), value);
+        QCOMPARE(p.fake.scheduler->history,
+                 scheduled.isEmpty() ? QStringList() : QStringList{scheduled});
+        QVERIFY(p.commands().isEmpty()); // nothing runs before the delay
+    }
+
+    void scheduledCallsFireInOrder()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        PowerModes *modes = p.window->powerModes();
+        ui.TurnOffScreen_combo->setCurrentIndex(1);
+        ui.PowerModeBrightSlider->setValue(41);
+        ui.PowerModeBrightSlider->setValue(42); // a drag queues one call per value
+        QCOMPARE(p.fake.scheduler->history,
+                 (QStringList{"4000 turnoffScreenPowerMode", "1000 ApplySchemeBright",
+                              "1000 ApplySchemeBright"}));
+        // The panel follows the mode's brightness at once, as do the fan and keyboard codes.
+        QCOMPARE(ui.Slider_Brightness->value(), 42);
+        QVERIFY(p.fake.log->entries.contains("panel write 42"));
+        ui.comboBox_5->setCurrentIndex(0);
+        QCOMPARE(modes->fanProfileCode(), QStringLiteral("none"));
+        ui.comboBox_5->setCurrentIndex(6);
+        ui.horizontalSlider_2->setValue(7);
+        QCOMPARE(ui.label_26->text(), QStringLiteral("Keyboard Brightness: 7%"));
+        QCOMPARE(modes->statusRecord(), QStringLiteral("6,7"));
+
+        p.fake.log->clear();
+        p.fake.scheduler->advance(4000);
+        const QString schemeAc = "run: powercfg -setacvalueindex SCHEME_CURRENT "
+                                 "7516b95f-f776-4464-8c53-06167f40cc99 "
+                                 "aded5e82-b909-4619-9949-f5d71dac0bcb 42";
+        QCOMPARE(p.fake.log->entries.count(schemeAc), 2);
+        QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-dc 5"));
+    }
+
+    void clickHandlersSaveAndSwitchControls()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        PowerModes *modes = p.window->powerModes();
+
+        ui.turbo_override->setEnabled(true); // as "Manage CPU" does
+        ui.turbo_override->click();
+        QCOMPARE(p.userValue("turbo_override_normal").toBool(), true);
+        QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+        QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+        ui.turbo_override->click();
+        QCOMPARE(p.userValue("turbo_override_normal").toBool(), false);
+        QVERIFY(!ui.power_mode_turbo_boost->isEnabled());
+        QCOMPARE(ui.Slider_TurboBoost->toolTip(), QStringLiteral(" Adjust CPU Turbo Boost Power "));
+        QVERIFY(p.commands().isEmpty()); // nothing applied at once
+
+        ui.ignore_lcd_bright->click();
+        QCOMPARE(p.userValue("ignore_lcd_bright_normal").toBool(), true);
+        QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+        ui.Slider_Brightness->setValue(10);
+        ui.ignore_lcd_bright->click();
+        QVERIFY(ui.PowerModeBrightSlider->isEnabled());
+        QCOMPARE(ui.Slider_Brightness->value(), ui.PowerModeBrightSlider->value());
+
+        ui.checkBox->click();
+        QCOMPARE(p.userValue("checkBox_normal").toBool(), true);
+        QVERIFY(!ui.horizontalSlider_2->isEnabled());
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",none"));
+        ui.checkBox->click();
+        QVERIFY(ui.horizontalSlider_2->isEnabled());
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+    }
+
+    void noModeCheckedUsesTheDigitZero()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        for (QRadioButton *radio :
+             {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
+            radio->setAutoExclusive(false);
+        ui.normal_mode->setChecked(false);
+        QCOMPARE(p.window->powerModes()->currentPowerModeName(), QStringLiteral("0"));
+        ui.LidClose_Combo->setCurrentIndex(0);
+        QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
+    }
+
+    void switchingTheFeatureMovesTrayEntries()
+    {
+        TestWindow off;
+        off.start();
+        QVERIFY(!off.ui().checkBox_2->isChecked());
+        checkEditorEnabled(off.ui(), false);
+        QCOMPARE(menuTexts(off.window->trayMenu()), kTrayEnd);
+        QVERIFY(!QFile::exists(off.folder.file(TestWindow::user)));
+        off.window->loadPowerModeValues(); // with the feature off, only switches the editor off
+        QVERIFY(off.commands().isEmpty());
+
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        QMenu *menu = p.window->trayMenu();
+        QCOMPARE(menuTexts(menu), kTrayModes + kTrayEnd);
+        ui.horizontalSlider_2->setValue(30);
+        ui.checkBox_2->click();
+        QCOMPARE(menuTexts(menu), kTrayEnd);
+        QCOMPARE(p.generalValue("enable_power_modes").toBool(), false);
+        checkEditorEnabled(ui, false);
+        // The keyboard is released; the fan code stays as it was.
+        QCOMPARE(p.window->powerModes()->statusRecord(), QStringLiteral("1,none"));
+
+        ui.checkBox_2->click();
+        QCOMPARE(menuTexts(menu), kTrayEnd + kTrayModes);
+        QCOMPARE(p.generalValue("enable_power_modes").toBool(), true);
+        checkEditorEnabled(ui, true);
+        // Turning the feature on loads and applies the checked mode.
+        QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
+    }
+
+    void resetAppliesDefaultsAndTellsOnce()
+    {
+        TestWindow p;
+        p.setUser("cpu_min_slider_battery", 44);
+        p.setUser("cpu_min_slider_normal", 45);
+        p.startWithPowerModes(QStringLiteral("battery"));
+        QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+
+        p.ui().reset_power_modes->click();
+        QVERIFY(!p.userKeys().contains("cpu_min_slider_battery"));
+        QVERIFY(!p.userKeys().contains("cpu_min_slider_normal"));
+        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+        QCOMPARE(p.ui().silent_cpu_max->value(), 60);
+        QCOMPARE(p.fake.dialogs->shown.size(), 1);
+        const FakeDialogs::Shown &box = p.fake.dialogs->shown.first();
+        QCOMPARE(box.icon, QMessageBox::Information);
+        QCOMPARE(box.title, QStringLiteral("Reset Power Modes"));
+        QCOMPARE(box.text, QStringLiteral("All Power Modes have been reset to default values.\n"));
+        QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        // The message comes after the profile was applied.
+        const int applied = p.fake.log->indexOf(
+            "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 5");
+        QVERIFY(applied >= 0);
+        QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
+    }
+
+    void trayEntrySelectsAndMarksTheMode()
+    {
+        TestWindow p;
+        start(p);
+        QVERIFY(imageOf(QIcon(QLatin1String(kSelected))) !=
+                imageOf(QIcon(QLatin1String(kNotSelected))));
+        QCOMPARE(selectedEntries(p), QStringList{"Normal Mode"});
+
+        p.window->trayActions().silent->trigger();
+        QVERIFY(p.ui().silent_mode->isChecked());
+        QCOMPARE(selectedEntries(p), QStringList{"Silent Mode"});
+        QCOMPARE(stored(p), QStringLiteral("silent"));
+        QCOMPARE(p.ui().silent_cpu_max->value(), 80);
+        QVERIFY(p.commands().contains(
+            "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 80"));
+        // The same mode again is applied again.
+        QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
+        p.window->trayActions().silent->trigger();
+        QCOMPARE(p.fake.log->withPrefix("run: ").size(), 24);
+
+        p.ui().maximum_mode->click();
+        QCOMPARE(selectedEntries(p), QStringList{"Maximum Mode"});
+        QCOMPARE(stored(p), QStringLiteral("maximum"));
+        QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
+    }
+
+    void selectionDuringAnApplyOnlyRecordsIt()
+    {
+        TestWindow p;
+        start(p);
+        bool cutIn = false;
+        p.fake.commands->onRun = [&](const QString &line) {
+            if (!cutIn && line.contains(QLatin1String("PROCTHROTTLEMIN"))) {
+                cutIn = true;
+                p.window->trayActions().battery->trigger();
+            }
+        };
+        p.window->ApplyPowerValues();
+        QVERIFY(cutIn);
+        QCOMPARE(stored(p), QStringLiteral("battery"));
+        QCOMPARE(selectedEntries(p), QStringList{"Battery Mode"});
+        QVERIFY(p.ui().normal_mode->isChecked());
+        QVERIFY(!p.commands().contains(kBatteryMax));
+        QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
+    }
+
+    // Steps: a line status then a timer tick ("0", "1", "255"), the line status read alone ("r0"),
+    // a click on a mode's radio button, or on the automatic box ("auto").
+    void automaticBatteryMode_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<bool>("automatic");
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("checked");
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<int>("onBattery");
+        QTest::addColumn<bool>("lastStepApplied");
+        auto row = [](const char *name, const char *mode, bool automatic, const char *steps,
+                      const char *checked, const char *stored, int onBattery, bool applied) {
+            QTest::newRow(name) << mode << automatic << steps << checked << stored << onBattery
+                                << applied;
+        };
+        row("on mains nothing happens", "normal", true, "1", "normal", "normal", 0, false);
+        row("unplugged: battery, mains mode kept", "normal", true, "0", "battery", "normal", 1,
+            true);
+        row("still on battery: not again", "normal", true, "0 0", "battery", "normal", 1, false);
+        row("plugged in: mains mode back", "maximum", true, "0 1", "maximum", "maximum", 0, true);
+        row("battery by hand is never left", "normal", true, "battery 0 1", "battery", "battery", 0,
+            false);
+        row("unknown status keeps mains", "normal", true, "255", "normal", "normal", 0, false);
+        row("unknown status keeps battery", "normal", true, "0 255", "battery", "normal", 1, false);
+        row("hand-picked mode on battery lasts a tick", "normal", true, "0 silent 0", "battery",
+            "silent", 1, true);
+        row("and comes back on mains", "normal", true, "0 silent 0 1", "silent", "silent", 0, true);
+        row("automatic mode off", "normal", false, "0", "normal", "normal", 1, false);
+        row("turned off while switched", "normal", true, "0 auto 1", "battery", "normal", 0, false);
+        row("and on again on mains", "normal", true, "0 auto 1 auto 1", "normal", "normal", 0,
+            true);
+        row("status read alone", "normal", true, "r0", "normal", "normal", 1, false);
+        row("status read alone, back", "normal", true, "r0 r1", "normal", "normal", 0, false);
+    }
+
+    void automaticBatteryMode()
+    {
+        QFETCH(QString, mode);
+        QFETCH(bool, automatic);
+        QFETCH(QString, steps);
+        QFETCH(QString, checked);
+        TestWindow p;
+        p.setGeneral("autobatterymode", automatic);
+        start(p, mode);
+        QCOMPARE(p.ui().battery_mode_auto->isChecked(), automatic);
+        for (const QString &step : steps.split(' ')) {
+            p.clearRecords();
+            bool isNumber = false;
+            const int status = step.toInt(&isNumber);
+            if (isNumber) {
+                p.fake.powerSource->status = status;
+                p.window->timerDone();
+            } else if (step.startsWith('r')) {
+                p.fake.powerSource->status = step.mid(1).toInt();
+                p.window->GetBatteryState();
+            } else if (step == QLatin1String("auto")) {
+                p.ui().battery_mode_auto->click();
+            } else {
+                p.window->findChild<QRadioButton *>(step + "_mode")->click();
+            }
+        }
+        QVERIFY(p.window->findChild<QRadioButton *>(checked + "_mode")->isChecked());
+        QCOMPARE(selectedEntries(p),
+                 QStringList{checked.at(0).toUpper() + checked.mid(1) + " Mode"});
+        QTEST(stored(p), "stored");
+        QTEST(p.window->powerModes()->onBattery(), "onBattery");
+        QTEST(!p.commands().isEmpty(), "lastStepApplied");
+        QCOMPARE(p.generalValue("autobatterymode").toBool(), p.ui().battery_mode_auto->isChecked());
+        QCOMPARE(p.window->powerModes()->autoSwitchedToBattery(),
+                 checked == QLatin1String("battery") && !steps.contains(QLatin1String("battery")));
+    }
+
+    void schemeChangeReappliesAdaptiveBrightness()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        const QString query = QStringLiteral("powercfg /getactivescheme");
+        p.fake.commands->outputs[query] = QStringLiteral("GUID: balanced");
+        p.window->GetPowerSchemeName();
+        QCOMPARE(p.commands(), QStringList{"run: " + query}); // the first answer is only remembered
+        p.window->GetPowerSchemeName();
+        QCOMPARE(p.commands().size(), 2);
+
+        const QString setting =
+            QStringLiteral(" SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 "
+                           "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ");
+        for (const char *value : {"0", "1"}) {
+            p.clearRecords();
+            p.ui().Check_Adaptive->setChecked(*value == '0');
+            p.fake.commands->outputs[query] =
+                QStringLiteral("GUID: ") + (*value == '0' ? "x" : "y");
+            p.window->GetPowerSchemeName();
+            QCOMPARE(p.commands(),
+                     (QStringList{"run: " + query,
+                                  "shown 0: powercfg -setdcvalueindex" + setting + value,
+                                  "shown 0: powercfg -setacvalueindex" + setting + value,
+                                  "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+            QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), *value == '0');
+        }
+    }
+};
+
+QTEST_MAIN(PowerModesTest)
+#include "tst_powermodes.moc"
