@@ -33,3 +33,5 @@ wait_for() {
 # The state of the program's window: visible, hidden or none.
 window_state() { timeout 20 wine "$probe" Varnel 2>/dev/null | tr -d '\r'; }
 is_state() { [ "$(window_state)" = "$1" ]; }
+# The window goes before the process has saved its settings and unloaded its DLLs.
+ended() { ! kill -0 "$1" 2>/dev/null; }

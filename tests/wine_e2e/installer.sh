@@ -27,16 +27,18 @@ echo "installed into Program Files/Varnel, Start-menu entry at ${shortcut#"$WINE
 # The installed program starts from its folder (the laptop's WMI provider stood in by its file).
 : >"$provider"
 (cd "$folder" && exec wine varnel.exe >/dev/null 2>&1) &
+program=$!
 wait_for 60 is_state visible || fail "the installed program did not show: $(window_state)"
 timeout 20 wine taskkill /im varnel.exe >/dev/null 2>&1
-wait_for 20 is_state none || fail "the installed program did not end"
+wait_for 20 is_state none && wait_for 20 ended "$program" ||
+  fail "the installed program did not end"
 echo "the installed varnel.exe started and showed its window"
 
 # The uninstaller hands over to a copy of itself and returns at once: wait for the files to go.
 timeout 60 wine "$folder/Uninstall.exe" /S || fail "the uninstaller failed with $?"
 wait_for 60 test ! -e "$folder/varnel.exe" || fail "the uninstaller left varnel.exe"
 for f in Qt5Core.dll platforms/qwindows.dll settings/default_power_mode.ini cpuprofiles/10875H.ini; do
-  [ ! -e "$folder/$f" ] || fail "the uninstaller left $f"
+  wait_for 20 test ! -e "$folder/$f" || fail "the uninstaller left $f"
 done
 no_shortcut() { [ -z "$(find "$WINEPREFIX/drive_c" -path '*Start Menu/Programs/Varnel/Varnel.lnk')" ]; }
 wait_for 20 no_shortcut ||

@@ -24,6 +24,7 @@ printf '[settings]\nstart_hidden=true\ndontshowexitdiag=true\n' >settings/varnel
 
 # a. The first start stays up, hidden to the tray as set.
 wine varnel.exe >first.log 2>&1 &
+first=$!
 wait_for 60 is_state hidden || fail "the first start never built its hidden window: $(window_state)"
 sleep 2
 [ "$(window_state)" = hidden ] || fail "the first instance did not stay up: $(window_state)"
@@ -40,7 +41,8 @@ echo "second start: status 0 after ${elapsed} ms, window shown again"
 
 # e. A clean exit (the window asked to close) leaves the settings in the install folder.
 timeout 20 wine taskkill /im varnel.exe >/dev/null 2>&1
-wait_for 20 is_state none || fail "the program did not end when asked to close"
+wait_for 20 is_state none && wait_for 20 ended "$first" ||
+  fail "the program did not end when asked to close"
 for key in start_hidden dontshowexitdiag mainWindowGeometry mainWindowState; do
   grep -q "^$key=" settings/varnel.ini || fail "settings/varnel.ini lacks $key: $(cat settings/varnel.ini)"
 done

@@ -69,6 +69,10 @@ echo "tuning tab filled from the client: undervolt 85, 37 W, 56 s saved; only 'w
 # b. A switch to the silent mode: powercfg's pairs in order, the scheme re-activated after each;
 # three seconds later the scheme takes the mode's brightness once more, after the panel.
 power_tab
+# The start-up's own mode and its delayed brightness must be in before the log starts over.
+log_size() { stat -c %s "$system/powercfg.log" 2>/dev/null || echo 0; }
+quiet() { local before; before=$(log_size); sleep 3; [ "$(log_size)" = "$before" ]; }
+wait_for 30 quiet || fail "powercfg kept being called after start-up: $(cat "$system/powercfg.log")"
 rm -f "$system/powercfg.log"
 click 221 497
 scheme='SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 aded5e82-b909-4619-9949-f5d71dac0bcb'
