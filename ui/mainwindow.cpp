@@ -54,7 +54,11 @@ MainWindow::MainWindow(Platform platform, QWidget *parent)
     applyPalette();
 
     m_logicalDpi = desktopLogicalDpi();
+    if (StyleSheetHold::held())
+        m_pageLayoutHold = std::make_unique<PageLayoutHold>();
     ui->setupUi(this);
+    if (m_pageLayoutHold)
+        m_pageLayoutHold->stopWatching();
 
     createPowerModes();
     createDisplay();

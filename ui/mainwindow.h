@@ -8,6 +8,8 @@
 #include <QSystemTrayIcon>
 #include <QUrl>
 
+#include <memory>
+
 namespace Ui {
 class MainWindow;
 }
@@ -33,6 +35,7 @@ class Companions;
 class UpdateChecker;
 class SystemTweaks;
 class SupportPage;
+class PageLayoutHold;
 
 // The tray menu's actions, shared with the power modes, which mark the selected mode.
 struct TrayActions {
@@ -317,6 +320,7 @@ private:
     bool m_hidden = false;
     bool m_workingTabChosen = false;
     bool m_desktopAvailabilityPending = false;
+    std::unique_ptr<PageLayoutHold> m_pageLayoutHold;
     int m_logicalDpi = 96;
     bool m_keyHookStepDone = false;
 

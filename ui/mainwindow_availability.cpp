@@ -117,6 +117,10 @@ void MainWindow::setVisible(bool visible)
 {
     if (visible) {
         StyleSheetHold::release();
+        if (m_pageLayoutHold) {
+            m_pageLayoutHold->release();
+            m_pageLayoutHold.reset();
+        }
         applyDesktopAvailability();
     }
     if (visible && !m_workingTabChosen) {

@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFile>
+#include <QLayout>
+#include <QStackedWidget>
 #include <QWidget>
 
 namespace {
@@ -50,5 +52,39 @@ bool StyleSheetHold::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::Show && watched->isWidgetType() &&
         static_cast<QWidget *>(watched)->isWindow())
         release();
+    return false;
+}
+
+PageLayoutHold::PageLayoutHold()
+{
+    qApp->installEventFilter(this);
+}
+
+void PageLayoutHold::stopWatching()
+{
+    qApp->removeEventFilter(this);
+}
+
+void PageLayoutHold::release()
+{
+    stopWatching();
+    for (const QPointer<QLayout> &layout : qAsConst(m_held)) {
+        if (layout)
+            layout->setEnabled(true);
+    }
+    m_held.clear();
+}
+
+bool PageLayoutHold::eventFilter(QObject *watched, QEvent *event)
+{
+    // A page is handed to its tab widget's stack before the stack shows (and lays out) it.
+    if (event->type() == QEvent::ParentChange && watched->isWidgetType()) {
+        auto *page = static_cast<QWidget *>(watched);
+        QLayout *layout = page->layout();
+        if (layout && layout->isEnabled() && qobject_cast<QStackedWidget *>(page->parentWidget())) {
+            layout->setEnabled(false);
+            m_held.append(layout);
+        }
+    }
     return false;
 }

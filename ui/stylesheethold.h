@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
+#include <QVector>
 
 // Started hidden in the tray, the program holds the application style sheet back until its
 // first window is shown: polishing every control of a window nobody looks at was most of the
@@ -19,3 +21,23 @@ protected:
 
 // Sets the resource style sheet as the application's, read as Latin-1, unless it already is.
 void applyDarkStyleSheet();
+
+class QLayout;
+
+// Started hidden, the pages of the form's tab widgets are not laid out until the window is
+// first shown: laying out a page measures the text of every control on it, which loads and
+// fills the font engine for a window nobody may open.
+class PageLayoutHold : public QObject {
+public:
+    // Watches pages being put into tab widgets until stopWatching().
+    PageLayoutHold();
+    void stopWatching();
+    // Lays the held pages out again, as the window is shown.
+    void release();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QVector<QPointer<QLayout>> m_held;
+};

@@ -241,7 +241,7 @@ bool LibDdcutilBus::write(const DdcDisplay &display, quint8 code, quint32 value)
 
 DdcMonitorControl::DdcMonitorControl(std::unique_ptr<DdcBus> bus,
                                      std::chrono::milliseconds reprobeAfter)
-    : m_bus(std::move(bus)), m_reprobeAfter(reprobeAfter), m_worker([this] { run(); })
+    : m_bus(std::move(bus)), m_reprobeAfter(reprobeAfter)
 {
 }
 
@@ -253,7 +253,8 @@ DdcMonitorControl::~DdcMonitorControl()
         m_pending.reset();
     }
     m_wake.notify_all();
-    m_worker.join();
+    if (m_worker.joinable())
+        m_worker.join();
 }
 
 void DdcMonitorControl::setVcpFeature(quintptr windowId, quint8 code, quint32 value)
@@ -271,6 +272,10 @@ void DdcMonitorControl::request(const ScreenIdentity &screen, quint8 code, quint
         std::lock_guard<std::mutex> lock(m_mutex);
         m_pending = Request{screen, code, value};
     }
+    // Started by the first request: most laptops never set an external monitor's brightness,
+    // and an idle thread still holds its stack and memory arena.
+    if (!m_worker.joinable())
+        m_worker = std::thread([this] { run(); });
     m_wake.notify_one();
 }
 

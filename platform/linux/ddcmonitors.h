@@ -79,7 +79,7 @@ private:
     std::optional<Request> m_pending;
     bool m_busy = false;
     bool m_stopping = false;
-    // Worker thread only.
+    // Worker thread only (the thread itself: started by the first request, on the GUI thread).
     std::optional<QVector<DdcDisplay>> m_known;
     std::chrono::steady_clock::time_point m_probedAt{};
     std::thread m_worker;

@@ -26,7 +26,12 @@ private slots:
         rig.start();
         rig.window->SetStyle();
         QCOMPARE(qApp->styleSheet(), QString());
+        // Nor are its pages laid out: a label on the first page keeps its unlaid size.
+        QCOMPARE(rig.ui().Label_Brightness->geometry(), QRect(0, 0, 100, 30));
         rig.window->show();
+        QVERIFY(rig.ui().Label_Brightness->width() > 100);
+        rig.ui().tabWidget->setCurrentWidget(rig.ui().tab);
+        QVERIFY(rig.ui().tab->layout()->isEnabled());
         QVERIFY(!StyleSheetHold::held());
         QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
     }
