@@ -17,6 +17,9 @@ QString readerPath()
 }
 
 // The reader's two lines: the bytes in hex and the decoded text.
+// Each look starts the reader program, which under Wine on a loaded machine takes seconds.
+const int kPatienceMs = 30000;
+
 QStringList readBlock(const QString &key = kKey)
 {
     QProcess reader;
@@ -56,11 +59,11 @@ private slots:
 
         // A change is published at once, or a second later where the old segment is still going.
         p.ui().checkBox_2->click(); // power modes on: normal has fan Manual and keyboard 40
-        QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,40"));
+        QTRY_COMPARE_WITH_TIMEOUT(readBlock().value(1), QStringLiteral("3,40"), kPatienceMs);
 
         // Switched off again: the keyboard is released, the fan code stays.
         p.ui().checkBox_2->click();
-        QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,none"));
+        QTRY_COMPARE_WITH_TIMEOUT(readBlock().value(1), QStringLiteral("3,none"), kPatienceMs);
 
         // A reader holding the block: the change waits, and is tried again each second.
         QProcess holder;
@@ -69,12 +72,13 @@ private slots:
         p.ui().horizontalSlider_2->setValue(55);
         holder.write("\n");
         QVERIFY(holder.waitForFinished(10000));
-        QTRY_COMPARE(readBlock().value(1), QStringLiteral("3,55"));
+        QTRY_COMPARE_WITH_TIMEOUT(readBlock().value(1), QStringLiteral("3,55"), kPatienceMs);
 
         // Any text, through the slot the window offers for it.
         QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
                                           Q_ARG(QString, "5,100")));
-        QTRY_COMPARE(readBlock(), (QStringList{"0000000a0035002c003100300030", "5,100"}));
+        QTRY_COMPARE_WITH_TIMEOUT(
+            readBlock(), (QStringList{"0000000a0035002c003100300030", "5,100"}), kPatienceMs);
     }
 
     void aReaderThatStaysMakesPublishingFail()
@@ -87,7 +91,7 @@ private slots:
         QProcess holder;
         holder.start(readerPath(), {key, QStringLiteral("--hold")});
         QVERIFY(holder.waitForReadyRead(10000));
-        QTRY_VERIFY(holder.canReadLine());
+        QTRY_VERIFY_WITH_TIMEOUT(holder.canReadLine(), kPatienceMs);
 
         // The record the segment already holds needs no new segment, so the reader does not block
         // it.
@@ -100,7 +104,7 @@ private slots:
         QVERIFY(holder.waitForFinished(10000));
         QCOMPARE(holder.exitCode(), 0);
         // The reader's segment may take a moment to go.
-        QTRY_VERIFY(publisher.publish(QStringLiteral("2,20")));
+        QTRY_VERIFY_WITH_TIMEOUT(publisher.publish(QStringLiteral("2,20")), kPatienceMs);
         QCOMPARE(readBlock(key).value(1), QStringLiteral("2,20"));
     }
 };
