@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # End to end under Wine with the staged varnel.exe: one instance (a second start hands over and
-# ends with status 0 within 2 s, bringing the hidden window back), and the settings files in
-# the install folder's settings/ after a clean exit.
+# ends with status 0, bringing the hidden window back), and the settings files in the install
+# folder's settings/ after a clean exit. How long the hand-over takes is the benchmark's to say.
 #   staged_program.sh <stage folder> <windowstate.exe>
 source "$(dirname "$0")/common.sh"
 stage=$1
@@ -14,7 +14,6 @@ cleanup() {
   rm -rf "$work"
 }
 trap cleanup EXIT
-millis() { date +%s%3N; }
 
 # A private install folder, so the settings written are this run's own.
 cp -r "$stage"/. "$work"/
@@ -29,15 +28,12 @@ wait_for 60 is_state hidden || fail "the first start never built its hidden wind
 sleep 2
 [ "$(window_state)" = hidden ] || fail "the first instance did not stay up: $(window_state)"
 
-# A second start hands over, ends with status 0 within 2 s, and the window comes back.
-begin=$(millis)
+# A second start hands over, ends with status 0, and the window comes back.
 timeout 20 wine varnel.exe >second.log 2>&1
 status=$?
-elapsed=$(($(millis) - begin))
 [ "$status" -eq 0 ] || fail "second start exited with $status"
-[ "$elapsed" -lt 2000 ] || fail "second start took ${elapsed} ms"
 wait_for 5 is_state visible || fail "the hidden window did not come back: $(window_state)"
-echo "second start: status 0 after ${elapsed} ms, window shown again"
+echo "second start: status 0, window shown again"
 
 # e. A clean exit (the window asked to close) leaves the settings in the install folder.
 timeout 20 wine taskkill /im varnel.exe >/dev/null 2>&1
