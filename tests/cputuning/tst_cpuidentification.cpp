@@ -52,259 +52,256 @@ class CpuIdentificationTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void cleaning_data();
-    void cleaning();
-    void profiles_data();
-    void profiles();
-    void turboLimitsAtStartup_data();
-    void turboLimitsAtStartup();
-    void recommended_data();
-    void recommended();
-};
 
-void CpuIdentificationTest::cleaning_data()
-{
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("header");
-    QTest::addColumn<QString>("expected");
-    const struct {
-        const char *name;
-        QString output;
-        const char *header, *expected;
-    } rows[] = {
-        {"wmic layout", wmicOutput("Name", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"), "Name",
-         "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"},
-        {"model", wmicOutput("Model", "P95_96_97Ex"), "Model", "P95_96_97Ex"},
-        {"line feed, tab, return as one piece", "Name\n\t\rIntel Core i7-7700K\n\t\r", "Name",
-         "Intel Core i7-7700K"},
-        {"removed until none is left", "\n\t\n\t\r\rX\n\t\r", "Name", "X"},
-        {"header anywhere", "Name  \r\nNameless NameCPU  ", "Name", "less CPU"},
-        {"header formed by a removal", "NaNameme X", "Name", "X"},
-        {"header case counts", "Name\r\nname NAME", "Name", "name NAME"},
-        {"no output", "", "Model", ""},
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.name) << r.output << QString(r.header) << QString(r.expected);
-}
-
-void CpuIdentificationTest::cleaning()
-{
-    QFETCH(QString, output);
-    QFETCH(QString, header);
-    QTEST(cleanWmicText(output, header), "expected");
-}
-
-void CpuIdentificationTest::profiles_data()
-{
-    QTest::addColumn<QString>("cpu");
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<QString>("file"); // empty: unsupported
-    QTest::addColumn<int>("cores");
-    QTest::addColumn<int>("turboRatio"); // the part's highest single-core turbo ratio
-    const struct {
-        const char *name, *cpu, *model, *file;
-        int cores, turboRatio;
-    } rows[] = {
-        {"1 7700K", "Intel(R) Core(TM) i7-7700K CPU @ 4.20GHz", "", "7700K", 4, 45},
-        {"2 7700HQ", "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz", "P750DM2", "7700HQ", 0, 38},
-        {"3 8750H", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P65_P67RGRERA", "8750H", 6, 41},
-        {"4 8850H", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz", "P75xTP1", "8850H", 6, 43},
-        {"5 8750H in a P95", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex",
-         "8750H_P950", 6, 41},
-        {"6 8750H in an N8", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "N8xxEP6", "8750H_N8", 6,
-         41},
-        {"7 8700K", "Intel(R) Core(TM) i7-8700K CPU @ 3.70GHz", "", "8700K", 6, 47},
-        {"8 9900K", "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz", "", "9900K", 8, 50},
-        {"9 8086K", "Intel(R) Core(TM) i7-8086K CPU @ 4.00GHz", "", "8086K", 6, 50},
-        {"10 8600K", "Intel(R) Core(TM) i5-8600K CPU @ 3.60GHz", "", "8600K", 6, 43},
-        {"11 6700K", "Intel(R) Core(TM) i7-6700K CPU @ 4.00GHz", "", "6700K", 4, 42},
-        {"12 8700", "Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz", "", "8700", 6, 46},
-        {"13 9700K", "Intel(R) Core(TM) i7-9700K CPU @ 3.60GHz", "", "9700K", 8, 49},
-        {"14 9750H", "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz", "", "9750H", 6, 45},
-        {"15 10875H", "Intel(R) Core(TM) i7-10875H CPU @ 2.30GHz", "", "10875H", 8, 51},
-        {"8750H, model not known yet", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "", "8750H", 6,
-         41},
-        {"8850H in a P95 is left out", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz", "P95_96_97Ex",
-         "", 0, 0},
-        {"8700K is row 7, before row 12", "8700K CPU @ 3.20GHz", "", "8700K", 6, 47},
-        {"tests are case-sensitive", "Intel(R) Core(TM) i7-8750h", "", "", 0, 0},
-        {"model test is case-sensitive", "i7-8750H", "p95", "8750H", 6, 41},
-        {"AMD", "AMD Ryzen 7 4800H with Radeon Graphics", "", "", 0, 0},
-        {"nothing reported", "", "", "", 0, 0},
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.name) << QString(r.cpu) << QString(r.model) << QString(r.file) << r.cores
-                              << r.turboRatio;
-}
-
-// The row the table picks, and the shipped profile it names: every value Recommended reads, in
-// range, and no ratio it never reads.
-void CpuIdentificationTest::profiles()
-{
-    QFETCH(QString, file);
-    QFETCH(int, cores);
-    QFETCH(int, turboRatio);
-    QFETCH(QString, cpu);
-    QFETCH(QString, model);
-    const auto match = matchCpuProfile(cpu, model);
-    QCOMPARE(bool(match), !file.isEmpty());
-    if (!match)
-        return;
-    QCOMPARE(match->file, QStringLiteral("cpuprofiles\\%1.ini").arg(file));
-    QCOMPARE(match->cores, cores);
-
-    QSettings profile(QStringLiteral(VARNEL_DIST_DIR "/cpuprofiles/%1.ini").arg(file),
-                      QSettings::IniFormat);
-    profile.beginGroup(QStringLiteral("settings"));
-    QStringList keys = {"max", "unlimited", "undervolt", "boostpower", "turbotime"};
-    for (int n = 1; n <= cores; ++n)
-        keys << QStringLiteral("core%1").arg(n);
-    QStringList held = profile.childKeys(), wanted = keys;
-    held.sort();
-    wanted.sort();
-    QCOMPARE(held, wanted);
-    // Power limits in 1/8 W steps, a conservative undervolt on the slider's scale.
-    const auto value = [&profile](const QString &key) { return profile.value(key).toDouble(); };
-    QVERIFY(value("max") >= 8 * 15 && value("max") <= 8 * 255);
-    QVERIFY(value("boostpower") >= 8 && value("boostpower") <= value("max"));
-    QVERIFY(value("unlimited") > value("max") / 8);
-    QVERIFY(value("undervolt") >= 0 && value("undervolt") <= 125);
-    QVERIFY(value("turbotime") >= 1 && value("turbotime") <= 128);
-    // Turbo ratios fall (or stay) as more cores are active, from the part's top ratio.
-    for (int n = 1; n <= cores; ++n) {
-        const double ratio = value(keys.at(4 + n));
-        QVERIFY(ratio >= 30 && ratio <= (n == 1 ? turboRatio : value(keys.at(3 + n))));
+    void cleaning_data()
+    {
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("header");
+        QTest::addColumn<QString>("expected");
+        const struct {
+            const char *name;
+            QString output;
+            const char *header, *expected;
+        } rows[] = {
+            {"wmic layout", wmicOutput("Name", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"), "Name",
+             "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"},
+            {"model", wmicOutput("Model", "P95_96_97Ex"), "Model", "P95_96_97Ex"},
+            {"line feed, tab, return as one piece", "Name\n\t\rIntel Core i7-7700K\n\t\r", "Name",
+             "Intel Core i7-7700K"},
+            {"removed until none is left", "\n\t\n\t\r\rX\n\t\r", "Name", "X"},
+            {"header anywhere", "Name  \r\nNameless NameCPU  ", "Name", "less CPU"},
+            {"header formed by a removal", "NaNameme X", "Name", "X"},
+            {"header case counts", "Name\r\nname NAME", "Name", "name NAME"},
+            {"no output", "", "Model", ""},
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.name) << r.output << QString(r.header) << QString(r.expected);
     }
-    QVERIFY(cores == 0 || value("core1") == turboRatio);
-}
 
-void CpuIdentificationTest::turboLimitsAtStartup_data()
-{
-    QTest::addColumn<QString>("cpu");
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("profile");
-    QTest::addColumn<int>("maximum");
-    QTest::addColumn<QString>("topLabel");
-    QTest::addColumn<QString>("highestFiniteLabel");
-    const char *i7 = "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz";
-    const char *amd = "AMD Ryzen 9 5900HX with Radeon Graphics";
-    const struct {
-        const char *name, *cpu, *model, *file, *profile;
-        int maximum;
-        const char *top, *finite;
-    } rows[] = {
-        {"profile limits", i7, "", "9750H", "max=360 unlimited=200", 361, "200W", "45W"},
-        {"no unlimited figure", i7, "", "9750H", "max=360", 361, "4095.875W", "45W"},
-        // 8000 steps are 1000000 mW, the fixed whole figure.
-        {"max 0", i7, "", "9750H", "max=0 unlimited=200", 8001, "200W", "1000W"},
-        {"no profile file", i7, "", "", "", 8001, "4095.875W", "1000W"},
-        // Limits no slider can hold count as missing instead of jamming it at 1 W.
-        {"max at the integer limit", i7, "", "9750H", "max=2147483647", 8001, "4095.875W", "1000W"},
-        {"max negative", i7, "", "9750H", "max=-40", 8001, "4095.875W", "1000W"},
-        {"max above a thousand watts", i7, "", "9750H", "max=8200", 8001, "4095.875W", "1000W"},
-        // The model is read after the limits: the plain row gives them, not the model's.
-        {"8750H in a P95", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex", "8750H",
-         "max=360 unlimited=90", 361, "90W", "45W"},
-        {"AMD disables the tab", amd, "NH5xHX", "", "", 8001, "4095.875W", "1000W"},
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.name) << QString(r.cpu) << QString(r.model) << QString(r.file)
-                              << QString(r.profile) << r.maximum << QString(r.top)
-                              << QString(r.finite);
-}
+    void cleaning()
+    {
+        QFETCH(QString, output);
+        QFETCH(QString, header);
+        QTEST(cleanWmicText(output, header), "expected");
+    }
 
-void CpuIdentificationTest::turboLimitsAtStartup()
-{
-    QFETCH(QString, cpu);
-    QFETCH(QString, model);
-    QFETCH(QString, file);
-    QFETCH(QString, profile);
-    QFETCH(int, maximum);
-    CpuWindow w(cpu, model, file, profile);
-    Ui::MainWindow &ui = w.ui();
-    QCOMPARE(w.window->cpuTuning()->cpuName, cpu);
-    QCOMPARE(w.window->cpuTuning()->laptopModel, model);
-    QVERIFY(w.fake.log->indexOf("run: " + kCpuQuery) < w.fake.log->indexOf("run: " + kModelQuery));
-    QCOMPARE(ui.tabWidget->widget(1), ui.tab);
-    QCOMPARE(ui.tabWidget->isTabEnabled(1), !cpu.contains("AMD"));
-    QVERIFY(w.fake.dialogs->shown.isEmpty());
+    void profiles_data()
+    {
+        QTest::addColumn<QString>("cpu");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QString>("file"); // empty: unsupported
+        QTest::addColumn<int>("cores");
+        QTest::addColumn<int>("turboRatio"); // the part's highest single-core turbo ratio
+        const struct {
+            const char *name, *cpu, *model, *file;
+            int cores, turboRatio;
+        } rows[] = {
+            {"1 7700K", "Intel(R) Core(TM) i7-7700K CPU @ 4.20GHz", "", "7700K", 4, 45},
+            {"2 7700HQ", "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz", "P750DM2", "7700HQ", 0, 38},
+            {"3 8750H", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P65_P67RGRERA", "8750H", 6,
+             41},
+            {"4 8850H", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz", "P75xTP1", "8850H", 6, 43},
+            {"5 8750H in a P95", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex",
+             "8750H_P950", 6, 41},
+            {"6 8750H in an N8", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "N8xxEP6", "8750H_N8",
+             6, 41},
+            {"7 8700K", "Intel(R) Core(TM) i7-8700K CPU @ 3.70GHz", "", "8700K", 6, 47},
+            {"8 9900K", "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz", "", "9900K", 8, 50},
+            {"9 8086K", "Intel(R) Core(TM) i7-8086K CPU @ 4.00GHz", "", "8086K", 6, 50},
+            {"10 8600K", "Intel(R) Core(TM) i5-8600K CPU @ 3.60GHz", "", "8600K", 6, 43},
+            {"11 6700K", "Intel(R) Core(TM) i7-6700K CPU @ 4.00GHz", "", "6700K", 4, 42},
+            {"12 8700", "Intel(R) Core(TM) i7-8700 CPU @ 3.20GHz", "", "8700", 6, 46},
+            {"13 9700K", "Intel(R) Core(TM) i7-9700K CPU @ 3.60GHz", "", "9700K", 8, 49},
+            {"14 9750H", "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz", "", "9750H", 6, 45},
+            {"15 10875H", "Intel(R) Core(TM) i7-10875H CPU @ 2.30GHz", "", "10875H", 8, 51},
+            {"8750H, model not known yet", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "", "8750H",
+             6, 41},
+            {"8850H in a P95 is left out", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz",
+             "P95_96_97Ex", "", 0, 0},
+            {"8700K is row 7, before row 12", "8700K CPU @ 3.20GHz", "", "8700K", 6, 47},
+            {"tests are case-sensitive", "Intel(R) Core(TM) i7-8750h", "", "", 0, 0},
+            {"model test is case-sensitive", "i7-8750H", "p95", "8750H", 6, 41},
+            {"AMD", "AMD Ryzen 7 4800H with Radeon Graphics", "", "", 0, 0},
+            {"nothing reported", "", "", "", 0, 0},
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.name) << QString(r.cpu) << QString(r.model) << QString(r.file)
+                                  << r.cores << r.turboRatio;
+    }
 
-    QCOMPARE(ui.Slider_TurboBoost->minimum(), 8);
-    QCOMPARE(ui.Slider_TurboBoost->maximum(), maximum);
-    QCOMPARE(w.window->cpuTuning()->turboPowerMax, maximum - 1);
-    ui.Slider_TurboBoost->setValue(maximum);
-    QTEST(ui.Label_TurboPowerValue->text(), "topLabel");
-    ui.Slider_TurboBoost->setValue(maximum - 1);
-    QTEST(ui.Label_TurboPowerValue->text(), "highestFiniteLabel");
-}
+    // The row the table picks, and the shipped profile it names: every value Recommended reads, in
+    // range, and no ratio it never reads.
+    void profiles()
+    {
+        QFETCH(QString, file);
+        QFETCH(int, cores);
+        QFETCH(int, turboRatio);
+        QFETCH(QString, cpu);
+        QFETCH(QString, model);
+        const auto match = matchCpuProfile(cpu, model);
+        QCOMPARE(bool(match), !file.isEmpty());
+        if (!match)
+            return;
+        QCOMPARE(match->file, QStringLiteral("cpuprofiles\\%1.ini").arg(file));
+        QCOMPARE(match->cores, cores);
 
-void CpuIdentificationTest::recommended_data()
-{
-    QTest::addColumn<QString>("cpu");
-    QTest::addColumn<QString>("model");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("profile");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<bool>("supported");
-    // Before the click the tab shows "-60mV 37.5W 20Sec" and every ratio 45.
-    const struct {
-        const char *name, *cpu, *model, *file, *profile, *shown;
-        bool supported;
-    } rows[] = {
-        {"a 6-core row reads six ratios, from the model's profile",
-         "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex", "8750H_P950",
-         "max=720 undervolt=80 boostpower=320 turbotime=56 core1=43 core2=42 core3=41 core4=40 "
-         "core5=40 core6=39 core7=38 core8=37",
-         "-80mV 40W 56Sec 43 42 41 40 40 39 45 45", true},
-        {"a row without ratios leaves the boxes", "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz", "",
-         "7700HQ", "max=360 undervolt=70 boostpower=280 turbotime=28 core1=38",
-         "-70mV 35W 28Sec 45 45 45 45 45 45 45 45", true},
-        {"a missing profile drives the controls to their minimum",
-         "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz", "", "", "", "0mV 1W 1Sec 0 0 0 0 0 0 0 0",
-         true},
-        {"unsupported: only a message", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz", "P95_96_97Ex",
-         "8850H", "max=360 undervolt=50", "-60mV 37.5W 20Sec 45 45 45 45 45 45 45 45", false},
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.name) << QString(r.cpu) << QString(r.model) << QString(r.file)
-                              << QString(r.profile) << QString(r.shown) << r.supported;
-}
+        QSettings profile(QStringLiteral(VARNEL_DIST_DIR "/cpuprofiles/%1.ini").arg(file),
+                          QSettings::IniFormat);
+        profile.beginGroup(QStringLiteral("settings"));
+        QStringList keys = {"max", "unlimited", "undervolt", "boostpower", "turbotime"};
+        for (int n = 1; n <= cores; ++n)
+            keys << QStringLiteral("core%1").arg(n);
+        QStringList held = profile.childKeys(), wanted = keys;
+        held.sort();
+        wanted.sort();
+        QCOMPARE(held, wanted);
+        // Power limits in 1/8 W steps, a conservative undervolt on the slider's scale.
+        const auto value = [&profile](const QString &key) { return profile.value(key).toDouble(); };
+        QVERIFY(value("max") >= 8 * 15 && value("max") <= 8 * 255);
+        QVERIFY(value("boostpower") >= 8 && value("boostpower") <= value("max"));
+        QVERIFY(value("unlimited") > value("max") / 8);
+        QVERIFY(value("undervolt") >= 0 && value("undervolt") <= 125);
+        QVERIFY(value("turbotime") >= 1 && value("turbotime") <= 128);
+        // Turbo ratios fall (or stay) as more cores are active, from the part's top ratio.
+        for (int n = 1; n <= cores; ++n) {
+            const double ratio = value(keys.at(4 + n));
+            QVERIFY(ratio >= 30 && ratio <= (n == 1 ? turboRatio : value(keys.at(3 + n))));
+        }
+        QVERIFY(cores == 0 || value("core1") == turboRatio);
+    }
 
-void CpuIdentificationTest::recommended()
-{
-    QFETCH(QString, cpu);
-    QFETCH(QString, model);
-    QFETCH(QString, file);
-    QFETCH(QString, profile);
-    QFETCH(bool, supported);
-    CpuWindow w(cpu, model, file, profile);
-    Ui::MainWindow &ui = w.ui();
-    ui.undervolt_slider->setValue(60);
-    ui.Slider_TurboBoost->setValue(300);
-    ui.Slider_TurboTime->setValue(20);
-    for (QSpinBox *spin : w.spins())
-        spin->setValue(45);
-    ui.Button_ApplyValues->setEnabled(false);
-    ui.pushButton->setEnabled(true);
-    ui.pushButton->click();
+    void turboLimitsAtStartup_data()
+    {
+        QTest::addColumn<QString>("cpu");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("profile");
+        QTest::addColumn<int>("maximum");
+        QTest::addColumn<QString>("topLabel");
+        QTest::addColumn<QString>("highestFiniteLabel");
+        const char *i7 = "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz";
+        const char *amd = "AMD Ryzen 9 5900HX with Radeon Graphics";
+        const struct {
+            const char *name, *cpu, *model, *file, *profile;
+            int maximum;
+            const char *top, *finite;
+        } rows[] = {
+            {"profile limits", i7, "", "9750H", "max=360 unlimited=200", 361, "200W", "45W"},
+            {"no unlimited figure", i7, "", "9750H", "max=360", 361, "4095.875W", "45W"},
+            // 8000 steps are 1000000 mW, the fixed whole figure.
+            {"max 0", i7, "", "9750H", "max=0 unlimited=200", 8001, "200W", "1000W"},
+            {"no profile file", i7, "", "", "", 8001, "4095.875W", "1000W"},
+            // Limits no slider can hold count as missing instead of jamming it at 1 W.
+            {"max at the integer limit", i7, "", "9750H", "max=2147483647", 8001, "4095.875W",
+             "1000W"},
+            {"max negative", i7, "", "9750H", "max=-40", 8001, "4095.875W", "1000W"},
+            {"max above a thousand watts", i7, "", "9750H", "max=8200", 8001, "4095.875W", "1000W"},
+            // The model is read after the limits: the plain row gives them, not the model's.
+            {"8750H in a P95", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex", "8750H",
+             "max=360 unlimited=90", 361, "90W", "45W"},
+            {"AMD disables the tab", amd, "NH5xHX", "", "", 8001, "4095.875W", "1000W"},
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.name) << QString(r.cpu) << QString(r.model) << QString(r.file)
+                                  << QString(r.profile) << r.maximum << QString(r.top)
+                                  << QString(r.finite);
+    }
 
-    QTEST(w.shown(), "shown");
-    QVERIFY(ui.Button_ApplyValues->isEnabled());
-    // The value handlers ran and enabled it again; a message leaves it off.
-    QCOMPARE(ui.pushButton->isEnabled(), supported);
-    // Nothing goes to the processor until Apply.
-    QVERIFY(w.fake.log->withPrefix("process:").isEmpty());
-    QCOMPARE(w.fake.dialogs->shown.size(), supported ? 0 : 1);
-    if (supported)
-        return;
-    const FakeDialogs::Shown &shown = w.fake.dialogs->shown.first();
-    QCOMPARE(shown.icon, QMessageBox::Question);
-    QCOMPARE(shown.title, QStringLiteral("CPU Information"));
-    QCOMPARE(shown.text, QStringLiteral("Sorry but your CPU is not supported yet.\nPlease give us "
-                                        "some more time to tune it!\n"));
-    QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-}
+    void turboLimitsAtStartup()
+    {
+        QFETCH(QString, cpu);
+        QFETCH(QString, model);
+        QFETCH(QString, file);
+        QFETCH(QString, profile);
+        QFETCH(int, maximum);
+        CpuWindow w(cpu, model, file, profile);
+        Ui::MainWindow &ui = w.ui();
+        QCOMPARE(w.window->cpuTuning()->cpuName, cpu);
+        QCOMPARE(w.window->cpuTuning()->laptopModel, model);
+        QVERIFY(w.fake.log->indexOf("run: " + kCpuQuery) <
+                w.fake.log->indexOf("run: " + kModelQuery));
+        QCOMPARE(ui.tabWidget->widget(1), ui.tab);
+        QCOMPARE(ui.tabWidget->isTabEnabled(1), !cpu.contains("AMD"));
+        QVERIFY(w.fake.dialogs->shown.isEmpty());
+
+        QCOMPARE(ui.Slider_TurboBoost->minimum(), 8);
+        QCOMPARE(ui.Slider_TurboBoost->maximum(), maximum);
+        QCOMPARE(w.window->cpuTuning()->turboPowerMax, maximum - 1);
+        ui.Slider_TurboBoost->setValue(maximum);
+        QTEST(ui.Label_TurboPowerValue->text(), "topLabel");
+        ui.Slider_TurboBoost->setValue(maximum - 1);
+        QTEST(ui.Label_TurboPowerValue->text(), "highestFiniteLabel");
+    }
+
+    void recommended_data()
+    {
+        QTest::addColumn<QString>("cpu");
+        QTest::addColumn<QString>("model");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("profile");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<bool>("supported");
+        // Before the click the tab shows "-60mV 37.5W 20Sec" and every ratio 45.
+        const struct {
+            const char *name, *cpu, *model, *file, *profile, *shown;
+            bool supported;
+        } rows[] = {
+            {"a 6-core row reads six ratios, from the model's profile",
+             "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex", "8750H_P950",
+             "max=720 undervolt=80 boostpower=320 turbotime=56 core1=43 core2=42 core3=41 core4=40 "
+             "core5=40 core6=39 core7=38 core8=37",
+             "-80mV 40W 56Sec 43 42 41 40 40 39 45 45", true},
+            {"a row without ratios leaves the boxes", "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz",
+             "", "7700HQ", "max=360 undervolt=70 boostpower=280 turbotime=28 core1=38",
+             "-70mV 35W 28Sec 45 45 45 45 45 45 45 45", true},
+            {"a missing profile drives the controls to their minimum",
+             "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz", "", "", "", "0mV 1W 1Sec 0 0 0 0 0 0 0 0",
+             true},
+            {"unsupported: only a message", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz",
+             "P95_96_97Ex", "8850H", "max=360 undervolt=50",
+             "-60mV 37.5W 20Sec 45 45 45 45 45 45 45 45", false},
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.name) << QString(r.cpu) << QString(r.model) << QString(r.file)
+                                  << QString(r.profile) << QString(r.shown) << r.supported;
+    }
+
+    void recommended()
+    {
+        QFETCH(QString, cpu);
+        QFETCH(QString, model);
+        QFETCH(QString, file);
+        QFETCH(QString, profile);
+        QFETCH(bool, supported);
+        CpuWindow w(cpu, model, file, profile);
+        Ui::MainWindow &ui = w.ui();
+        ui.undervolt_slider->setValue(60);
+        ui.Slider_TurboBoost->setValue(300);
+        ui.Slider_TurboTime->setValue(20);
+        for (QSpinBox *spin : w.spins())
+            spin->setValue(45);
+        ui.Button_ApplyValues->setEnabled(false);
+        ui.pushButton->setEnabled(true);
+        ui.pushButton->click();
+
+        QTEST(w.shown(), "shown");
+        QVERIFY(ui.Button_ApplyValues->isEnabled());
+        // The value handlers ran and enabled it again; a message leaves it off.
+        QCOMPARE(ui.pushButton->isEnabled(), supported);
+        // Nothing goes to the processor until Apply.
+        QVERIFY(w.fake.log->withPrefix("process:").isEmpty());
+        QCOMPARE(w.fake.dialogs->shown.size(), supported ? 0 : 1);
+        if (supported)
+            return;
+        const FakeDialogs::Shown &shown = w.fake.dialogs->shown.first();
+        QCOMPARE(shown.icon, QMessageBox::Question);
+        QCOMPARE(shown.title, QStringLiteral("CPU Information"));
+        QCOMPARE(shown.text,
+                 QStringLiteral("Sorry but your CPU is not supported yet.\nPlease give us "
+                                "some more time to tune it!\n"));
+        QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    }
+};
 
 QTEST_MAIN(CpuIdentificationTest)
 #include "tst_cpuidentification.moc"

@@ -60,82 +60,81 @@ class ProcessCommandsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void identificationInWmicShape();
-    void taskListNamesRunningImages();
-    void taskKill_data();
-    void taskKill();
+
+    void identificationInWmicShape()
+    {
+        Fixture fixture;
+        const QString cpu = fixture.table.run("wmic cpu get Name").value_or(QString());
+        QVERIFY(cpu.startsWith("Name "));
+        QCOMPARE(cpu.count("\r\n"), 3);
+        QCOMPARE(cleanWmicText(cpu, "Name"),
+                 QStringLiteral("Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"));
+        const QString model =
+            fixture.table.run("wmic computersystem get model").value_or(QString());
+        QVERIFY(model.startsWith("Model "));
+        QCOMPARE(cleanWmicText(model, "Model"), QStringLiteral("P95_96_97Ex"));
+        // Other spellings are other commands.
+        QVERIFY(!fixture.table.knows("wmic cpu get name"));
+        QVERIFY(!fixture.table.knows("wmic cpu get Name,NumberOfCores"));
+
+        // Missing files give an empty value and an empty list.
+        CommandTable empty;
+        addProcessCommands(empty,
+                           {fixture.dir.filePath("none"), fixture.dir.filePath("none"), -1, {}});
+        QCOMPARE(cleanWmicText(*empty.run("wmic cpu get Name"), "Name"), QString());
+        QCOMPARE(cleanWmicText(*empty.run("wmic computersystem get model"), "Model"), QString());
+        QVERIFY(!empty.run("tasklist")->contains(".exe"));
+    }
+
+    void taskListNamesRunningImages()
+    {
+        Fixture fixture;
+        const QString list = *fixture.table.run("tasklist");
+        const QStringList lines = list.split("\r\n", Qt::SkipEmptyParts);
+        QVERIFY(lines.value(0).startsWith("Image Name"));
+        QVERIFY(lines.value(1).startsWith("====="));
+        QStringList images;
+        for (const QString &line : lines.mid(2))
+            images << line.section(' ', 0, 0);
+        images.sort();
+        QCOMPARE(images, QStringList({"ThrottleStop.exe", "ThrottleStop.exe", "kworker/0:1",
+                                      "throttlestop.exe", "varnel-helper"}));
+        QVERIFY(list.contains(QRegularExpression("ThrottleStop\\.exe +102 ")));
+        QVERIFY(fixture.killed.isEmpty());
+    }
+
+    void taskKill_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QList<long long>>("killed");
+        QTest::addColumn<QString>("output");
+        // The user's two processes of that image, neither root's nor another program's.
+        const QList<long long> both = {102, 103};
+        // Each named as it runs.
+        const QString done =
+            QStringLiteral("SUCCESS: The process \"%1\" with PID %2 has been terminated.\r\n");
+        const QString twoDone =
+            done.arg("ThrottleStop.exe").arg(102) + done.arg("throttlestop.exe").arg(103);
+        QTest::newRow("force first") << "taskkill /f /im ThrottleStop.exe" << both << twoDone;
+        QTest::newRow("force last") << "taskkill /im ThrottleStop.exe /f" << both << twoDone;
+        QTest::newRow("quoted image") << "taskkill /f /im \"ThrottleStop.exe\"" << both << twoDone;
+        QTest::newRow("image case") << "taskkill /f /im THROTTLESTOP.EXE" << both << twoDone;
+        QTest::newRow("nothing of that image")
+            << "taskkill /f /im PhoneJack.exe" << QList<long long>()
+            << "ERROR: The process \"PhoneJack.exe\" not found.\r\n";
+        QTest::newRow("without force, not a known command")
+            << "taskkill /im ThrottleStop.exe" << QList<long long>() << "<unknown>";
+    }
+
+    void taskKill()
+    {
+        QFETCH(QString, command);
+        Fixture fixture;
+        QTEST(fixture.table.run(command).value_or("<unknown>"), "output");
+        std::sort(fixture.killed.begin(), fixture.killed.end());
+        QTEST(fixture.killed, "killed");
+    }
 };
-
-void ProcessCommandsTest::identificationInWmicShape()
-{
-    Fixture fixture;
-    const QString cpu = fixture.table.run("wmic cpu get Name").value_or(QString());
-    QVERIFY(cpu.startsWith("Name "));
-    QCOMPARE(cpu.count("\r\n"), 3);
-    QCOMPARE(cleanWmicText(cpu, "Name"),
-             QStringLiteral("Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"));
-    const QString model = fixture.table.run("wmic computersystem get model").value_or(QString());
-    QVERIFY(model.startsWith("Model "));
-    QCOMPARE(cleanWmicText(model, "Model"), QStringLiteral("P95_96_97Ex"));
-    // Other spellings are other commands.
-    QVERIFY(!fixture.table.knows("wmic cpu get name"));
-    QVERIFY(!fixture.table.knows("wmic cpu get Name,NumberOfCores"));
-
-    // Missing files give an empty value and an empty list.
-    CommandTable empty;
-    addProcessCommands(empty, {fixture.dir.filePath("none"), fixture.dir.filePath("none"), -1, {}});
-    QCOMPARE(cleanWmicText(*empty.run("wmic cpu get Name"), "Name"), QString());
-    QCOMPARE(cleanWmicText(*empty.run("wmic computersystem get model"), "Model"), QString());
-    QVERIFY(!empty.run("tasklist")->contains(".exe"));
-}
-
-void ProcessCommandsTest::taskListNamesRunningImages()
-{
-    Fixture fixture;
-    const QString list = *fixture.table.run("tasklist");
-    const QStringList lines = list.split("\r\n", Qt::SkipEmptyParts);
-    QVERIFY(lines.value(0).startsWith("Image Name"));
-    QVERIFY(lines.value(1).startsWith("====="));
-    QStringList images;
-    for (const QString &line : lines.mid(2))
-        images << line.section(' ', 0, 0);
-    images.sort();
-    QCOMPARE(images, QStringList({"ThrottleStop.exe", "ThrottleStop.exe", "kworker/0:1",
-                                  "throttlestop.exe", "varnel-helper"}));
-    QVERIFY(list.contains(QRegularExpression("ThrottleStop\\.exe +102 ")));
-    QVERIFY(fixture.killed.isEmpty());
-}
-
-void ProcessCommandsTest::taskKill_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QList<long long>>("killed");
-    QTest::addColumn<QString>("output");
-    // The user's two processes of that image, neither root's nor another program's.
-    const QList<long long> both = {102, 103};
-    // Each named as it runs.
-    const QString done =
-        QStringLiteral("SUCCESS: The process \"%1\" with PID %2 has been terminated.\r\n");
-    const QString twoDone =
-        done.arg("ThrottleStop.exe").arg(102) + done.arg("throttlestop.exe").arg(103);
-    QTest::newRow("force first") << "taskkill /f /im ThrottleStop.exe" << both << twoDone;
-    QTest::newRow("force last") << "taskkill /im ThrottleStop.exe /f" << both << twoDone;
-    QTest::newRow("quoted image") << "taskkill /f /im \"ThrottleStop.exe\"" << both << twoDone;
-    QTest::newRow("image case") << "taskkill /f /im THROTTLESTOP.EXE" << both << twoDone;
-    QTest::newRow("nothing of that image") << "taskkill /f /im PhoneJack.exe" << QList<long long>()
-                                           << "ERROR: The process \"PhoneJack.exe\" not found.\r\n";
-    QTest::newRow("without force, not a known command")
-        << "taskkill /im ThrottleStop.exe" << QList<long long>() << "<unknown>";
-}
-
-void ProcessCommandsTest::taskKill()
-{
-    QFETCH(QString, command);
-    Fixture fixture;
-    QTEST(fixture.table.run(command).value_or("<unknown>"), "output");
-    std::sort(fixture.killed.begin(), fixture.killed.end());
-    QTEST(fixture.killed, "killed");
-}
 
 QTEST_GUILESS_MAIN(ProcessCommandsTest)
 #include "tst_processcommands.moc"

@@ -136,337 +136,328 @@ class TuningChainsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void startupRead_data();
-    void startupRead();
-    void applyWritesTheChangedValuesThenReadsBack_data();
-    void applyWritesTheChangedValuesThenReadsBack();
-    void stalledClientStallsOnlyItsChain();
-    void reapplyRunsAtMostOncePerRun_data();
-    void reapplyRunsAtMostOncePerRun();
-    void valuesNeverReadNorSetAreNeitherWrittenNorSaved_data();
-    void valuesNeverReadNorSetAreNeitherWrittenNorSaved();
-    void stopXtuServicesAfterEachRead();
-    void manageCpuSwitchedOnAndOff();
+
+    void startupRead_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("whole rows") << QString() << kShownAtStart;
+        QTest::newRow("a client that prints nothing changes nothing")
+            << "FAKE_XTU_SILENT=1"
+            << "0 -000mV  | 8 0000.000W  | 1 00.00 Sec 0 | 0 0 0 0 0 0 0 0";
+        // The rows that came whole are taken.
+        QTest::newRow("a row split across two reads changes nothing")
+            << "FAKE_XTU_SPLIT=48"
+            << "0 0mV 0 | 8 0000.000W  | 28 28Sec 28 | 51 51 49 49 47 47 46 46";
+    }
+
+    void startupRead()
+    {
+        QFETCH(QString, script);
+        ClientRig rig(script);
+        rig.startWindow();
+        QVERIFY(rig.waitForReadChains(1));
+        QCOMPARE(rig.runs(), kAllReads);
+        const int service = rig.fake.log->indexOf("process: " + xtu::serviceStart);
+        QVERIFY(service >= 0);
+        QVERIFY(service < rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 34"));
+        QTEST(rig.shown(), "shown");
+        QVERIFY(!rig.cpu()->decimalComma);
+        QVERIFY(!rig.cpu()->coreRowsMissing);
+        QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
+        QVERIFY(rig.ui().frame_2->isEnabled());
+        QVERIFY(switchedOn(rig.ui().turbo_override));
+        if (script.isEmpty()) {
+            QCOMPARE(rig.ui().Slider_TurboTime->maximum(), 128);
+            QCOMPARE(rig.ui().Core8Spin->minimum(), 8);
+            QCOMPARE(rig.ui().Core8Spin->maximum(), 80);
+        }
+    }
+
+    void applyWritesTheChangedValuesThenReadsBack_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("holds"); // "id=value" before start-up
+        QTest::addColumn<QString>("steps"); // "object=value" set in turn, "click:object" clicked
+        QTest::addColumn<QStringList>("writes");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("nothing changed") << ""
+                                         << ""
+                                         << "" << QStringList() << kShownReadBack;
+        QTest::newRow("changed values, in the chain's order")
+            << ""
+            << ""
+            << "Core8Spin=44 Slider_TurboBoost=301 undervolt_slider=80 Core3Spin=45"
+            << QStringList{"-t -id 34 -v -80", "-t -id 48 -v 37.625", "-t -id 31 -v 45",
+                           "-t -id 97 -v 44"}
+            << "80 -80mV -80 | 301 37.625W 37,625 | 28 28.0Sec 28 | 51 51 45 49 47 47 46 44";
+        QTest::newRow("undervolt at one is written as none")
+            << ""
+            << "34=-50"
+            << "undervolt_slider=1" << QStringList{"-t -id 34 -v 0"} << kShownReadBack;
+        // The 10875H profile's highest finite position is 1080 (135 W).
+        QTest::newRow("the unlimited position writes the unlimited figure")
+            << ""
+            << ""
+            << "Slider_TurboBoost=1081" << QStringList{"-t -id 48 -v 4095.875"}
+            << "0 0mV 0 | 1081 4095.875W 4095,875 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
+        QTest::newRow("a client with decimal commas gets commas")
+            << "FAKE_XTU_COMMA=1"
+            << ""
+            << "Slider_TurboBoost=364" << QStringList{"-t -id 48 -v 45,5"}
+            << "0 0mV 0 | 364 45.5W 45,5 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
+        // Hidden boxes are not disabled: they are skipped as unchanged.
+        QTest::newRow("a four-core processor hides and skips cores five to eight")
+            << "FAKE_XTU_CORES=4"
+            << ""
+            << "Core1Spin=50" << QStringList{"-t -id 29 -v 50"}
+            << "0 0mV 0 | 360 45W 45 | 28 28.0Sec 28 | 50 51 49 49 (0) (0) (0) (0)";
+        // Power modes still apply through the slot while the frames are disabled.
+        QTest::newRow("boxes of an unmanaged processor are skipped as disabled")
+            << ""
+            << ""
+            << "click:checkBox_DontManageCPU Core2Spin=40 Core7Spin=40 undervolt_slider=50"
+            << QStringList{"-t -id 34 -v -50"}
+            << "50 -50mV -50 | 360 45W 45 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
+    }
+
+    void applyWritesTheChangedValuesThenReadsBack()
+    {
+        QFETCH(QString, script);
+        QFETCH(QString, holds);
+        QFETCH(QString, steps);
+        QFETCH(QStringList, writes);
+        ClientRig rig(script);
+        if (!holds.isEmpty())
+            rig.holds(holds.section('=', 0, 0).toInt(), holds.section('=', 1));
+        rig.startWindow();
+        QVERIFY(rig.waitForReadChains(1));
+        rig.fake.log->clear();
+        for (const QString &step : steps.split(' ', Qt::SkipEmptyParts)) {
+            if (step.startsWith(QLatin1String("click:")))
+                rig.window->findChild<QAbstractButton *>(step.mid(6))->click();
+            else
+                rig.window->findChild<QWidget *>(step.section('=', 0, 0))
+                    ->setProperty("value", step.section('=', 1).toInt());
+        }
+        // What the tab holds when applied is saved.
+        const QString held = QStringLiteral("%1 %2 %3")
+                                 .arg(rig.ui().undervolt_slider->value())
+                                 .arg(rig.ui().Label_TurboPowerValue->text())
+                                 .arg(rig.ui().Core1Spin->value());
+        rig.apply();
+        QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
+        QVERIFY(rig.waitForReadChains(2));
+        QCOMPARE(rig.runs(), writes + kAllReads);
+        // One service start for the apply, one for the read that follows.
+        QCOMPARE(rig.fake.log->withPrefix("process: powershell").size(), 2);
+        QTEST(rig.shown(), "shown");
+        QCOMPARE(rig.cpu()->decimalComma, script.contains("COMMA"));
+        QCOMPARE(rig.cpu()->coreRowsMissing, script.contains("CORES"));
+        QCOMPARE(QStringLiteral("%1 %2W %3")
+                     .arg(rig.generalValue("undervolt").toString(),
+                          rig.generalValue("boostpower").toString(),
+                          rig.generalValue("core1multi").toString()),
+                 held);
+        QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
+        QCOMPARE(rig.generalValue("DontManageCPU").toBool(), !steps.contains("click:"));
+        QVERIFY(rig.ui().checkBox_ReApply->isEnabled());
+
+        // A second apply finds everything in place.
+        rig.apply();
+        QVERIFY(rig.waitForReadChains(3));
+        QCOMPARE(rig.writes(), writes);
+    }
+
+    void stalledClientStallsOnlyItsChain()
+    {
+        ClientRig rig("FAKE_XTU_HANG=48");
+        QElapsedTimer clock;
+        clock.start();
+        rig.startWindow();
+        QVERIFY(clock.elapsed() < 5000);
+
+        // The hanging query printed its row, and its parser took it; the chain goes no further.
+        QTRY_COMPARE_WITH_TIMEOUT(rig.ui().Slider_TurboBoost->value(), 360,
+                                  30000); // Wine: slow starts
+        QVERIFY(!rig.chainEnds->wait(1000));
+        QCOMPARE(rig.reads(), QStringList({"-t -id 34", "-t -id 48"}));
+        QVERIFY(rig.cpu()->readProcess2->isRunning());
+
+        // The window goes on answering.
+        bool timerFired = false;
+        QTimer::singleShot(0, [&] { timerFired = true; });
+        rig.ui().undervolt_slider->setValue(30);
+        QCOMPARE(rig.ui().Label_UnderVolt_Value->text(), QStringLiteral("-30mV"));
+        QTRY_VERIFY(timerFired);
+        QVERIFY(rig.ui().Button_ApplyValues->isEnabled());
+        rig.cpu()->readProcess2->close();
+    }
+
+    void reapplyRunsAtMostOncePerRun_data()
+    {
+        QTest::addColumn<QString>("saved");
+        QTest::addColumn<QStringList>("writes");
+        QTest::newRow("everything saved")
+            << "undervolt=60 boostpower=40 turbotime=20 core1multi=50 core2multi=50 core3multi=48 "
+               "core4multi=48 core5multi=46 core6multi=46 core7multi=45 core8multi=45"
+            << QStringList{"-t -id 34 -v -60", "-t -id 48 -v 40", "-t -id 66 -v 20",
+                           "-t -id 29 -v 50",  "-t -id 30 -v 50", "-t -id 31 -v 48",
+                           "-t -id 32 -v 48",  "-t -id 42 -v 46", "-t -id 43 -v 46",
+                           "-t -id 96 -v 45",  "-t -id 97 -v 45"};
+        // The turbo power is no power, the time no number, and the ratios no ratio a box can hold;
+        // unsaved ratios stay as read.
+        QTest::newRow("only what makes sense")
+            << "undervolt=60 boostpower=1e300 turbotime=abc core1multi=x51 core2multi=300"
+            << QStringList{"-t -id 34 -v -60"};
+    }
+
+    void reapplyRunsAtMostOncePerRun()
+    {
+        QFETCH(QString, saved);
+        QFETCH(QStringList, writes);
+        ClientRig rig;
+        rig.setGeneral("Re-ApplyXTU", true);
+        for (const QString &pair : saved.split(' '))
+            rig.folder.setIni(TestWindow::general, pair.section('=', 0, 0), pair.section('=', 1));
+        rig.startWindow();
+        QVERIFY(rig.ui().checkBox_ReApply->isChecked());
+        QVERIFY(rig.ui().checkBox_ReApply->isEnabled());
+
+        // Start-up read, the re-apply's writes, and the read after them.
+        QVERIFY(rig.waitForReadChains(2));
+        QCOMPARE(rig.writes(), writes);
+        QVERIFY(rig.cpu()->reapplyDone);
+        QVERIFY(!rig.cpu()->reapplyPending);
+        QCOMPARE(rig.ui().undervolt_slider->value(), 60);
+
+        // The processor loses its values; the read two minutes after start and later ones show that
+        // and re-apply nothing.
+        rig.holds(34, QStringLiteral("0"));
+        rig.fake.scheduler->advance(120000);
+        QVERIFY(rig.waitForReadChains(3));
+        rig.window->getxtuvalues();
+        QVERIFY(rig.waitForReadChains(4));
+        QCOMPARE(rig.writes(), writes);
+        QCOMPARE(rig.ui().undervolt_slider->value(), 0);
+
+        rig.ui().checkBox_ReApply->click();
+        QCOMPARE(rig.generalValue("Re-ApplyXTU").toBool(), false);
+        rig.ui().checkBox_ReApply->click();
+        QCOMPARE(rig.generalValue("Re-ApplyXTU").toBool(), true);
+    }
+
+    void valuesNeverReadNorSetAreNeitherWrittenNorSaved_data()
+    {
+        QTest::addColumn<bool>("byPowerMode");
+        QTest::addColumn<QStringList>("writes");
+        QTest::addColumn<int>("undervolt");
+        QTest::newRow("turbo override of a power mode")
+            << true << QStringList{"-t -id 48 -v 25"} << 100;
+        QTest::newRow("undervolt set by hand") << false << QStringList{"-t -id 34 -v -90"} << 90;
+    }
+
+    void valuesNeverReadNorSetAreNeitherWrittenNorSaved()
+    {
+        QFETCH(bool, byPowerMode);
+        ClientRig rig("FAKE_XTU_SILENT=1"); // no row is ever read
+        rig.setGeneral("undervolt", 100);
+        rig.setGeneral("boostpower", "45");
+        rig.setGeneral("turbotime", 28);
+        rig.startWindow();
+        QVERIFY(rig.waitForReadChains(1));
+        if (byPowerMode) {
+            rig.ui().turbo_override->setChecked(true);
+            rig.ui().power_mode_turbo_boost->setValue(200);
+            QVERIFY(QMetaObject::invokeMethod(rig.window.get(), "ApplyPowerTurboBoost"));
+        } else {
+            rig.ui().undervolt_slider->setValue(90);
+            rig.clickApply();
+        }
+        QVERIFY(rig.waitForReadChains(2));
+        QTEST(rig.writes(), "writes");
+        QTEST(rig.generalValue("undervolt").toInt(), "undervolt");
+        QCOMPARE(rig.generalValue("boostpower").toString(), QStringLiteral("45"));
+        QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
+        QVERIFY(!rig.generalValue("core1multi").isValid());
+    }
+
+    void stopXtuServicesAfterEachRead()
+    {
+        ClientRig rig;
+        rig.setGeneral("PreventXTU", true);
+        rig.startWindow();
+        QVERIFY(rig.ui().Check_PreventXTU->isChecked());
+        QVERIFY(rig.waitForReadChains(1));
+        const QString stop = QStringLiteral("run: ") + xtu::serviceStop;
+        QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
+        QVERIFY(rig.fake.log->indexOf(stop) >
+                rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 97"));
+
+        rig.ui().Check_PreventXTU->click();
+        QCOMPARE(rig.generalValue("PreventXTU").toBool(), false);
+        rig.window->getxtuvalues();
+        QVERIFY(rig.waitForReadChains(2));
+        QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
+    }
+
+    void manageCpuSwitchedOnAndOff()
+    {
+        ClientRig rig;
+        rig.setGeneral("DontManageCPU", false);
+        rig.startWindow();
+        Ui::MainWindow &ui = rig.ui();
+        QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
+        // Which of the controls are switched on, in this order.
+        const auto switched = [&ui] {
+            QString out;
+            for (QWidget *w : std::initializer_list<QWidget *>{
+                     ui.frame_2, ui.frame_3, ui.pushButton, ui.Check_PreventXTU, ui.turbo_override,
+                     ui.Button_ApplyValues, ui.power_mode_turbo_boost})
+                out += switchedOn(w) ? '1' : '0';
+            return out;
+        };
+        QCOMPARE(switched(), QStringLiteral("0000001"));
+        QVERIFY(!rig.fake.scheduler->history.contains(QStringLiteral("120000 getxtuvalues")));
+        QVERIFY(rig.fake.log->withPrefix("process:").isEmpty());
+
+        // Not installed: the offer to download, and the box goes off again whatever the answer.
+        rig.fake.dialogs->answers = {QMessageBox::No, QMessageBox::Yes};
+        ui.checkBox_DontManageCPU->click();
+        QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
+        QCOMPARE(rig.fake.dialogs->shown.size(), 1);
+        const FakeDialogs::Shown &offer = rig.fake.dialogs->shown.first();
+        QCOMPARE(offer.icon, QMessageBox::Question);
+        QCOMPARE(offer.title, QStringLiteral("Intel Extreme Tuning"));
+        QCOMPARE(offer.text,
+                 QStringLiteral("To use this settings you need Intel Extreme Tuning.\n\nAfter "
+                                "installing it please restart your laptop. It is highly "
+                                "recommended that you select the Prevent background XTU "
+                                "services option!\n\n Do you want to download XTU now?\n"));
+        QCOMPARE(offer.buttons, QMessageBox::Yes | QMessageBox::No);
+        QVERIFY(rig.fake.log->withPrefix("open url:").isEmpty());
+        ui.checkBox_DontManageCPU->click();
+        QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
+        QCOMPARE(rig.fake.log->withPrefix("open url:").size(), 1);
+        QVERIFY(!ui.frame_2->isEnabled());
+
+        // Installed: the driver installer runs, the controls open, and the read chain follows.
+        rig.fake.desktop->existing << xtu::servicePaths[1];
+        ui.checkBox_DontManageCPU->click();
+        QVERIFY(ui.checkBox_DontManageCPU->isChecked());
+        QCOMPARE(rig.fake.log->withPrefix("run: " + xtu::driverInstaller).size(), 1);
+        QCOMPARE(rig.generalValue("DontManageCPU").toBool(), true);
+        QCOMPARE(switched(), QStringLiteral("1111101"));
+        QVERIFY(rig.waitForReadChains(1));
+        QCOMPARE(ui.Slider_TurboBoost->value(), 360);
+
+        // Off again: everything closes and the choice is saved.
+        ui.Button_ApplyValues->setEnabled(true);
+        ui.checkBox_DontManageCPU->click();
+        QCOMPARE(switched(), QStringLiteral("0000000"));
+        QCOMPARE(rig.generalValue("DontManageCPU").toBool(), false);
+    }
 };
-
-void TuningChainsTest::startupRead_data()
-{
-    QTest::addColumn<QString>("script");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("whole rows") << QString() << kShownAtStart;
-    QTest::newRow("a client that prints nothing changes nothing")
-        << "FAKE_XTU_SILENT=1"
-        << "0 -000mV  | 8 0000.000W  | 1 00.00 Sec 0 | 0 0 0 0 0 0 0 0";
-    // The rows that came whole are taken.
-    QTest::newRow("a row split across two reads changes nothing")
-        << "FAKE_XTU_SPLIT=48"
-        << "0 0mV 0 | 8 0000.000W  | 28 28Sec 28 | 51 51 49 49 47 47 46 46";
-}
-
-void TuningChainsTest::startupRead()
-{
-    QFETCH(QString, script);
-    ClientRig rig(script);
-    rig.startWindow();
-    QVERIFY(rig.waitForReadChains(1));
-    QCOMPARE(rig.runs(), kAllReads);
-    const int service = rig.fake.log->indexOf("process: " + xtu::serviceStart);
-    QVERIFY(service >= 0);
-    QVERIFY(service < rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 34"));
-    QTEST(rig.shown(), "shown");
-    QVERIFY(!rig.cpu()->decimalComma);
-    QVERIFY(!rig.cpu()->coreRowsMissing);
-    QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
-    QVERIFY(rig.ui().frame_2->isEnabled());
-    QVERIFY(switchedOn(rig.ui().turbo_override));
-    if (script.isEmpty()) {
-        QCOMPARE(rig.ui().Slider_TurboTime->maximum(), 128);
-        QCOMPARE(rig.ui().Core8Spin->minimum(), 8);
-        QCOMPARE(rig.ui().Core8Spin->maximum(), 80);
-    }
-}
-
-void TuningChainsTest::applyWritesTheChangedValuesThenReadsBack_data()
-{
-    QTest::addColumn<QString>("script");
-    QTest::addColumn<QString>("holds"); // "id=value" before start-up
-    QTest::addColumn<QString>("steps"); // "object=value" set in turn, "click:object" clicked
-    QTest::addColumn<QStringList>("writes");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("nothing changed") << ""
-                                     << ""
-                                     << "" << QStringList() << kShownReadBack;
-    QTest::newRow("changed values, in the chain's order")
-        << ""
-        << ""
-        << "Core8Spin=44 Slider_TurboBoost=301 undervolt_slider=80 Core3Spin=45"
-        << QStringList{"-t -id 34 -v -80", "-t -id 48 -v 37.625", "-t -id 31 -v 45",
-                       "-t -id 97 -v 44"}
-        << "80 -80mV -80 | 301 37.625W 37,625 | 28 28.0Sec 28 | 51 51 45 49 47 47 46 44";
-    QTest::newRow("undervolt at one is written as none")
-        << ""
-        << "34=-50"
-        << "undervolt_slider=1" << QStringList{"-t -id 34 -v 0"} << kShownReadBack;
-    // The 10875H profile's highest finite position is 1080 (135 W).
-    QTest::newRow("the unlimited position writes the unlimited figure")
-        << ""
-        << ""
-        << "Slider_TurboBoost=1081" << QStringList{"-t -id 48 -v 4095.875"}
-        << "0 0mV 0 | 1081 4095.875W 4095,875 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
-    QTest::newRow("a client with decimal commas gets commas")
-        << "FAKE_XTU_COMMA=1"
-        << ""
-        << "Slider_TurboBoost=364" << QStringList{"-t -id 48 -v 45,5"}
-        << "0 0mV 0 | 364 45.5W 45,5 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
-    // Hidden boxes are not disabled: they are skipped as unchanged.
-    QTest::newRow("a four-core processor hides and skips cores five to eight")
-        << "FAKE_XTU_CORES=4"
-        << ""
-        << "Core1Spin=50" << QStringList{"-t -id 29 -v 50"}
-        << "0 0mV 0 | 360 45W 45 | 28 28.0Sec 28 | 50 51 49 49 (0) (0) (0) (0)";
-    // Power modes still apply through the slot while the frames are disabled.
-    QTest::newRow("boxes of an unmanaged processor are skipped as disabled")
-        << ""
-        << ""
-        << "click:checkBox_DontManageCPU Core2Spin=40 Core7Spin=40 undervolt_slider=50"
-        << QStringList{"-t -id 34 -v -50"}
-        << "50 -50mV -50 | 360 45W 45 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
-}
-
-void TuningChainsTest::applyWritesTheChangedValuesThenReadsBack()
-{
-    QFETCH(QString, script);
-    QFETCH(QString, holds);
-    QFETCH(QString, steps);
-    QFETCH(QStringList, writes);
-    ClientRig rig(script);
-    if (!holds.isEmpty())
-        rig.holds(holds.section('=', 0, 0).toInt(), holds.section('=', 1));
-    rig.startWindow();
-    QVERIFY(rig.waitForReadChains(1));
-    rig.fake.log->clear();
-    for (const QString &step : steps.split(' ', Qt::SkipEmptyParts)) {
-        if (step.startsWith(QLatin1String("click:")))
-            rig.window->findChild<QAbstractButton *>(step.mid(6))->click();
-        else
-            rig.window->findChild<QWidget *>(step.section('=', 0, 0))
-                ->setProperty("value", step.section('=', 1).toInt());
-    }
-    // What the tab holds when applied is saved.
-    const QString held = QStringLiteral("%1 %2 %3")
-                             .arg(rig.ui().undervolt_slider->value())
-                             .arg(rig.ui().Label_TurboPowerValue->text())
-                             .arg(rig.ui().Core1Spin->value());
-    rig.apply();
-    QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.runs(), writes + kAllReads);
-    // One service start for the apply, one for the read that follows.
-    QCOMPARE(rig.fake.log->withPrefix("process: powershell").size(), 2);
-    QTEST(rig.shown(), "shown");
-    QCOMPARE(rig.cpu()->decimalComma, script.contains("COMMA"));
-    QCOMPARE(rig.cpu()->coreRowsMissing, script.contains("CORES"));
-    QCOMPARE(QStringLiteral("%1 %2W %3")
-                 .arg(rig.generalValue("undervolt").toString(),
-                      rig.generalValue("boostpower").toString(),
-                      rig.generalValue("core1multi").toString()),
-             held);
-    QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
-    QCOMPARE(rig.generalValue("DontManageCPU").toBool(), !steps.contains("click:"));
-    QVERIFY(rig.ui().checkBox_ReApply->isEnabled());
-
-    // A second apply finds everything in place.
-    rig.apply();
-    QVERIFY(rig.waitForReadChains(3));
-    QCOMPARE(rig.writes(), writes);
-}
-
-void TuningChainsTest::stalledClientStallsOnlyItsChain()
-{
-    ClientRig rig("FAKE_XTU_HANG=48");
-    QElapsedTimer clock;
-    clock.start();
-    rig.startWindow();
-    QVERIFY(clock.elapsed() < 5000);
-
-    // The hanging query printed its row, and its parser took it; the chain goes no further.
-    QTRY_COMPARE_WITH_TIMEOUT(rig.ui().Slider_TurboBoost->value(), 360, 30000); // Wine: slow starts
-    QVERIFY(!rig.chainEnds->wait(1000));
-    QCOMPARE(rig.reads(), QStringList({"-t -id 34", "-t -id 48"}));
-    QVERIFY(rig.cpu()->readProcess2->isRunning());
-
-    // The window goes on answering.
-    bool timerFired = false;
-    QTimer::singleShot(0, [&] { timerFired = true; });
-    rig.ui().undervolt_slider->setValue(30);
-    QCOMPARE(rig.ui().Label_UnderVolt_Value->text(), QStringLiteral("-30mV"));
-    QTRY_VERIFY(timerFired);
-    QVERIFY(rig.ui().Button_ApplyValues->isEnabled());
-    rig.cpu()->readProcess2->close();
-}
-
-void TuningChainsTest::reapplyRunsAtMostOncePerRun_data()
-{
-    QTest::addColumn<QString>("saved");
-    QTest::addColumn<QStringList>("writes");
-    QTest::newRow("everything saved")
-        << "undervolt=60 boostpower=40 turbotime=20 core1multi=50 core2multi=50 core3multi=48 "
-           "core4multi=48 core5multi=46 core6multi=46 core7multi=45 core8multi=45"
-        << QStringList{"-t -id 34 -v -60", "-t -id 48 -v 40", "-t -id 66 -v 20", "-t -id 29 -v 50",
-                       "-t -id 30 -v 50",  "-t -id 31 -v 48", "-t -id 32 -v 48", "-t -id 42 -v 46",
-                       "-t -id 43 -v 46",  "-t -id 96 -v 45", "-t -id 97 -v 45"};
-    // The turbo power is no power, the time no number, and the ratios no ratio a box can hold;
-    // unsaved ratios stay as read.
-    QTest::newRow("only what makes sense")
-        << "undervolt=60 boostpower=1e300 turbotime=abc core1multi=x51 core2multi=300"
-        << QStringList{"-t -id 34 -v -60"};
-}
-
-void TuningChainsTest::reapplyRunsAtMostOncePerRun()
-{
-    QFETCH(QString, saved);
-    QFETCH(QStringList, writes);
-    ClientRig rig;
-    rig.setGeneral("Re-ApplyXTU", true);
-    for (const QString &pair : saved.split(' '))
-        rig.folder.setIni(TestWindow::general, pair.section('=', 0, 0), pair.section('=', 1));
-    rig.startWindow();
-    QVERIFY(rig.ui().checkBox_ReApply->isChecked());
-    QVERIFY(rig.ui().checkBox_ReApply->isEnabled());
-
-    // Start-up read, the re-apply's writes, and the read after them.
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.writes(), writes);
-    QVERIFY(rig.cpu()->reapplyDone);
-    QVERIFY(!rig.cpu()->reapplyPending);
-    QCOMPARE(rig.ui().undervolt_slider->value(), 60);
-
-    // The processor loses its values; the read two minutes after start and later ones show that
-    // and re-apply nothing.
-    rig.holds(34, QStringLiteral("0"));
-    rig.fake.scheduler->advance(120000);
-    QVERIFY(rig.waitForReadChains(3));
-    rig.window->getxtuvalues();
-    QVERIFY(rig.waitForReadChains(4));
-    QCOMPARE(rig.writes(), writes);
-    QCOMPARE(rig.ui().undervolt_slider->value(), 0);
-
-    rig.ui().checkBox_ReApply->click();
-    QCOMPARE(rig.generalValue("Re-ApplyXTU").toBool(), false);
-    rig.ui().checkBox_ReApply->click();
-    QCOMPARE(rig.generalValue("Re-ApplyXTU").toBool(), true);
-}
-
-void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved_data()
-{
-    QTest::addColumn<bool>("byPowerMode");
-    QTest::addColumn<QStringList>("writes");
-    QTest::addColumn<int>("undervolt");
-    QTest::newRow("turbo override of a power mode")
-        << true << QStringList{"-t -id 48 -v 25"} << 100;
-    QTest::newRow("undervolt set by hand") << false << QStringList{"-t -id 34 -v -90"} << 90;
-}
-
-void TuningChainsTest::valuesNeverReadNorSetAreNeitherWrittenNorSaved()
-{
-    QFETCH(bool, byPowerMode);
-    ClientRig rig("FAKE_XTU_SILENT=1"); // no row is ever read
-    rig.setGeneral("undervolt", 100);
-    rig.setGeneral("boostpower", "45");
-    rig.setGeneral("turbotime", 28);
-    rig.startWindow();
-    QVERIFY(rig.waitForReadChains(1));
-    if (byPowerMode) {
-        rig.ui().turbo_override->setChecked(true);
-        rig.ui().power_mode_turbo_boost->setValue(200);
-        QVERIFY(QMetaObject::invokeMethod(rig.window.get(), "ApplyPowerTurboBoost"));
-    } else {
-        rig.ui().undervolt_slider->setValue(90);
-        rig.clickApply();
-    }
-    QVERIFY(rig.waitForReadChains(2));
-    QTEST(rig.writes(), "writes");
-    QTEST(rig.generalValue("undervolt").toInt(), "undervolt");
-    QCOMPARE(rig.generalValue("boostpower").toString(), QStringLiteral("45"));
-    QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
-    QVERIFY(!rig.generalValue("core1multi").isValid());
-}
-
-void TuningChainsTest::stopXtuServicesAfterEachRead()
-{
-    ClientRig rig;
-    rig.setGeneral("PreventXTU", true);
-    rig.startWindow();
-    QVERIFY(rig.ui().Check_PreventXTU->isChecked());
-    QVERIFY(rig.waitForReadChains(1));
-    const QString stop = QStringLiteral("run: ") + xtu::serviceStop;
-    QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
-    QVERIFY(rig.fake.log->indexOf(stop) >
-            rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 97"));
-
-    rig.ui().Check_PreventXTU->click();
-    QCOMPARE(rig.generalValue("PreventXTU").toBool(), false);
-    rig.window->getxtuvalues();
-    QVERIFY(rig.waitForReadChains(2));
-    QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
-}
-
-void TuningChainsTest::manageCpuSwitchedOnAndOff()
-{
-    ClientRig rig;
-    rig.setGeneral("DontManageCPU", false);
-    rig.startWindow();
-    Ui::MainWindow &ui = rig.ui();
-    QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
-    // Which of the controls are switched on, in this order.
-    const auto switched = [&ui] {
-        QString out;
-        for (QWidget *w : std::initializer_list<QWidget *>{
-                 ui.frame_2, ui.frame_3, ui.pushButton, ui.Check_PreventXTU, ui.turbo_override,
-                 ui.Button_ApplyValues, ui.power_mode_turbo_boost})
-            out += switchedOn(w) ? '1' : '0';
-        return out;
-    };
-    QCOMPARE(switched(), QStringLiteral("0000001"));
-    QVERIFY(!rig.fake.scheduler->history.contains(QStringLiteral("120000 getxtuvalues")));
-    QVERIFY(rig.fake.log->withPrefix("process:").isEmpty());
-
-    // Not installed: the offer to download, and the box goes off again whatever the answer.
-    rig.fake.dialogs->answers = {QMessageBox::No, QMessageBox::Yes};
-    ui.checkBox_DontManageCPU->click();
-    QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
-    QCOMPARE(rig.fake.dialogs->shown.size(), 1);
-    const FakeDialogs::Shown &offer = rig.fake.dialogs->shown.first();
-    QCOMPARE(offer.icon, QMessageBox::Question);
-    QCOMPARE(offer.title, QStringLiteral("Intel Extreme Tuning"));
-    QCOMPARE(offer.text,
-             QStringLiteral("To use this settings you need Intel Extreme Tuning.\n\nAfter "
-                            "installing it please restart your laptop. It is highly "
-                            "recommended that you select the Prevent background XTU "
-                            "services option!\n\n Do you want to download XTU now?\n"));
-    QCOMPARE(offer.buttons, QMessageBox::Yes | QMessageBox::No);
-    QVERIFY(rig.fake.log->withPrefix("open url:").isEmpty());
-    ui.checkBox_DontManageCPU->click();
-    QVERIFY(!ui.checkBox_DontManageCPU->isChecked());
-    QCOMPARE(rig.fake.log->withPrefix("open url:").size(), 1);
-    QVERIFY(!ui.frame_2->isEnabled());
-
-    // Installed: the driver installer runs, the controls open, and the read chain follows.
-    rig.fake.desktop->existing << xtu::servicePaths[1];
-    ui.checkBox_DontManageCPU->click();
-    QVERIFY(ui.checkBox_DontManageCPU->isChecked());
-    QCOMPARE(rig.fake.log->withPrefix("run: " + xtu::driverInstaller).size(), 1);
-    QCOMPARE(rig.generalValue("DontManageCPU").toBool(), true);
-    QCOMPARE(switched(), QStringLiteral("1111101"));
-    QVERIFY(rig.waitForReadChains(1));
-    QCOMPARE(ui.Slider_TurboBoost->value(), 360);
-
-    // Off again: everything closes and the choice is saved.
-    ui.Button_ApplyValues->setEnabled(true);
-    ui.checkBox_DontManageCPU->click();
-    QCOMPARE(switched(), QStringLiteral("0000000"));
-    QCOMPARE(rig.generalValue("DontManageCPU").toBool(), false);
-}
 
 QTEST_MAIN(TuningChainsTest)
 #include "tst_tuningchains.moc"

@@ -67,226 +67,229 @@ Q_DECLARE_METATYPE(RegisterRow)
 class TestHelperVerbs : public QObject {
     Q_OBJECT
 private slots:
-    void processorLimits_data();
-    void processorLimits();
-    void powerLimits_data();
-    void powerLimits();
-    void registers_data();
-    void registers();
-    void offsetCommands();
-    void camera();
-    void aMissingBusRefusesAtOnce();
-};
 
-void TestHelperVerbs::processorLimits_data()
-{
-    QTest::addColumn<LimitRow>("row");
-    const QString min0 = cpu0 + "scaling_min_freq=", max0 = cpu0 + "scaling_max_freq=";
-    const QString minPct = pstate + "min_perf_pct=", maxPct = pstate + "max_perf_pct=";
-    QTest::newRow("pstate minimum") << LimitRow{"pstate", "min", 25, none, 25, {minPct + "25"}};
-    QTest::newRow("pstate maximum") << LimitRow{"pstate", "max", 80, none, 80, {maxPct + "80"}};
-    QTest::newRow("cpufreq maximum, every CPU") << LimitRow{
-        "cpufreq", "max", 50, none, 50, {max0 + "1600000", cpu1 + "scaling_max_freq=1600000"}};
-    QTest::newRow("cpufreq minimum")
-        << LimitRow{"cpufreq", "min", 75, none, 75, {cpu1 + "scaling_min_freq=2400000"}};
-    QTest::newRow("cpufreq minimum never below the lowest frequency")
-        << LimitRow{"cpufreq", "min", 0, none, 25, {min0 + "800000"}};
-    QTest::newRow("cpufreq maximum below the minimum lowers the minimum")
-        << LimitRow{"cpufreq-high-min", "max", 50, none, 50, {min0 + "1600000", max0 + "1600000"}};
-    QTest::newRow("cpufreq minimum above the maximum stops at it")
-        << LimitRow{"cpufreq-low-max", "min", 90, none, 50, {min0 + "1600000"}};
-    for (int bad : {-1, 101}) {
-        QTest::addRow("pstate minimum %d", bad)
-            << LimitRow{"pstate", "min", bad, range, 0, {minPct + "10"}};
-        QTest::addRow("cpufreq maximum %d", bad)
-            << LimitRow{"cpufreq", "max", bad, range, 0, {max0 + "3200000"}};
-    }
-    QTest::newRow("no frequency control")
-        << LimitRow{"none", "min", 50, helpererror::notSupported, 0, {}};
-}
-
-void TestHelperVerbs::processorLimits()
-{
-    QFETCH(LimitRow, row);
-    FakeSysTree tree;
-    if (row.setup == QLatin1String("pstate"))
-        tree.putPstate();
-    if (row.setup.startsWith(QLatin1String("cpufreq")))
-        tree.putCpufreq();
-    if (row.setup == QLatin1String("cpufreq-high-min"))
-        tree.put(cpu0 + "scaling_min_freq", "2400000\n");
-    if (row.setup == QLatin1String("cpufreq-low-max"))
-        tree.put(cpu0 + "scaling_max_freq", "1600000\n");
-
-    const ProcessorLimits limits{SysTree(tree.root())};
-    int back = 0;
-    const Outcome outcome = row.verb == QLatin1String("min") ? limits.setMinimum(row.value, &back)
-                                                             : limits.setMaximum(row.value, &back);
-    QCOMPARE(outcome.errorName, row.error);
-    if (row.error.isEmpty())
-        QCOMPARE(back, row.readBack);
-    for (const QString &file : row.files)
-        QCOMPARE(tree.get(file.section('=', 0, 0)), file.section('=', 1).toLatin1());
-}
-
-void TestHelperVerbs::powerLimits_data()
-{
-    QTest::addColumn<LimitRow>("row");
-    const QString power = "0_power_limit_uw=", window = "0_time_window_us=";
-    const QString shortTerm = "1_power_limit_uw=", locked = helpererror::locked;
-    QTest::newRow("turbo power") << LimitRow{"", "power", 35500, none, 0, {power + "35500000"}};
-    QTest::newRow("unlimited") << LimitRow{"", "power", 4095875, none, 0, {power + "4095875000"}};
-    QTest::newRow("turbo time") << LimitRow{"", "window", 56000, none, 0, {window + "56000000"}};
-    QTest::newRow("short-term") << LimitRow{"", "short", 60000, none, 0, {shortTerm + "60000000"}};
-    QTest::newRow("power 999 mW") << LimitRow{"", "power", 999, range, 0, {power + "45000000"}};
-    QTest::newRow("power above 4096 W")
-        << LimitRow{"", "power", 4096001, range, 0, {power + "45000000"}};
-    QTest::newRow("short-term 0") << LimitRow{"", "short", 0, range, 0, {shortTerm + "90000000"}};
-    QTest::newRow("window 0") << LimitRow{"", "window", 0, range, 0, {window + "27983872"}};
-    QTest::newRow("window above 128 s")
-        << LimitRow{"", "window", 128001, range, 0, {window + "27983872"}};
-    QTest::newRow("locked power") << LimitRow{"locked", "power", 35000,
-                                              locked,   0,       {power + "45000000"}};
-    QTest::newRow("locked window")
-        << LimitRow{"locked", "window", 8000, locked, 0, {window + "27983872"}};
-    QTest::newRow("no RAPL") << LimitRow{"none", "power", 35000, helpererror::notSupported, 0, {}};
-}
-
-void TestHelperVerbs::powerLimits()
-{
-    QFETCH(LimitRow, row);
-    FakeSysTree tree;
-    if (row.setup != QLatin1String("none"))
-        tree.putRapl();
-    const bool locked = row.setup == QLatin1String("locked");
-    tree.putMsr(0, PowerLimits::kPackagePowerLimit, (locked ? 1ULL << 63 : 0) | 0x00DD8168);
-    const SysTree sys(tree.root());
-    const DevMsrBus bus(sys);
-    const PowerLimits limits(sys, &bus);
-
-    const uint value = uint(row.value);
-    quint32 back = 0;
-    const Outcome outcome = row.verb == QLatin1String("window")  ? limits.setWindow(value, &back)
-                            : row.verb == QLatin1String("short") ? limits.setShortTerm(value, &back)
-                                                                 : limits.setLongTerm(value, &back);
-    QCOMPARE(outcome.errorName, row.error);
-    QVERIFY(outcome.ok() || !outcome.message.isEmpty());
-    if (row.error.isEmpty())
-        QCOMPARE(back, value);
-    for (const QString &file : row.files)
-        QCOMPARE(tree.get(rapl + file.section('=', 0, 0)), file.section('=', 1).toLatin1());
-
-    quint32 milliwatts = 0, windowMs = 0;
-    const Outcome read = limits.read(&milliwatts, &windowMs);
-    QCOMPARE(read.errorName, row.setup == QLatin1String("none") ? helpererror::notSupported : none);
-    if (read.ok()) {
-        const bool set = row.error.isEmpty();
-        QCOMPARE(milliwatts, row.verb == QLatin1String("power") && set ? value : 45000u);
-        QCOMPARE(windowMs, row.verb == QLatin1String("window") && set ? value : 27983u);
-    }
-}
-
-void TestHelperVerbs::registers_data()
-{
-    QTest::addColumn<RegisterRow>("row");
-    // 1 ... 8 active cores at 51 51 49 49 47 47 46 46
-    const quint64 start = 0x2E2E2F2F31313333ULL;
-    const QString notAccepted = helpererror::notAccepted;
-    QTest::newRow("-100 mV") << RegisterRow{"mailbox", -100, -1, none, start};
-    QTest::newRow("-250 mV, the deepest") << RegisterRow{"mailbox", -250, -1, none, start};
-    QTest::newRow("0 mV") << RegisterRow{"mailbox", 0, -1, none, start};
-    QTest::newRow("-251 mV") << RegisterRow{"mailbox", -251, -1, range, start};
-    QTest::newRow("overvolt +1 mV") << RegisterRow{"mailbox", 1, -1, range, start};
-    QTest::newRow("offset locked by firmware")
-        << RegisterRow{"locked", -80, -1, notAccepted, start};
-    QTest::newRow("no msr driver") << RegisterRow{"none", -80, -1, helpererror::notSupported, 0};
-    QTest::newRow("1 core to 45") << RegisterRow{"mailbox", 45, 1, none, 0x2E2E2F2F3131332DULL};
-    QTest::newRow("8 cores to 40") << RegisterRow{"mailbox", 40, 8, none, 0x282E2F2F31313333ULL};
-    QTest::newRow("0 cores") << RegisterRow{"mailbox", 45, 0, range, start};
-    QTest::newRow("9 cores") << RegisterRow{"mailbox", 45, 9, range, start};
-    QTest::newRow("ratio 7") << RegisterRow{"mailbox", 7, 3, range, start};
-    QTest::newRow("ratio 81") << RegisterRow{"mailbox", 81, 3, range, start};
-    QTest::newRow("locked ratios") << RegisterRow{"locked", 40, 3, notAccepted, start};
-}
-
-void TestHelperVerbs::registers()
-{
-    QFETCH(RegisterRow, row);
-    FakeSysTree tree;
-    if (row.setup != QLatin1String("none")) {
-        for (int cpu : {0, 1}) {
-            tree.putMsr(cpu, CpuRegisters::kVoltageMailbox, 0);
-            tree.putMsr(cpu, CpuRegisters::kTurboRatioLimit, 0x2E2E2F2F31313333ULL);
+    void processorLimits_data()
+    {
+        QTest::addColumn<LimitRow>("row");
+        const QString min0 = cpu0 + "scaling_min_freq=", max0 = cpu0 + "scaling_max_freq=";
+        const QString minPct = pstate + "min_perf_pct=", maxPct = pstate + "max_perf_pct=";
+        QTest::newRow("pstate minimum") << LimitRow{"pstate", "min", 25, none, 25, {minPct + "25"}};
+        QTest::newRow("pstate maximum") << LimitRow{"pstate", "max", 80, none, 80, {maxPct + "80"}};
+        QTest::newRow("cpufreq maximum, every CPU") << LimitRow{
+            "cpufreq", "max", 50, none, 50, {max0 + "1600000", cpu1 + "scaling_max_freq=1600000"}};
+        QTest::newRow("cpufreq minimum")
+            << LimitRow{"cpufreq", "min", 75, none, 75, {cpu1 + "scaling_min_freq=2400000"}};
+        QTest::newRow("cpufreq minimum never below the lowest frequency")
+            << LimitRow{"cpufreq", "min", 0, none, 25, {min0 + "800000"}};
+        QTest::newRow("cpufreq maximum below the minimum lowers the minimum") << LimitRow{
+            "cpufreq-high-min", "max", 50, none, 50, {min0 + "1600000", max0 + "1600000"}};
+        QTest::newRow("cpufreq minimum above the maximum stops at it")
+            << LimitRow{"cpufreq-low-max", "min", 90, none, 50, {min0 + "1600000"}};
+        for (int bad : {-1, 101}) {
+            QTest::addRow("pstate minimum %d", bad)
+                << LimitRow{"pstate", "min", bad, range, 0, {minPct + "10"}};
+            QTest::addRow("cpufreq maximum %d", bad)
+                << LimitRow{"cpufreq", "max", bad, range, 0, {max0 + "3200000"}};
         }
+        QTest::newRow("no frequency control")
+            << LimitRow{"none", "min", 50, helpererror::notSupported, 0, {}};
     }
-    const MailboxBus bus(tree, row.setup == QLatin1String("locked"));
-    const CpuRegisters registers(bus);
-    int back = 1;
-    const Outcome outcome = row.cores >= 0 ? registers.setRatio(row.cores, row.value, &back)
-                                           : registers.setOffset(row.value, &back);
-    QCOMPARE(outcome.errorName, row.error);
-    if (row.error.isEmpty())
-        QCOMPARE(back, row.value);
-    QCOMPARE(tree.msr(0, CpuRegisters::kTurboRatioLimit), row.ratios);
-    QCOMPARE(tree.msr(1, CpuRegisters::kTurboRatioLimit), row.ratios);
-    if (row.setup == QLatin1String("none"))
-        return;
-    int offset = 1;
-    QVERIFY(registers.readOffset(&offset).ok());
-    QCOMPARE(offset, row.cores < 0 && row.error.isEmpty() ? row.value : 0);
-    QVector<int> ratios;
-    QVERIFY(registers.readRatios(&ratios).ok());
-    QCOMPARE(ratios.size(), 8);
-    QCOMPARE(ratios.at(7), int(row.ratios >> 56));
-}
 
-void TestHelperVerbs::offsetCommands()
-{
-    // -100 mV on the core and the cache, as the mailbox expects them.
-    QCOMPARE(CpuRegisters::offsetWriteCommand(0, -100), 0x80000011F3400000ULL);
-    QCOMPARE(CpuRegisters::offsetWriteCommand(2, -100), 0x80000211F3400000ULL);
-    QCOMPARE(CpuRegisters::offsetReadCommand(0), 0x8000001000000000ULL);
-    QCOMPARE(CpuRegisters::offsetFromReply(0x00000000F3400000ULL), -100);
-}
-
-// Switch off, a switched-off camera on again, and no camera: only the camera is touched.
-void TestHelperVerbs::camera()
-{
-    for (const int setup : {0, 1, 2}) {
-        const bool hasCamera = setup != 2, enable = setup == 1;
+    void processorLimits()
+    {
+        QFETCH(LimitRow, row);
         FakeSysTree tree;
-        tree.putUsbDevice(QStringLiteral("1-2"), false);
-        if (hasCamera)
-            tree.putUsbDevice(QStringLiteral("1-6"), true, !enable);
-        tree.put(QStringLiteral("sys/bus/usb/devices/usb1/authorized"), "1\n");
-        const Camera camera{SysTree(tree.root())};
-        QCOMPARE(camera.set(enable).errorName, hasCamera ? none : helpererror::notSupported);
-        bool state = !enable;
-        QCOMPARE(camera.read(&state).ok(), hasCamera);
-        if (hasCamera) {
-            QCOMPARE(state, enable);
-            QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/1-6/authorized")),
-                     QByteArray(enable ? "1" : "0"));
-        }
-        QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/1-2/authorized")), QByteArray("1"));
-        QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/usb1/authorized")), QByteArray("1"));
-    }
-}
+        if (row.setup == QLatin1String("pstate"))
+            tree.putPstate();
+        if (row.setup.startsWith(QLatin1String("cpufreq")))
+            tree.putCpufreq();
+        if (row.setup == QLatin1String("cpufreq-high-min"))
+            tree.put(cpu0 + "scaling_min_freq", "2400000\n");
+        if (row.setup == QLatin1String("cpufreq-low-max"))
+            tree.put(cpu0 + "scaling_max_freq", "1600000\n");
 
-// Without a system bus a call to the helper could never be answered; a power mode applied
-// while the window is built waits for that answer, so it must come at once, as a refusal.
-void TestHelperVerbs::aMissingBusRefusesAtOnce()
-{
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/varnel-no-system-bus");
-    HelperClient helper([] { return true; });
-    std::optional<QDBusMessage> reply;
-    helper.call(QStringLiteral("SetTurboPower"), {35000u},
-                [&](const QDBusMessage &message) { reply = message; });
-    QVERIFY(!reply); // answered like a bus call, after the caller has returned
-    QTRY_VERIFY(reply.has_value());
-    QCOMPARE(reply->type(), QDBusMessage::ErrorMessage);
-    QCOMPARE(helper.takeRefusal(), QStringLiteral("The system bus is not running."));
-}
+        const ProcessorLimits limits{SysTree(tree.root())};
+        int back = 0;
+        const Outcome outcome = row.verb == QLatin1String("min")
+                                    ? limits.setMinimum(row.value, &back)
+                                    : limits.setMaximum(row.value, &back);
+        QCOMPARE(outcome.errorName, row.error);
+        if (row.error.isEmpty())
+            QCOMPARE(back, row.readBack);
+        for (const QString &file : row.files)
+            QCOMPARE(tree.get(file.section('=', 0, 0)), file.section('=', 1).toLatin1());
+    }
+
+    void powerLimits_data()
+    {
+        QTest::addColumn<LimitRow>("row");
+        const QString power = "0_power_limit_uw=", window = "0_time_window_us=";
+        const QString shortTerm = "1_power_limit_uw=", locked = helpererror::locked;
+        QTest::newRow("turbo power") << LimitRow{"", "power", 35500, none, 0, {power + "35500000"}};
+        QTest::newRow("unlimited")
+            << LimitRow{"", "power", 4095875, none, 0, {power + "4095875000"}};
+        QTest::newRow("turbo time")
+            << LimitRow{"", "window", 56000, none, 0, {window + "56000000"}};
+        QTest::newRow("short-term")
+            << LimitRow{"", "short", 60000, none, 0, {shortTerm + "60000000"}};
+        QTest::newRow("power 999 mW") << LimitRow{"", "power", 999, range, 0, {power + "45000000"}};
+        QTest::newRow("power above 4096 W")
+            << LimitRow{"", "power", 4096001, range, 0, {power + "45000000"}};
+        QTest::newRow("short-term 0")
+            << LimitRow{"", "short", 0, range, 0, {shortTerm + "90000000"}};
+        QTest::newRow("window 0") << LimitRow{"", "window", 0, range, 0, {window + "27983872"}};
+        QTest::newRow("window above 128 s")
+            << LimitRow{"", "window", 128001, range, 0, {window + "27983872"}};
+        QTest::newRow("locked power")
+            << LimitRow{"locked", "power", 35000, locked, 0, {power + "45000000"}};
+        QTest::newRow("locked window")
+            << LimitRow{"locked", "window", 8000, locked, 0, {window + "27983872"}};
+        QTest::newRow("no RAPL") << LimitRow{"none", "power", 35000, helpererror::notSupported,
+                                             0,      {}};
+    }
+
+    void powerLimits()
+    {
+        QFETCH(LimitRow, row);
+        FakeSysTree tree;
+        if (row.setup != QLatin1String("none"))
+            tree.putRapl();
+        const bool locked = row.setup == QLatin1String("locked");
+        tree.putMsr(0, PowerLimits::kPackagePowerLimit, (locked ? 1ULL << 63 : 0) | 0x00DD8168);
+        const SysTree sys(tree.root());
+        const DevMsrBus bus(sys);
+        const PowerLimits limits(sys, &bus);
+
+        const uint value = uint(row.value);
+        quint32 back = 0;
+        const Outcome outcome = row.verb == QLatin1String("window") ? limits.setWindow(value, &back)
+                                : row.verb == QLatin1String("short")
+                                    ? limits.setShortTerm(value, &back)
+                                    : limits.setLongTerm(value, &back);
+        QCOMPARE(outcome.errorName, row.error);
+        QVERIFY(outcome.ok() || !outcome.message.isEmpty());
+        if (row.error.isEmpty())
+            QCOMPARE(back, value);
+        for (const QString &file : row.files)
+            QCOMPARE(tree.get(rapl + file.section('=', 0, 0)), file.section('=', 1).toLatin1());
+
+        quint32 milliwatts = 0, windowMs = 0;
+        const Outcome read = limits.read(&milliwatts, &windowMs);
+        QCOMPARE(read.errorName,
+                 row.setup == QLatin1String("none") ? helpererror::notSupported : none);
+        if (read.ok()) {
+            const bool set = row.error.isEmpty();
+            QCOMPARE(milliwatts, row.verb == QLatin1String("power") && set ? value : 45000u);
+            QCOMPARE(windowMs, row.verb == QLatin1String("window") && set ? value : 27983u);
+        }
+    }
+
+    void registers_data()
+    {
+        QTest::addColumn<RegisterRow>("row");
+        // 1 ... 8 active cores at 51 51 49 49 47 47 46 46
+        const quint64 start = 0x2E2E2F2F31313333ULL;
+        const QString notAccepted = helpererror::notAccepted;
+        QTest::newRow("-100 mV") << RegisterRow{"mailbox", -100, -1, none, start};
+        QTest::newRow("-250 mV, the deepest") << RegisterRow{"mailbox", -250, -1, none, start};
+        QTest::newRow("0 mV") << RegisterRow{"mailbox", 0, -1, none, start};
+        QTest::newRow("-251 mV") << RegisterRow{"mailbox", -251, -1, range, start};
+        QTest::newRow("overvolt +1 mV") << RegisterRow{"mailbox", 1, -1, range, start};
+        QTest::newRow("offset locked by firmware")
+            << RegisterRow{"locked", -80, -1, notAccepted, start};
+        QTest::newRow("no msr driver")
+            << RegisterRow{"none", -80, -1, helpererror::notSupported, 0};
+        QTest::newRow("1 core to 45") << RegisterRow{"mailbox", 45, 1, none, 0x2E2E2F2F3131332DULL};
+        QTest::newRow("8 cores to 40")
+            << RegisterRow{"mailbox", 40, 8, none, 0x282E2F2F31313333ULL};
+        QTest::newRow("0 cores") << RegisterRow{"mailbox", 45, 0, range, start};
+        QTest::newRow("9 cores") << RegisterRow{"mailbox", 45, 9, range, start};
+        QTest::newRow("ratio 7") << RegisterRow{"mailbox", 7, 3, range, start};
+        QTest::newRow("ratio 81") << RegisterRow{"mailbox", 81, 3, range, start};
+        QTest::newRow("locked ratios") << RegisterRow{"locked", 40, 3, notAccepted, start};
+    }
+
+    void registers()
+    {
+        QFETCH(RegisterRow, row);
+        FakeSysTree tree;
+        if (row.setup != QLatin1String("none")) {
+            for (int cpu : {0, 1}) {
+                tree.putMsr(cpu, CpuRegisters::kVoltageMailbox, 0);
+                tree.putMsr(cpu, CpuRegisters::kTurboRatioLimit, 0x2E2E2F2F31313333ULL);
+            }
+        }
+        const MailboxBus bus(tree, row.setup == QLatin1String("locked"));
+        const CpuRegisters registers(bus);
+        int back = 1;
+        const Outcome outcome = row.cores >= 0 ? registers.setRatio(row.cores, row.value, &back)
+                                               : registers.setOffset(row.value, &back);
+        QCOMPARE(outcome.errorName, row.error);
+        if (row.error.isEmpty())
+            QCOMPARE(back, row.value);
+        QCOMPARE(tree.msr(0, CpuRegisters::kTurboRatioLimit), row.ratios);
+        QCOMPARE(tree.msr(1, CpuRegisters::kTurboRatioLimit), row.ratios);
+        if (row.setup == QLatin1String("none"))
+            return;
+        int offset = 1;
+        QVERIFY(registers.readOffset(&offset).ok());
+        QCOMPARE(offset, row.cores < 0 && row.error.isEmpty() ? row.value : 0);
+        QVector<int> ratios;
+        QVERIFY(registers.readRatios(&ratios).ok());
+        QCOMPARE(ratios.size(), 8);
+        QCOMPARE(ratios.at(7), int(row.ratios >> 56));
+    }
+
+    void offsetCommands()
+    {
+        // -100 mV on the core and the cache, as the mailbox expects them.
+        QCOMPARE(CpuRegisters::offsetWriteCommand(0, -100), 0x80000011F3400000ULL);
+        QCOMPARE(CpuRegisters::offsetWriteCommand(2, -100), 0x80000211F3400000ULL);
+        QCOMPARE(CpuRegisters::offsetReadCommand(0), 0x8000001000000000ULL);
+        QCOMPARE(CpuRegisters::offsetFromReply(0x00000000F3400000ULL), -100);
+    }
+
+    // Switch off, a switched-off camera on again, and no camera: only the camera is touched.
+    void camera()
+    {
+        for (const int setup : {0, 1, 2}) {
+            const bool hasCamera = setup != 2, enable = setup == 1;
+            FakeSysTree tree;
+            tree.putUsbDevice(QStringLiteral("1-2"), false);
+            if (hasCamera)
+                tree.putUsbDevice(QStringLiteral("1-6"), true, !enable);
+            tree.put(QStringLiteral("sys/bus/usb/devices/usb1/authorized"), "1\n");
+            const Camera camera{SysTree(tree.root())};
+            QCOMPARE(camera.set(enable).errorName, hasCamera ? none : helpererror::notSupported);
+            bool state = !enable;
+            QCOMPARE(camera.read(&state).ok(), hasCamera);
+            if (hasCamera) {
+                QCOMPARE(state, enable);
+                QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/1-6/authorized")),
+                         QByteArray(enable ? "1" : "0"));
+            }
+            QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/1-2/authorized")),
+                     QByteArray("1"));
+            QCOMPARE(tree.get(QStringLiteral("sys/bus/usb/devices/usb1/authorized")),
+                     QByteArray("1"));
+        }
+    }
+
+    // Without a system bus a call to the helper could never be answered; a power mode applied
+    // while the window is built waits for that answer, so it must come at once, as a refusal.
+    void aMissingBusRefusesAtOnce()
+    {
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/varnel-no-system-bus");
+        HelperClient helper([] { return true; });
+        std::optional<QDBusMessage> reply;
+        helper.call(QStringLiteral("SetTurboPower"), {35000u},
+                    [&](const QDBusMessage &message) { reply = message; });
+        QVERIFY(!reply); // answered like a bus call, after the caller has returned
+        QTRY_VERIFY(reply.has_value());
+        QCOMPARE(reply->type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(helper.takeRefusal(), QStringLiteral("The system bus is not running."));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestHelperVerbs)
 #include "tst_helperverbs.moc"

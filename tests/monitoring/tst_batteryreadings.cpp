@@ -8,123 +8,118 @@
 class BatteryReadingsTest : public QObject {
     Q_OBJECT
 private slots:
-    void stateCodesHaveTheirTexts();
-    void outputsAreParsed_data();
-    void outputsAreParsed();
-    void utf16OutputIsDecoded();
-    void powerSupplyStatusMapsToBatteryCodes();
-    void linuxRowsAnswerInTheToolsShape_data();
-    void linuxRowsAnswerInTheToolsShape();
+
+    void stateCodesHaveTheirTexts()
+    {
+        const QStringList texts =
+            QStringLiteral("...|On Battery|AC Power|Full Battery|Low Battery|Battery "
+                           "Critical|Battery Charging|Charging (High)|Charging (Low)|"
+                           "Charging (Critical)|...|Partially Charged|...")
+                .split(QLatin1Char('|'));
+        QCOMPARE(batteryStateText(-1), QStringLiteral("..."));
+        for (int code = 0; code < texts.size(); ++code)
+            QCOMPARE(batteryStateText(code), texts.at(code));
+    }
+
+    void outputsAreParsed_data()
+    {
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("status"); // null: not a status answer
+        QTest::addColumn<QString>("charge"); // null: not a charge answer
+        const struct {
+            const char *name, *output, *status, *charge;
+        } rows[] = {
+            {"status, blank lines", "BatteryStatus  \r\r\n2              \r\r\n\r\r\n", "AC Power",
+             nullptr},
+            {"charging", "BatteryStatus\r\n6\r\n", "Battery Charging", nullptr},
+            {"code 10 shows nothing new", "BatteryStatus  \r\r\n10  \r\r\n", "...", nullptr},
+            {"two batteries run together", "BatteryStatus\r\n2\r\n1\r\n", "...", nullptr},
+            {"an error text", "No Instance(s) Available.\r\n", "...", nullptr},
+            {"empty", "", "...", "%"},
+            {"header only (no battery)", "BatteryStatus  \r\r\n", "...", nullptr},
+            {"charge header only", "EstimatedChargeRemaining  \r\r\n", nullptr, "%"},
+            {"charge", "EstimatedChargeRemaining  \r\r\n87                        \r\r\n\r\r\n",
+             nullptr, "87%"},
+            {"charge full", "EstimatedChargeRemaining\r\n100\r\n", nullptr, "100%"},
+            {"charge not checked for a number", "Error:\r\nnone\r\n", nullptr, "Error:none%"},
+        };
+        for (const auto &row : rows)
+            QTest::newRow(row.name)
+                << QString::fromLatin1(row.output) << QString::fromLatin1(row.status)
+                << QString::fromLatin1(row.charge);
+    }
+
+    void outputsAreParsed()
+    {
+        QFETCH(QString, output);
+        QFETCH(QString, status);
+        QFETCH(QString, charge);
+        if (!status.isNull())
+            QCOMPARE(parseBatteryStatus(output), status);
+        if (!charge.isNull())
+            QCOMPARE(parseBatteryCharge(output), charge);
+    }
+
+    void utf16OutputIsDecoded()
+    {
+        const QString text = QStringLiteral("BatteryStatus  \r\r\n3  \r\r\n");
+        QByteArray bytes("\xff\xfe", 2);
+        bytes.append(reinterpret_cast<const char *>(text.utf16()), text.size() * 2);
+        QCOMPARE(toolOutputText(bytes), text);
+        QCOMPARE(toolOutputText("BatteryStatus\r\n2\r\n"),
+                 QStringLiteral("BatteryStatus\r\n2\r\n"));
+    }
+
+    void powerSupplyStatusMapsToBatteryCodes()
+    {
+        const struct {
+            const char *status, *level;
+            int code;
+        } rows[] = {{"Discharging", "Normal", 1},   {"Discharging", "Low", 4},
+                    {"Discharging", "Critical", 5}, {"Charging", "Normal", 6},
+                    {"Charging", "High", 7},        {"Charging", "Low", 8},
+                    {"Charging", "Critical", 9},    {"Full", "Full", 3},
+                    {"Not charging", "Normal", 2},  {"Unknown", "", 2}};
+        for (const auto &row : rows)
+            QVERIFY2(batteryStatusCode(QLatin1String(row.status), QLatin1String(row.level)) ==
+                         row.code,
+                     row.status);
+    }
+
+    void linuxRowsAnswerInTheToolsShape_data()
+    {
+        QTest::addColumn<QString>("tree");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("charge");
+        QTest::newRow("charging") << "battery-charging" << QString("Battery Charging") << "87%";
+        QTest::newRow("full, beside a mouse battery")
+            << "battery-full" << QString("Full Battery") << "100%";
+        QTest::newRow("absent: only a mouse battery") << "battery-absent" << QString("...") << "%";
+    }
+
+    void linuxRowsAnswerInTheToolsShape()
+    {
+        QFETCH(QString, tree);
+        QFETCH(QString, status);
+        QFETCH(QString, charge);
+        CommandTable table;
+        addBatteryCommands(
+            table, QFINDTESTDATA(QStringLiteral("fixtures/") + tree + QStringLiteral("/sys")));
+        const auto statusOutput =
+            table.run(QStringLiteral("WMIC Path Win32_Battery Get BatteryStatus"));
+        const auto chargeOutput =
+            table.run(QStringLiteral("WMIC Path Win32_Battery Get EstimatedChargeRemaining"));
+        QVERIFY(statusOutput && chargeOutput);
+        QVERIFY(statusOutput->startsWith(QStringLiteral("BatteryStatus  \r\r\n")));
+        QVERIFY(chargeOutput->startsWith(QStringLiteral("EstimatedChargeRemaining  \r\r\n")));
+        QCOMPARE(parseBatteryStatus(*statusOutput), status);
+        QCOMPARE(parseBatteryCharge(*chargeOutput), charge);
+        // Matched without regard to case, and only these two queries.
+        QVERIFY(table.knows(QStringLiteral("wmic path win32_battery get batterystatus")));
+        QVERIFY(!table.knows(QStringLiteral("WMIC Path Win32_Battery Get BatteryStatus /value")));
+        QVERIFY(!table.knows(QStringLiteral("WMIC Path Win32_Battery Get DesignCapacity")));
+    }
 };
-
-void BatteryReadingsTest::stateCodesHaveTheirTexts()
-{
-    const QStringList texts =
-        QStringLiteral("...|On Battery|AC Power|Full Battery|Low Battery|Battery "
-                       "Critical|Battery Charging|Charging (High)|Charging (Low)|"
-                       "Charging (Critical)|...|Partially Charged|...")
-            .split(QLatin1Char('|'));
-    QCOMPARE(batteryStateText(-1), QStringLiteral("..."));
-    for (int code = 0; code < texts.size(); ++code)
-        QCOMPARE(batteryStateText(code), texts.at(code));
-}
-
-void BatteryReadingsTest::outputsAreParsed_data()
-{
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QString>("status"); // null: not a status answer
-    QTest::addColumn<QString>("charge"); // null: not a charge answer
-    const struct {
-        const char *name, *output, *status, *charge;
-    } rows[] = {
-        {"status, blank lines", "BatteryStatus  \r\r\n2              \r\r\n\r\r\n", "AC Power",
-         nullptr},
-        {"charging", "BatteryStatus\r\n6\r\n", "Battery Charging", nullptr},
-        {"code 10 shows nothing new", "BatteryStatus  \r\r\n10  \r\r\n", "...", nullptr},
-        {"two batteries run together", "BatteryStatus\r\n2\r\n1\r\n", "...", nullptr},
-        {"an error text", "No Instance(s) Available.\r\n", "...", nullptr},
-        {"empty", "", "...", "%"},
-        {"header only (no battery)", "BatteryStatus  \r\r\n", "...", nullptr},
-        {"charge header only", "EstimatedChargeRemaining  \r\r\n", nullptr, "%"},
-        {"charge", "EstimatedChargeRemaining  \r\r\n87                        \r\r\n\r\r\n",
-         nullptr, "87%"},
-        {"charge full", "EstimatedChargeRemaining\r\n100\r\n", nullptr, "100%"},
-        {"charge not checked for a number", "Error:\r\nnone\r\n", nullptr, "Error:none%"},
-    };
-    for (const auto &row : rows)
-        QTest::newRow(row.name) << QString::fromLatin1(row.output)
-                                << QString::fromLatin1(row.status)
-                                << QString::fromLatin1(row.charge);
-}
-
-void BatteryReadingsTest::outputsAreParsed()
-{
-    QFETCH(QString, output);
-    QFETCH(QString, status);
-    QFETCH(QString, charge);
-    if (!status.isNull())
-        QCOMPARE(parseBatteryStatus(output), status);
-    if (!charge.isNull())
-        QCOMPARE(parseBatteryCharge(output), charge);
-}
-
-void BatteryReadingsTest::utf16OutputIsDecoded()
-{
-    const QString text = QStringLiteral("BatteryStatus  \r\r\n3  \r\r\n");
-    QByteArray bytes("\xff\xfe", 2);
-    bytes.append(reinterpret_cast<const char *>(text.utf16()), text.size() * 2);
-    QCOMPARE(toolOutputText(bytes), text);
-    QCOMPARE(toolOutputText("BatteryStatus\r\n2\r\n"), QStringLiteral("BatteryStatus\r\n2\r\n"));
-}
-
-void BatteryReadingsTest::powerSupplyStatusMapsToBatteryCodes()
-{
-    const struct {
-        const char *status, *level;
-        int code;
-    } rows[] = {{"Discharging", "Normal", 1},   {"Discharging", "Low", 4},
-                {"Discharging", "Critical", 5}, {"Charging", "Normal", 6},
-                {"Charging", "High", 7},        {"Charging", "Low", 8},
-                {"Charging", "Critical", 9},    {"Full", "Full", 3},
-                {"Not charging", "Normal", 2},  {"Unknown", "", 2}};
-    for (const auto &row : rows)
-        QVERIFY2(batteryStatusCode(QLatin1String(row.status), QLatin1String(row.level)) == row.code,
-                 row.status);
-}
-
-void BatteryReadingsTest::linuxRowsAnswerInTheToolsShape_data()
-{
-    QTest::addColumn<QString>("tree");
-    QTest::addColumn<QString>("status");
-    QTest::addColumn<QString>("charge");
-    QTest::newRow("charging") << "battery-charging" << QString("Battery Charging") << "87%";
-    QTest::newRow("full, beside a mouse battery")
-        << "battery-full" << QString("Full Battery") << "100%";
-    QTest::newRow("absent: only a mouse battery") << "battery-absent" << QString("...") << "%";
-}
-
-void BatteryReadingsTest::linuxRowsAnswerInTheToolsShape()
-{
-    QFETCH(QString, tree);
-    QFETCH(QString, status);
-    QFETCH(QString, charge);
-    CommandTable table;
-    addBatteryCommands(table,
-                       QFINDTESTDATA(QStringLiteral("fixtures/") + tree + QStringLiteral("/sys")));
-    const auto statusOutput =
-        table.run(QStringLiteral("WMIC Path Win32_Battery Get BatteryStatus"));
-    const auto chargeOutput =
-        table.run(QStringLiteral("WMIC Path Win32_Battery Get EstimatedChargeRemaining"));
-    QVERIFY(statusOutput && chargeOutput);
-    QVERIFY(statusOutput->startsWith(QStringLiteral("BatteryStatus  \r\r\n")));
-    QVERIFY(chargeOutput->startsWith(QStringLiteral("EstimatedChargeRemaining  \r\r\n")));
-    QCOMPARE(parseBatteryStatus(*statusOutput), status);
-    QCOMPARE(parseBatteryCharge(*chargeOutput), charge);
-    // Matched without regard to case, and only these two queries.
-    QVERIFY(table.knows(QStringLiteral("wmic path win32_battery get batterystatus")));
-    QVERIFY(!table.knows(QStringLiteral("WMIC Path Win32_Battery Get BatteryStatus /value")));
-    QVERIFY(!table.knows(QStringLiteral("WMIC Path Win32_Battery Get DesignCapacity")));
-}
 
 QTEST_GUILESS_MAIN(BatteryReadingsTest)
 #include "tst_batteryreadings.moc"

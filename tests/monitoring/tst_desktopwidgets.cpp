@@ -94,316 +94,309 @@ float scale()
 class DesktopWidgetsTest : public QObject {
     Q_OBJECT
 private slots:
-    void layoutFontColourAndPeriod();
-    void usageTickShowsFiguresFromTheSecondSample();
-    void usageRatesNeedTrafficBothWays();
-    void draggedGeometryIsSavedAndComesBack();
-    void batteryTicksQueryThenShow();
-    void startupCreatesParentlessWidgets_data();
-    void startupCreatesParentlessWidgets();
-    void checkBoxesColoursAndSliders();
-};
 
-void DesktopWidgetsTest::layoutFontColourAndPeriod()
-{
-    TestFolder folder;
-    FakePlatform fake;
-    UsageWidget usage(fake.sampler);
-    BatteryWidget battery(fake.bundle());
-    for (QWidget *w : {static_cast<QWidget *>(&usage), static_cast<QWidget *>(&battery)}) {
-        QVERIFY(w->windowFlags().testFlag(Qt::Tool));
-        QVERIFY(w->windowFlags().testFlag(Qt::FramelessWindowHint));
-        QVERIFY(w->testAttribute(Qt::WA_TranslucentBackground));
-        QCOMPARE(w->size(), QSize(int(800 * scale()), int(600 * scale())));
-        QCOMPARE(w->minimumSize(), w->maximumSize());
-        QCOMPARE(labelSheets(w), kWhite);
-        QCOMPARE(timerIntervals(w), QList<int>({1000, 1000}));
+    void layoutFontColourAndPeriod()
+    {
+        TestFolder folder;
+        FakePlatform fake;
+        UsageWidget usage(fake.sampler);
+        BatteryWidget battery(fake.bundle());
+        for (QWidget *w : {static_cast<QWidget *>(&usage), static_cast<QWidget *>(&battery)}) {
+            QVERIFY(w->windowFlags().testFlag(Qt::Tool));
+            QVERIFY(w->windowFlags().testFlag(Qt::FramelessWindowHint));
+            QVERIFY(w->testAttribute(Qt::WA_TranslucentBackground));
+            QCOMPARE(w->size(), QSize(int(800 * scale()), int(600 * scale())));
+            QCOMPARE(w->minimumSize(), w->maximumSize());
+            QCOMPARE(labelSheets(w), kWhite);
+            QCOMPARE(timerIntervals(w), QList<int>({1000, 1000}));
+        }
+        const char *order[] = {"processor", "memory", "disk", "upload", "download"};
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int(i * 20 * scale())));
+        QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(5 * scale())));
+
+        usage.fontsize(10);
+        battery.fontsize(10);
+        for (int i = 0; i < 5; ++i) {
+            QCOMPARE(label(&usage, order[i])->font().family(), QStringLiteral("Segoe UI"));
+            QCOMPARE(label(&usage, order[i])->font().pointSize(), 10);
+            QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int((2 * i + 1) * 10 * scale())));
+        }
+        QCOMPARE(label(&battery, "state")->font().pointSize(), 10);
+        QCOMPARE(label(&battery, "charge")->font().pointSize(), 18);
+        QCOMPARE(label(&battery, "charge")->font().family(), QStringLiteral("Segoe UI"));
+        QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(14 * scale())));
+
+        // 1 inverts, 0 restores, any other value leaves the colour as it is.
+        const QList<QPair<int, QStringList>> colours = {{1, kBlack}, {7, kBlack}, {0, kWhite}};
+        for (const auto &colour : colours) {
+            usage.color(colour.first);
+            battery.color(colour.first);
+            QCOMPARE(labelSheets(&usage), colour.second);
+            QCOMPARE(labelSheets(&battery), colour.second);
+        }
+        usage.period1s_slot();
+        battery.period1s_slot();
+        QCOMPARE(timerIntervals(&usage), QList<int>({1000, 1000}));
+        QCOMPARE(timerIntervals(&battery), QList<int>({1000, 1500}));
+
+        QPointer<UsageWidget> closing = new UsageWidget(fake.sampler);
+        closing->closemainwidget();
+        flushDeletes();
+        QVERIFY(closing.isNull());
     }
-    const char *order[] = {"processor", "memory", "disk", "upload", "download"};
-    for (int i = 0; i < 5; ++i)
-        QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int(i * 20 * scale())));
-    QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(5 * scale())));
 
-    usage.fontsize(10);
-    battery.fontsize(10);
-    for (int i = 0; i < 5; ++i) {
-        QCOMPARE(label(&usage, order[i])->font().family(), QStringLiteral("Segoe UI"));
-        QCOMPARE(label(&usage, order[i])->font().pointSize(), 10);
-        QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int((2 * i + 1) * 10 * scale())));
-    }
-    QCOMPARE(label(&battery, "state")->font().pointSize(), 10);
-    QCOMPARE(label(&battery, "charge")->font().pointSize(), 18);
-    QCOMPARE(label(&battery, "charge")->font().family(), QStringLiteral("Segoe UI"));
-    QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(14 * scale())));
+    void usageTickShowsFiguresFromTheSecondSample()
+    {
+        TestFolder folder;
+        FakePlatform fake;
+        const quint64 base = (quint64(5) << 32) + 12345;
+        fake.sampler->idleTime = base;
+        fake.sampler->kernelTime = base * 2;
+        fake.sampler->userTime = 1000;
+        // An idle adapter, then one busy adapter listed through two filter layers: it counts once.
+        fake.sampler->interfaces = {{6, 0, 0}, {6, 10000, 5000}, {6, 10000, 5000}};
+        fake.sampler->freeBytes = (quint64(250) << 30) + (quint64(1023) << 20);
+        QList<int> clock = {200, 700, 900};
+        UsageWidget widget(fake.sampler, nullptr, [&clock] { return clock.takeFirst(); });
 
-    // 1 inverts, 0 restores, any other value leaves the colour as it is.
-    const QList<QPair<int, QStringList>> colours = {{1, kBlack}, {7, kBlack}, {0, kWhite}};
-    for (const auto &colour : colours) {
-        usage.color(colour.first);
-        battery.color(colour.first);
-        QCOMPARE(labelSheets(&usage), colour.second);
-        QCOMPARE(labelSheets(&battery), colour.second);
-    }
-    usage.period1s_slot();
-    battery.period1s_slot();
-    QCOMPARE(timerIntervals(&usage), QList<int>({1000, 1000}));
-    QCOMPARE(timerIntervals(&battery), QList<int>({1000, 1500}));
-
-    QPointer<UsageWidget> closing = new UsageWidget(fake.sampler);
-    closing->closemainwidget();
-    flushDeletes();
-    QVERIFY(closing.isNull());
-}
-
-void DesktopWidgetsTest::usageTickShowsFiguresFromTheSecondSample()
-{
-    TestFolder folder;
-    FakePlatform fake;
-    const quint64 base = (quint64(5) << 32) + 12345;
-    fake.sampler->idleTime = base;
-    fake.sampler->kernelTime = base * 2;
-    fake.sampler->userTime = 1000;
-    // An idle adapter, then one busy adapter listed through two filter layers: it counts once.
-    fake.sampler->interfaces = {{6, 0, 0}, {6, 10000, 5000}, {6, 10000, 5000}};
-    fake.sampler->freeBytes = (quint64(250) << 30) + (quint64(1023) << 20);
-    QList<int> clock = {200, 700, 900};
-    UsageWidget widget(fake.sampler, nullptr, [&clock] { return clock.takeFirst(); });
-
-    widget.timeout_slot();
-    QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 50%"));
-    QCOMPARE(text(&widget, "disk"), QStringLiteral("C: 250GB"));
-    QCOMPARE(text(&widget, "processor"), QString());
-    QCOMPARE(text(&widget, "upload"), QString());
-
-    fake.sampler->idleTime += 5000000;
-    fake.sampler->kernelTime += 8000000;
-    fake.sampler->userTime += 12000000;
-    // 1.5 s passed by the millisecond clock (1000 - 200 + 700).
-    fake.sampler->interfaces = {{6, 0, 0}, {6, 13072, 6536}, {6, 13072, 6536}};
-    fake.sampler->availablePhysical = 4ull << 30;
-    widget.timeout_slot();
-    QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
-    QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
-    QCOMPARE(text(&widget, "upload"), QStringLiteral("↑ 1KB/s"));
-    QCOMPARE(text(&widget, "download"), QStringLiteral("↓ 2KB/s"));
-
-    // Failing calls leave the figures shown.
-    fake.sampler->memoryOk = false;
-    fake.sampler->timesOk = false;
-    fake.sampler->availablePhysical = 0;
-    fake.sampler->idleTime += 100;
-    widget.timeout_slot();
-    QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
-    QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
-
-    // A small previous idle time (32-bit high half zero) counts as no sample yet.
-    UsageWidget fresh(fake.sampler, nullptr, [] { return 0; });
-    fake.sampler->timesOk = true;
-    fake.sampler->idleTime = 1000;
-    fresh.timeout_slot();
-    fake.sampler->idleTime = 2000;
-    fake.sampler->kernelTime += 5000;
-    fresh.timeout_slot();
-    QCOMPARE(text(&fresh, "processor"), QString());
-}
-
-void DesktopWidgetsTest::usageRatesNeedTrafficBothWays()
-{
-    TestFolder folder;
-    FakePlatform fake;
-    UsageWidget widget(fake.sampler, nullptr, [] { return 0; });
-    auto tick = [&](quint32 received, quint32 sent) {
-        fake.sampler->interfaces = {{6, received, sent}};
         widget.timeout_slot();
-        return text(&widget, "download");
-    };
-    // Received only: the sent sum stays 0, and a zero previous sum shows nothing.
-    tick(500, 0);
-    QCOMPARE(tick(900, 0), QString());
-    tick(500, 40);
-    QCOMPARE(tick(900, 50), QStringLiteral("↓ 400B/s"));
-    // Traffic stops: the first tick computes from the dropped sum, the next ones keep it.
-    fake.sampler->interfaces = {};
-    widget.timeout_slot();
-    const QString afterDrop = text(&widget, "download");
-    QVERIFY(afterDrop != QStringLiteral("↓ 400B/s"));
-    widget.timeout_slot();
-    QCOMPARE(text(&widget, "download"), afterDrop);
-}
+        QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 50%"));
+        QCOMPARE(text(&widget, "disk"), QStringLiteral("C: 250GB"));
+        QCOMPARE(text(&widget, "processor"), QString());
+        QCOMPARE(text(&widget, "upload"), QString());
 
-void DesktopWidgetsTest::draggedGeometryIsSavedAndComesBack()
-{
-    TestFolder folder;
-    folder.mkdir(QStringLiteral("settings"));
-    FakePlatform fake;
-    auto check = [&](QWidget &widget, const char *key, QPoint by, auto makeAgain) {
-        widget.move(100, 100);
-        widget.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&widget));
-        const QPoint start = widget.frameGeometry().topLeft();
-        drag(&widget, by);
-        QCOMPARE(widget.frameGeometry().topLeft(), start + by);
-        QCOMPARE(widgetSetting(folder, key).toByteArray(), widget.saveGeometry());
-        QCOMPARE(makeAgain()->pos(), widget.pos());
-    };
-    UsageWidget usage(fake.sampler);
-    check(usage, "mainWindowGeometry", QPoint(50, 30),
-          [&] { return std::make_unique<UsageWidget>(fake.sampler); });
-    BatteryWidget battery(fake.bundle());
-    check(battery, "batteryWindowGeometry", QPoint(20, 40),
-          [&] { return std::make_unique<BatteryWidget>(fake.bundle()); });
-}
+        fake.sampler->idleTime += 5000000;
+        fake.sampler->kernelTime += 8000000;
+        fake.sampler->userTime += 12000000;
+        // 1.5 s passed by the millisecond clock (1000 - 200 + 700).
+        fake.sampler->interfaces = {{6, 0, 0}, {6, 13072, 6536}, {6, 13072, 6536}};
+        fake.sampler->availablePhysical = 4ull << 30;
+        widget.timeout_slot();
+        QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
+        QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
+        QCOMPARE(text(&widget, "upload"), QStringLiteral("↑ 1KB/s"));
+        QCOMPARE(text(&widget, "download"), QStringLiteral("↓ 2KB/s"));
 
-void DesktopWidgetsTest::batteryTicksQueryThenShow()
-{
-    TestFolder folder;
-    FakePlatform fake;
-    scriptBattery(fake, QStringLiteral("2"), QStringLiteral("87"));
-    BatteryWidget widget(fake.bundle());
-    const QString process = QStringLiteral("process: ");
-    widget.timeout_slot();
-    widget.timeout_slot(); // the first answer has not arrived yet: not started again
-    QCOMPARE(fake.log->withPrefix(process), QStringList{process + QLatin1String(kStateQuery)});
-    QCOMPARE(fake.scheduler->history, QStringList({"500 updater2do", "2000 updatevalues",
-                                                   "500 updater2do", "2000 updatevalues"}));
-    QCoreApplication::processEvents();
-    fake.scheduler->advance(500);
-    QCOMPARE(fake.log->withPrefix(process).last(), process + QLatin1String(kChargeQuery));
-    QCoreApplication::processEvents();
-    QCOMPARE(text(&widget, "state"), QString());
-    fake.scheduler->advance(1500);
-    QCOMPARE(text(&widget, "state"), QStringLiteral("AC Power"));
-    QCOMPARE(text(&widget, "charge"), QStringLiteral("87%"));
+        // Failing calls leave the figures shown.
+        fake.sampler->memoryOk = false;
+        fake.sampler->timesOk = false;
+        fake.sampler->availablePhysical = 0;
+        fake.sampler->idleTime += 100;
+        widget.timeout_slot();
+        QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
+        QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
 
-    // Unknown codes, then no battery at all (the tool prints its header alone) keep the labels;
-    // each tick asks again, so a known code then shows.
-    const QString shown = QStringLiteral("AC Power");
-    const QList<QPair<QString, QString>> states = {{"BatteryStatus\r\n10\r\n", shown},
-                                                   {"BatteryStatus\r\n12\r\n", shown},
-                                                   {"BatteryStatus  \r\r\n", shown},
-                                                   {"BatteryStatus\r\n3\r\n", "Full Battery"}};
-    for (const auto &state : states) {
-        fake.commands->asyncOutputs[QLatin1String(kStateQuery)] = state.first;
-        fake.commands->asyncOutputs[QLatin1String(kChargeQuery)] =
-            QStringLiteral("EstimatedChargeRemaining  \r\r\n");
-        batteryTick(widget, *fake.scheduler);
-        QCOMPARE(text(&widget, "state"), state.second);
+        // A small previous idle time (32-bit high half zero) counts as no sample yet.
+        UsageWidget fresh(fake.sampler, nullptr, [] { return 0; });
+        fake.sampler->timesOk = true;
+        fake.sampler->idleTime = 1000;
+        fresh.timeout_slot();
+        fake.sampler->idleTime = 2000;
+        fake.sampler->kernelTime += 5000;
+        fresh.timeout_slot();
+        QCOMPARE(text(&fresh, "processor"), QString());
+    }
+
+    void usageRatesNeedTrafficBothWays()
+    {
+        TestFolder folder;
+        FakePlatform fake;
+        UsageWidget widget(fake.sampler, nullptr, [] { return 0; });
+        auto tick = [&](quint32 received, quint32 sent) {
+            fake.sampler->interfaces = {{6, received, sent}};
+            widget.timeout_slot();
+            return text(&widget, "download");
+        };
+        // Received only: the sent sum stays 0, and a zero previous sum shows nothing.
+        tick(500, 0);
+        QCOMPARE(tick(900, 0), QString());
+        tick(500, 40);
+        QCOMPARE(tick(900, 50), QStringLiteral("↓ 400B/s"));
+        // Traffic stops: the first tick computes from the dropped sum, the next ones keep it.
+        fake.sampler->interfaces = {};
+        widget.timeout_slot();
+        const QString afterDrop = text(&widget, "download");
+        QVERIFY(afterDrop != QStringLiteral("↓ 400B/s"));
+        widget.timeout_slot();
+        QCOMPARE(text(&widget, "download"), afterDrop);
+    }
+
+    void draggedGeometryIsSavedAndComesBack()
+    {
+        TestFolder folder;
+        folder.mkdir(QStringLiteral("settings"));
+        FakePlatform fake;
+        auto check = [&](QWidget &widget, const char *key, QPoint by, auto makeAgain) {
+            widget.move(100, 100);
+            widget.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&widget));
+            const QPoint start = widget.frameGeometry().topLeft();
+            drag(&widget, by);
+            QCOMPARE(widget.frameGeometry().topLeft(), start + by);
+            QCOMPARE(widgetSetting(folder, key).toByteArray(), widget.saveGeometry());
+            QCOMPARE(makeAgain()->pos(), widget.pos());
+        };
+        UsageWidget usage(fake.sampler);
+        check(usage, "mainWindowGeometry", QPoint(50, 30),
+              [&] { return std::make_unique<UsageWidget>(fake.sampler); });
+        BatteryWidget battery(fake.bundle());
+        check(battery, "batteryWindowGeometry", QPoint(20, 40),
+              [&] { return std::make_unique<BatteryWidget>(fake.bundle()); });
+    }
+
+    void batteryTicksQueryThenShow()
+    {
+        TestFolder folder;
+        FakePlatform fake;
+        scriptBattery(fake, QStringLiteral("2"), QStringLiteral("87"));
+        BatteryWidget widget(fake.bundle());
+        const QString process = QStringLiteral("process: ");
+        widget.timeout_slot();
+        widget.timeout_slot(); // the first answer has not arrived yet: not started again
+        QCOMPARE(fake.log->withPrefix(process), QStringList{process + QLatin1String(kStateQuery)});
+        QCOMPARE(fake.scheduler->history, QStringList({"500 updater2do", "2000 updatevalues",
+                                                       "500 updater2do", "2000 updatevalues"}));
+        QCoreApplication::processEvents();
+        fake.scheduler->advance(500);
+        QCOMPARE(fake.log->withPrefix(process).last(), process + QLatin1String(kChargeQuery));
+        QCoreApplication::processEvents();
+        QCOMPARE(text(&widget, "state"), QString());
+        fake.scheduler->advance(1500);
+        QCOMPARE(text(&widget, "state"), QStringLiteral("AC Power"));
         QCOMPARE(text(&widget, "charge"), QStringLiteral("87%"));
-    }
-    QCOMPARE(fake.log->withPrefix(QStringLiteral("process: ")).size(), 10);
-}
 
-void DesktopWidgetsTest::startupCreatesParentlessWidgets_data()
-{
-    QTest::addColumn<bool>("translucent");
-    QTest::newRow("with a compositor") << true;
-    QTest::newRow("without a compositor") << false;
-}
-
-void DesktopWidgetsTest::startupCreatesParentlessWidgets()
-{
-    QFETCH(bool, translucent);
-    TestWindow t;
-    const QList<QPair<const char *, int>> stored = {{"resorceswidget", 1},
-                                                    {"resorceswidgetfontsize", 14},
-                                                    {"resources_color", 1},
-                                                    {"batterywidget", 1},
-                                                    {"batterywidgetfontsize", 6}};
-    for (const auto &setting : stored)
-        t.folder.setIni(QLatin1String(kWidgetFile), QLatin1String(setting.first), setting.second);
-    t.fake.desktop->translucent = translucent;
-    t.start();
-    Ui::MainWindow &ui = t.ui();
-    QVERIFY(ui.StartResorcescheckBox->isChecked() && ui.StartBatteryWidget->isChecked());
-    QVERIFY(ui.colorchange->isChecked() && !ui.colorchange_battery->isChecked());
-    QCOMPARE(ui.horizontalSliderResorcesFONTsize->value(), 14);
-    QCOMPARE(ui.fontsize_label->text(), QStringLiteral("14px"));
-    QCOMPARE(ui.fontsize_battery->text(), QStringLiteral("6px"));
-
-    QPointer<UsageWidget> usage = t.window->widgets()->usageWidget();
-    QPointer<BatteryWidget> battery = t.window->widgets()->batteryWidget();
-    QVERIFY(usage && battery);
-    QCOMPARE(label(usage, "memory")->font().pointSize(), 14);
-    QCOMPARE(labelSheets(usage), kBlack);
-    QCOMPARE(label(battery, "charge")->font().pointSize(), 14);
-    QCOMPARE(labelSheets(battery), kWhite);
-    for (QWidget *widget : {static_cast<QWidget *>(usage), static_cast<QWidget *>(battery)}) {
-        QCOMPARE(widget->parentWidget(), nullptr);
-        QVERIFY(widget->isVisible());
-        QCOMPARE(widget->testAttribute(Qt::WA_TranslucentBackground), translucent);
-        QCOMPARE(widget->autoFillBackground(), !translucent);
-        QRegion labels;
-        for (QLabel *l : widget->findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly))
-            if (!l->isHidden())
-                labels += l->geometry();
-        // The empty rest of the window is not the widget's: clicks there reach the desktop.
-        QCOMPARE(widget->mask(), labels);
-        QVERIFY(!widget->mask().contains(QPoint(widget->width() - 2, widget->height() - 2)));
+        // Unknown codes, then no battery at all (the tool prints its header alone) keep the labels;
+        // each tick asks again, so a known code then shows.
+        const QString shown = QStringLiteral("AC Power");
+        const QList<QPair<QString, QString>> states = {{"BatteryStatus\r\n10\r\n", shown},
+                                                       {"BatteryStatus\r\n12\r\n", shown},
+                                                       {"BatteryStatus  \r\r\n", shown},
+                                                       {"BatteryStatus\r\n3\r\n", "Full Battery"}};
+        for (const auto &state : states) {
+            fake.commands->asyncOutputs[QLatin1String(kStateQuery)] = state.first;
+            fake.commands->asyncOutputs[QLatin1String(kChargeQuery)] =
+                QStringLiteral("EstimatedChargeRemaining  \r\r\n");
+            batteryTick(widget, *fake.scheduler);
+            QCOMPARE(text(&widget, "state"), state.second);
+            QCOMPARE(text(&widget, "charge"), QStringLiteral("87%"));
+        }
+        QCOMPARE(fake.log->withPrefix(QStringLiteral("process: ")).size(), 10);
     }
 
-    // The window's own signals reach them, and the mask follows the labels.
-    emit t.window->fontsize(24);
-    QCOMPARE(label(usage, "disk")->font().pointSize(), 24);
-    QVERIFY(usage->mask().contains(label(usage, "download")->geometry()));
-    emit t.window->closebattery();
-    flushDeletes();
-    QVERIFY(battery.isNull());
-    delete usage;
-}
+    void startupCreatesParentlessWidgets_data()
+    {
+        QTest::addColumn<bool>("translucent");
+        QTest::newRow("with a compositor") << true;
+        QTest::newRow("without a compositor") << false;
+    }
 
-void DesktopWidgetsTest::checkBoxesColoursAndSliders()
-{
-    TestWindow t;
-    t.start();
-    Ui::MainWindow &ui = t.ui();
-    WidgetManager *widgets = t.window->widgets();
-    // Without stored sizes the sliders keep the form's values; no widget is shown.
-    QCOMPARE(ui.horizontalSliderResorcesFONTsize->value(), 9);
-    QCOMPARE(ui.horizontalSlider_Battery_FONTsize->value(), 8);
-    QVERIFY(!widgets->usageWidget() && !widgets->batteryWidget());
+    void startupCreatesParentlessWidgets()
+    {
+        QFETCH(bool, translucent);
+        TestWindow t;
+        const QList<QPair<const char *, int>> stored = {{"resorceswidget", 1},
+                                                        {"resorceswidgetfontsize", 14},
+                                                        {"resources_color", 1},
+                                                        {"batterywidget", 1},
+                                                        {"batterywidgetfontsize", 6}};
+        for (const auto &setting : stored)
+            t.folder.setIni(QLatin1String(kWidgetFile), QLatin1String(setting.first),
+                            setting.second);
+        t.fake.desktop->translucent = translucent;
+        t.start();
+        Ui::MainWindow &ui = t.ui();
+        QVERIFY(ui.StartResorcescheckBox->isChecked() && ui.StartBatteryWidget->isChecked());
+        QVERIFY(ui.colorchange->isChecked() && !ui.colorchange_battery->isChecked());
+        QCOMPARE(ui.horizontalSliderResorcesFONTsize->value(), 14);
+        QCOMPARE(ui.fontsize_label->text(), QStringLiteral("14px"));
+        QCOMPARE(ui.fontsize_battery->text(), QStringLiteral("6px"));
 
-    ui.colorchange->setChecked(true);
-    ui.StartResorcescheckBox->click();
-    ui.StartBatteryWidget->click();
-    QPointer<UsageWidget> usage = widgets->usageWidget();
-    QPointer<BatteryWidget> battery = widgets->batteryWidget();
-    QVERIFY(usage && battery);
-    QCOMPARE(usage->parentWidget(), t.window.get());
-    QCOMPARE(battery->parentWidget(), nullptr);
-    QVERIFY(usage->isVisible());
-    QCOMPARE(widgetSetting(t.folder, "resorceswidget").toInt(), 1);
-    QCOMPARE(widgetSetting(t.folder, "batterywidget").toInt(), 1);
-    QCOMPARE(label(usage, "memory")->font().pointSize(), 9);
-    QCOMPARE(label(battery, "state")->font().pointSize(), 8);
-    // Switched on with "Invert Colors" set, the new widget is inverted at once.
-    QCOMPARE(labelSheets(usage), kBlack);
+        QPointer<UsageWidget> usage = t.window->widgets()->usageWidget();
+        QPointer<BatteryWidget> battery = t.window->widgets()->batteryWidget();
+        QVERIFY(usage && battery);
+        QCOMPARE(label(usage, "memory")->font().pointSize(), 14);
+        QCOMPARE(labelSheets(usage), kBlack);
+        QCOMPARE(label(battery, "charge")->font().pointSize(), 14);
+        QCOMPARE(labelSheets(battery), kWhite);
+        for (QWidget *widget : {static_cast<QWidget *>(usage), static_cast<QWidget *>(battery)}) {
+            QCOMPARE(widget->parentWidget(), nullptr);
+            QVERIFY(widget->isVisible());
+            QCOMPARE(widget->testAttribute(Qt::WA_TranslucentBackground), translucent);
+            QCOMPARE(widget->autoFillBackground(), !translucent);
+            QRegion labels;
+            for (QLabel *l : widget->findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly))
+                if (!l->isHidden())
+                    labels += l->geometry();
+            // The empty rest of the window is not the widget's: clicks there reach the desktop.
+            QCOMPARE(widget->mask(), labels);
+            QVERIFY(!widget->mask().contains(QPoint(widget->width() - 2, widget->height() - 2)));
+        }
 
-    ui.colorchange->click();
-    QCOMPARE(labelSheets(usage), kWhite);
-    QCOMPARE(widgetSetting(t.folder, "resources_color").toInt(), 0);
-    ui.colorchange_battery->click();
-    QCOMPARE(labelSheets(battery), kBlack);
-    QCOMPARE(labelSheets(usage), kWhite);
-    QCOMPARE(widgetSetting(t.folder, "battery_color").toInt(), 1);
+        // The window's own signals reach them, and the mask follows the labels.
+        emit t.window->fontsize(24);
+        QCOMPARE(label(usage, "disk")->font().pointSize(), 24);
+        QVERIFY(usage->mask().contains(label(usage, "download")->geometry()));
+        emit t.window->closebattery();
+        flushDeletes();
+        QVERIFY(battery.isNull());
+        delete usage;
+    }
 
-    ui.horizontalSliderResorcesFONTsize->setValue(12);
-    QCOMPARE(ui.fontsize_label->text(), QStringLiteral("12px"));
-    QCOMPARE(label(usage, "upload")->font().pointSize(), 12);
-    QCOMPARE(widgetSetting(t.folder, "resorceswidgetfontsize").toInt(), 12);
-    ui.horizontalSlider_Battery_FONTsize->setValue(10);
-    QCOMPARE(ui.fontsize_battery->text(), QStringLiteral("10px"));
-    QCOMPARE(label(battery, "charge")->font().pointSize(), 18);
-    QCOMPARE(widgetSetting(t.folder, "batterywidgetfontsize").toInt(), 10);
+    void checkBoxesColoursAndSliders()
+    {
+        TestWindow t;
+        t.start();
+        Ui::MainWindow &ui = t.ui();
+        WidgetManager *widgets = t.window->widgets();
+        // Without stored sizes the sliders keep the form's values; no widget is shown.
+        QCOMPARE(ui.horizontalSliderResorcesFONTsize->value(), 9);
+        QCOMPARE(ui.horizontalSlider_Battery_FONTsize->value(), 8);
+        QVERIFY(!widgets->usageWidget() && !widgets->batteryWidget());
 
-    ui.StartResorcescheckBox->click();
-    ui.StartBatteryWidget->click();
-    flushDeletes();
-    QVERIFY(usage.isNull() && battery.isNull());
-    QCOMPARE(widgetSetting(t.folder, "resorceswidget").toInt(), 0);
-    QCOMPARE(widgetSetting(t.folder, "batterywidget").toInt(), 0);
-    ui.StartResorcescheckBox->click();
-    QVERIFY(widgets->usageWidget());
-}
+        ui.colorchange->setChecked(true);
+        ui.StartResorcescheckBox->click();
+        ui.StartBatteryWidget->click();
+        QPointer<UsageWidget> usage = widgets->usageWidget();
+        QPointer<BatteryWidget> battery = widgets->batteryWidget();
+        QVERIFY(usage && battery);
+        QCOMPARE(usage->parentWidget(), t.window.get());
+        QCOMPARE(battery->parentWidget(), nullptr);
+        QVERIFY(usage->isVisible());
+        QCOMPARE(widgetSetting(t.folder, "resorceswidget").toInt(), 1);
+        QCOMPARE(widgetSetting(t.folder, "batterywidget").toInt(), 1);
+        QCOMPARE(label(usage, "memory")->font().pointSize(), 9);
+        QCOMPARE(label(battery, "state")->font().pointSize(), 8);
+        // Switched on with "Invert Colors" set, the new widget is inverted at once.
+        QCOMPARE(labelSheets(usage), kBlack);
+
+        ui.colorchange->click();
+        QCOMPARE(labelSheets(usage), kWhite);
+        QCOMPARE(widgetSetting(t.folder, "resources_color").toInt(), 0);
+        ui.colorchange_battery->click();
+        QCOMPARE(labelSheets(battery), kBlack);
+        QCOMPARE(labelSheets(usage), kWhite);
+        QCOMPARE(widgetSetting(t.folder, "battery_color").toInt(), 1);
+
+        ui.horizontalSliderResorcesFONTsize->setValue(12);
+        QCOMPARE(ui.fontsize_label->text(), QStringLiteral("12px"));
+        QCOMPARE(label(usage, "upload")->font().pointSize(), 12);
+        QCOMPARE(widgetSetting(t.folder, "resorceswidgetfontsize").toInt(), 12);
+        ui.horizontalSlider_Battery_FONTsize->setValue(10);
+        QCOMPARE(ui.fontsize_battery->text(), QStringLiteral("10px"));
+        QCOMPARE(label(battery, "charge")->font().pointSize(), 18);
+        QCOMPARE(widgetSetting(t.folder, "batterywidgetfontsize").toInt(), 10);
+
+        ui.StartResorcescheckBox->click();
+        ui.StartBatteryWidget->click();
+        flushDeletes();
+        QVERIFY(usage.isNull() && battery.isNull());
+        QCOMPARE(widgetSetting(t.folder, "resorceswidget").toInt(), 0);
+        QCOMPARE(widgetSetting(t.folder, "batterywidget").toInt(), 0);
+        ui.StartResorcescheckBox->click();
+        QVERIFY(widgets->usageWidget());
+    }
+};
 
 QTEST_MAIN(DesktopWidgetsTest)
 #include "tst_desktopwidgets.moc"

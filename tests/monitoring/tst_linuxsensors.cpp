@@ -13,17 +13,6 @@
 class LinuxSensorsTest : public QObject {
     Q_OBJECT
 private slots:
-    void init();
-    void cleanup();
-    void noNvidiaGpuFailsWithoutLoadingTheLibrary();
-    void missingLibraryFailsQuietly();
-    void sleepingGpuIsNeverTouched();
-    void awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps();
-    void queriesAnswerAsTheDriverInterface();
-    void samplerMemoryAndInterfaces();
-    void processorTimesFromTheFirstStatLine();
-    void freeSpaceIsWhatTheUserMayUse();
-    void missingTreeGivesNothingThisMachineFigures();
 
 private:
     static QString tree(const char *name)
@@ -58,258 +47,258 @@ private:
 
     QList<void *> m_handles;
     FakeNvmlScript *m_script = nullptr;
-};
 
-void LinuxSensorsTest::init()
-{
-    m_script = script("fakenvml");
-    QVERIFY2(m_script, "the stand-in library is built with the tests");
-    *m_script = FakeNvmlScript{};
-    m_script->count = 1;
-    m_script->graphicsMHz[0] = 1530;
-    m_script->memoryMHz[0] = 7001;
-    m_script->utilization[0] = 42;
-    m_script->pstate[0] = 2;
-    m_script->temperature[0] = 61;
-}
-
-void LinuxSensorsTest::cleanup()
-{
-    for (void *handle : m_handles)
-        dlclose(handle);
-    m_handles.clear();
-}
-
-void LinuxSensorsTest::noNvidiaGpuFailsWithoutLoadingTheLibrary()
-{
-    // The GPU's own audio function sleeps as it likes; it is no display controller.
-    const auto awake = NvmlGpuSensors::scanPci(tree("gpu-awake"));
-    QCOMPARE(awake.devices, QStringList{QStringLiteral("0000:01:00.0")});
-    QVERIFY(!awake.anySleeping);
-    QVERIFY(NvmlGpuSensors::scanPci(tree("gpu-asleep")).anySleeping);
-    QVERIFY(NvmlGpuSensors::scanPci(tree("no-nvidia")).devices.isEmpty());
-
-    NvmlGpuSensors gpu(library("fakenvml"), tree("no-nvidia"));
-    QVERIFY(!gpu.absentForGood()); // nothing is known before the first look
-    QVERIFY(gpu.initialize() != 0);
-    gpu.unload();
-    QCOMPARE(m_script->initCalls, 0);
-    QCOMPARE(m_script->shutdownCalls, 0);
-    QVERIFY(gpu.absentForGood());
-
-    // The thread shows the zeros once and then ends by itself instead of polling for nothing.
-    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("no-nvidia")));
-    QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
-    loop.start();
-    QVERIFY(loop.wait(10000));
-    QCOMPARE(temperature.size(), 1);
-    QCOMPARE(temperature.at(0).at(0).toInt(), 0);
-}
-
-void LinuxSensorsTest::missingLibraryFailsQuietly()
-{
-    const QString missing = QStringLiteral("libnvidia-ml-missing.so.1");
-    NvmlGpuSensors gpu(missing, tree("gpu-awake"));
-    const int status = gpu.initialize();
-    QVERIFY(status != 0);
-    QVERIFY(!gpu.errorMessage(status).isEmpty());
-    int count = -1;
-    QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
-    gpu.unload();
-}
-
-void LinuxSensorsTest::sleepingGpuIsNeverTouched()
-{
-    NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-asleep"));
-    QCOMPARE(gpu.initialize(), 0);
-    int count = 0;
-    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
-    QCOMPARE(count, 1);
-    unsigned graphics = 99, memory = 99;
-    QCOMPARE(gpu.allClockFrequencies(0, &graphics, &memory), 0);
-    QCOMPARE(memory, 0u);
-    gpu.unload();
-
-    // The loop takes that as asleep: zeros, and no further query.
-    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-asleep")));
-    QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
-    QCOMPARE(pollTemperatures(loop), QList<int>{0});
-    QCOMPARE(pstate.size(), 0);
-    QCOMPARE(m_script->initCalls, 0);
-    QCOMPARE(m_script->queries, 0);
-}
-
-void LinuxSensorsTest::awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
-{
-    // A copy of the awake tree whose power state the test changes between cycles.
-    QTemporaryDir sys;
-    const QDir from(tree("gpu-awake"));
-    QDirIterator files(from.path(), QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString target = sys.filePath(from.relativeFilePath(files.next()));
-        QVERIFY(QDir().mkpath(QFileInfo(target).path()));
-        QVERIFY(QFile::copy(files.filePath(), target));
+    void init()
+    {
+        m_script = script("fakenvml");
+        QVERIFY2(m_script, "the stand-in library is built with the tests");
+        *m_script = FakeNvmlScript{};
+        m_script->count = 1;
+        m_script->graphicsMHz[0] = 1530;
+        m_script->memoryMHz[0] = 7001;
+        m_script->utilization[0] = 42;
+        m_script->pstate[0] = 2;
+        m_script->temperature[0] = 61;
     }
-    const QString device = sys.filePath(QStringLiteral("bus/pci/devices/0000:01:00.0/"));
-    auto setPowerState = [&](const QByteArray &state) {
-        QFile file(device + QStringLiteral("power/runtime_status"));
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(state + '\n');
-    };
 
-    nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.path()));
-    QSignalSpy load(&loop, &nvidia_api::GPU1LOAD);
-    QSignalSpy core(&loop, &nvidia_api::GPU1CORECLOCK);
-    QSignalSpy memory(&loop, &nvidia_api::GPU1MEMCLOCK);
-    QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
-    QCOMPARE(pollTemperatures(loop, 2), QList<int>({61, 61}));
-    QCOMPARE(load.value(0).value(0).toInt(), 42);
-    QCOMPARE(core.value(0).value(0).toInt(), 1530);
-    QCOMPARE(memory.value(0).value(0).toInt(), 7001);
-    QCOMPARE(pstate.value(0).value(0).toInt(), 2);
-    QCOMPARE(m_script->initCalls, 2);
-    QCOMPARE(m_script->shutdownCalls, 2);
+    void cleanup()
+    {
+        for (void *handle : m_handles)
+            dlclose(handle);
+        m_handles.clear();
+    }
 
-    setPowerState("suspended");
-    // The bus was listed in the first cycle; later cycles read only the GPU's power state.
-    QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
-    QCOMPARE(pollTemperatures(loop), QList<int>{0});
-    QCOMPARE(m_script->initCalls, 2);
-    setPowerState("active");
-    QCOMPARE(pollTemperatures(loop), QList<int>{61});
-    QCOMPARE(m_script->initCalls, 3);
-}
+    void noNvidiaGpuFailsWithoutLoadingTheLibrary()
+    {
+        // The GPU's own audio function sleeps as it likes; it is no display controller.
+        const auto awake = NvmlGpuSensors::scanPci(tree("gpu-awake"));
+        QCOMPARE(awake.devices, QStringList{QStringLiteral("0000:01:00.0")});
+        QVERIFY(!awake.anySleeping);
+        QVERIFY(NvmlGpuSensors::scanPci(tree("gpu-asleep")).anySleeping);
+        QVERIFY(NvmlGpuSensors::scanPci(tree("no-nvidia")).devices.isEmpty());
 
-void LinuxSensorsTest::queriesAnswerAsTheDriverInterface()
-{
-    // A driver without the plain temperature query answers the versioned one.
-    FakeNvmlScript *versioned = script("fakenvml_v");
-    QVERIFY(versioned);
-    *versioned = *m_script;
-    NvmlGpuSensors newer(library("fakenvml_v"), tree("gpu-awake"));
-    QCOMPARE(newer.initialize(), 0);
-    int count = 0;
-    QCOMPARE(newer.enumeratePhysicalGpus(&count), 0);
-    int celsius = 0;
-    QCOMPARE(newer.thermalSensor0(0, &celsius), 0);
-    QCOMPARE(celsius, 61);
-    QCOMPARE(versioned->lastTemperatureVersion, 12u | (1u << 24));
-    newer.unload();
+        NvmlGpuSensors gpu(library("fakenvml"), tree("no-nvidia"));
+        QVERIFY(!gpu.absentForGood()); // nothing is known before the first look
+        QVERIFY(gpu.initialize() != 0);
+        gpu.unload();
+        QCOMPARE(m_script->initCalls, 0);
+        QCOMPARE(m_script->shutdownCalls, 0);
+        QVERIFY(gpu.absentForGood());
 
-    NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
-    QCOMPARE(gpu.initialize(), 0);
-    QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
-    // Utilisation not supported: not present; a real failure leaves the previous figures.
-    bool present = true;
-    unsigned percent = 77;
-    m_script->utilizationResult = 3;
-    QCOMPARE(gpu.dynamicPstatesInfo(0, &present, &percent), 0);
-    QVERIFY(!present);
-    m_script->utilizationResult = 9;
-    present = true;
-    QVERIFY(gpu.dynamicPstatesInfo(0, &present, &percent) != 0);
-    QVERIFY(present);
-    QCOMPARE(percent, 77u);
+        // The thread shows the zeros once and then ends by itself instead of polling for nothing.
+        nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("no-nvidia")));
+        QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
+        loop.start();
+        QVERIFY(loop.wait(10000));
+        QCOMPARE(temperature.size(), 1);
+        QCOMPARE(temperature.at(0).at(0).toInt(), 0);
+    }
 
-    m_script->temperatureResult = 9;
-    celsius = 5;
-    QCOMPARE(gpu.thermalSensor0(0, &celsius), 9);
-    QCOMPARE(celsius, 5);
-    QCOMPARE(gpu.errorMessage(9), QStringLiteral("Driver Not Loaded"));
-    gpu.unload();
-    // After an unload the handles are gone, as the driver interface's are.
-    unsigned graphics = 0, memory = 0;
-    QVERIFY(gpu.allClockFrequencies(0, &graphics, &memory) != 0);
-    m_script->initResult = 9;
-    QCOMPARE(gpu.initialize(), 9);
-    QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
-    gpu.unload();
-    QCOMPARE(m_script->shutdownCalls, 1);
-}
+    void missingLibraryFailsQuietly()
+    {
+        const QString missing = QStringLiteral("libnvidia-ml-missing.so.1");
+        NvmlGpuSensors gpu(missing, tree("gpu-awake"));
+        const int status = gpu.initialize();
+        QVERIFY(status != 0);
+        QVERIFY(!gpu.errorMessage(status).isEmpty());
+        int count = -1;
+        QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
+        gpu.unload();
+    }
 
-void LinuxSensorsTest::samplerMemoryAndInterfaces()
-{
-    LinuxSampler sampler(laptop() + QStringLiteral("/proc"), laptop() + QStringLiteral("/sys"));
-    quint64 total = 0, available = 0;
-    QVERIFY(sampler.memoryStatus(&total, &available));
-    QCOMPARE(total, quint64(16303412) * 1024);
-    QCOMPARE(available, quint64(9781884) * 1024);
-    quint64 idle = 0, kernel = 0, user = 0;
-    QVERIFY(sampler.systemTimes(&idle, &kernel, &user));
-    QCOMPARE(idle, quint64(98765432 + 12000) * (10000000 / sysconf(_SC_CLK_TCK)));
+    void sleepingGpuIsNeverTouched()
+    {
+        NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-asleep"));
+        QCOMPARE(gpu.initialize(), 0);
+        int count = 0;
+        QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+        QCOMPARE(count, 1);
+        unsigned graphics = 99, memory = 99;
+        QCOMPARE(gpu.allClockFrequencies(0, &graphics, &memory), 0);
+        QCOMPARE(memory, 0u);
+        gpu.unload();
 
-    // lo, docker0 and the veth pair have no device; wlp2s0 (index 2) comes before enp3s0 (3).
-    const QVector<InterfaceCounters> table = sampler.interfaceTable();
-    QCOMPARE(table.size(), 2);
-    QCOMPARE(table.at(0).type, 801u); // wireless: ARPHRD_IEEE80211
-    QCOMPARE(table.at(0).inOctets, quint32(7000000000ull - 4294967296ull));
-    QCOMPARE(table.at(0).outOctets, 300000u);
-    QCOMPARE(table.at(1).type, 1u); // ARPHRD_ETHER
-    QCOMPARE(table.at(1).inOctets, 1000000u);
-    QCOMPARE(table.at(1).outOctets, 200000u);
+        // The loop takes that as asleep: zeros, and no further query.
+        nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-asleep")));
+        QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
+        QCOMPARE(pollTemperatures(loop), QList<int>{0});
+        QCOMPARE(pstate.size(), 0);
+        QCOMPARE(m_script->initCalls, 0);
+        QCOMPARE(m_script->queries, 0);
+    }
 
-    // Without MemAvailable there is no figure.
-    QTemporaryDir dir;
-    QFile meminfo(dir.filePath(QStringLiteral("meminfo")));
-    QVERIFY(meminfo.open(QIODevice::WriteOnly));
-    meminfo.write("MemTotal:       16303412 kB\nMemFree:         2044108 kB\n");
-    meminfo.close();
-    QVERIFY(!LinuxSampler(dir.path(), dir.path()).memoryStatus(&total, &available));
-}
+    void awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
+    {
+        // A copy of the awake tree whose power state the test changes between cycles.
+        QTemporaryDir sys;
+        const QDir from(tree("gpu-awake"));
+        QDirIterator files(from.path(), QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString target = sys.filePath(from.relativeFilePath(files.next()));
+            QVERIFY(QDir().mkpath(QFileInfo(target).path()));
+            QVERIFY(QFile::copy(files.filePath(), target));
+        }
+        const QString device = sys.filePath(QStringLiteral("bus/pci/devices/0000:01:00.0/"));
+        auto setPowerState = [&](const QByteArray &state) {
+            QFile file(device + QStringLiteral("power/runtime_status"));
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            file.write(state + '\n');
+        };
 
-void LinuxSensorsTest::processorTimesFromTheFirstStatLine()
-{
-    // user nice system idle iowait irq softirq; 100 ticks a second = 100000 units of 100 ns.
-    const struct {
-        const char *stat;
-        bool ok;
-        quint64 idle, kernel, user;
-    } rows[] = {
-        {"cpu  10 2 30 400 5 6 7 8 0 0\ncpu0 1 1 1 1 1 1 1\n", true, 405, 30 + 6 + 7 + 405, 12},
-        {"cpu 1 0 1 100 0 0 0\n", true, 100, 101, 1}, // an older kernel's seven fields
-        {"cpu0 1 2 3 4 5 6 7\n", false, 0, 0, 0},     // a per-processor line first
-        {"cpu  a b c d e f g\n", false, 0, 0, 0},
-        {"", false, 0, 0, 0},
-    };
-    for (const auto &row : rows) {
+        nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.path()));
+        QSignalSpy load(&loop, &nvidia_api::GPU1LOAD);
+        QSignalSpy core(&loop, &nvidia_api::GPU1CORECLOCK);
+        QSignalSpy memory(&loop, &nvidia_api::GPU1MEMCLOCK);
+        QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
+        QCOMPARE(pollTemperatures(loop, 2), QList<int>({61, 61}));
+        QCOMPARE(load.value(0).value(0).toInt(), 42);
+        QCOMPARE(core.value(0).value(0).toInt(), 1530);
+        QCOMPARE(memory.value(0).value(0).toInt(), 7001);
+        QCOMPARE(pstate.value(0).value(0).toInt(), 2);
+        QCOMPARE(m_script->initCalls, 2);
+        QCOMPARE(m_script->shutdownCalls, 2);
+
+        setPowerState("suspended");
+        // The bus was listed in the first cycle; later cycles read only the GPU's power state.
+        QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
+        QCOMPARE(pollTemperatures(loop), QList<int>{0});
+        QCOMPARE(m_script->initCalls, 2);
+        setPowerState("active");
+        QCOMPARE(pollTemperatures(loop), QList<int>{61});
+        QCOMPARE(m_script->initCalls, 3);
+    }
+
+    void queriesAnswerAsTheDriverInterface()
+    {
+        // A driver without the plain temperature query answers the versioned one.
+        FakeNvmlScript *versioned = script("fakenvml_v");
+        QVERIFY(versioned);
+        *versioned = *m_script;
+        NvmlGpuSensors newer(library("fakenvml_v"), tree("gpu-awake"));
+        QCOMPARE(newer.initialize(), 0);
+        int count = 0;
+        QCOMPARE(newer.enumeratePhysicalGpus(&count), 0);
+        int celsius = 0;
+        QCOMPARE(newer.thermalSensor0(0, &celsius), 0);
+        QCOMPARE(celsius, 61);
+        QCOMPARE(versioned->lastTemperatureVersion, 12u | (1u << 24));
+        newer.unload();
+
+        NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
+        QCOMPARE(gpu.initialize(), 0);
+        QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+        // Utilisation not supported: not present; a real failure leaves the previous figures.
+        bool present = true;
+        unsigned percent = 77;
+        m_script->utilizationResult = 3;
+        QCOMPARE(gpu.dynamicPstatesInfo(0, &present, &percent), 0);
+        QVERIFY(!present);
+        m_script->utilizationResult = 9;
+        present = true;
+        QVERIFY(gpu.dynamicPstatesInfo(0, &present, &percent) != 0);
+        QVERIFY(present);
+        QCOMPARE(percent, 77u);
+
+        m_script->temperatureResult = 9;
+        celsius = 5;
+        QCOMPARE(gpu.thermalSensor0(0, &celsius), 9);
+        QCOMPARE(celsius, 5);
+        QCOMPARE(gpu.errorMessage(9), QStringLiteral("Driver Not Loaded"));
+        gpu.unload();
+        // After an unload the handles are gone, as the driver interface's are.
+        unsigned graphics = 0, memory = 0;
+        QVERIFY(gpu.allClockFrequencies(0, &graphics, &memory) != 0);
+        m_script->initResult = 9;
+        QCOMPARE(gpu.initialize(), 9);
+        QVERIFY(gpu.enumeratePhysicalGpus(&count) != 0);
+        gpu.unload();
+        QCOMPARE(m_script->shutdownCalls, 1);
+    }
+
+    void samplerMemoryAndInterfaces()
+    {
+        LinuxSampler sampler(laptop() + QStringLiteral("/proc"), laptop() + QStringLiteral("/sys"));
+        quint64 total = 0, available = 0;
+        QVERIFY(sampler.memoryStatus(&total, &available));
+        QCOMPARE(total, quint64(16303412) * 1024);
+        QCOMPARE(available, quint64(9781884) * 1024);
         quint64 idle = 0, kernel = 0, user = 0;
-        QCOMPARE(parseProcStat(row.stat, 100, &idle, &kernel, &user), row.ok);
-        if (row.ok) {
-            QCOMPARE(idle, row.idle * 100000);
-            QCOMPARE(kernel, row.kernel * 100000);
-            QCOMPARE(user, row.user * 100000);
+        QVERIFY(sampler.systemTimes(&idle, &kernel, &user));
+        QCOMPARE(idle, quint64(98765432 + 12000) * (10000000 / sysconf(_SC_CLK_TCK)));
+
+        // lo, docker0 and the veth pair have no device; wlp2s0 (index 2) comes before enp3s0 (3).
+        const QVector<InterfaceCounters> table = sampler.interfaceTable();
+        QCOMPARE(table.size(), 2);
+        QCOMPARE(table.at(0).type, 801u); // wireless: ARPHRD_IEEE80211
+        QCOMPARE(table.at(0).inOctets, quint32(7000000000ull - 4294967296ull));
+        QCOMPARE(table.at(0).outOctets, 300000u);
+        QCOMPARE(table.at(1).type, 1u); // ARPHRD_ETHER
+        QCOMPARE(table.at(1).inOctets, 1000000u);
+        QCOMPARE(table.at(1).outOctets, 200000u);
+
+        // Without MemAvailable there is no figure.
+        QTemporaryDir dir;
+        QFile meminfo(dir.filePath(QStringLiteral("meminfo")));
+        QVERIFY(meminfo.open(QIODevice::WriteOnly));
+        meminfo.write("MemTotal:       16303412 kB\nMemFree:         2044108 kB\n");
+        meminfo.close();
+        QVERIFY(!LinuxSampler(dir.path(), dir.path()).memoryStatus(&total, &available));
+    }
+
+    void processorTimesFromTheFirstStatLine()
+    {
+        // user nice system idle iowait irq softirq; 100 ticks a second = 100000 units of 100 ns.
+        const struct {
+            const char *stat;
+            bool ok;
+            quint64 idle, kernel, user;
+        } rows[] = {
+            {"cpu  10 2 30 400 5 6 7 8 0 0\ncpu0 1 1 1 1 1 1 1\n", true, 405, 30 + 6 + 7 + 405, 12},
+            {"cpu 1 0 1 100 0 0 0\n", true, 100, 101, 1}, // an older kernel's seven fields
+            {"cpu0 1 2 3 4 5 6 7\n", false, 0, 0, 0},     // a per-processor line first
+            {"cpu  a b c d e f g\n", false, 0, 0, 0},
+            {"", false, 0, 0, 0},
+        };
+        for (const auto &row : rows) {
+            quint64 idle = 0, kernel = 0, user = 0;
+            QCOMPARE(parseProcStat(row.stat, 100, &idle, &kernel, &user), row.ok);
+            if (row.ok) {
+                QCOMPARE(idle, row.idle * 100000);
+                QCOMPARE(kernel, row.kernel * 100000);
+                QCOMPARE(user, row.user * 100000);
+            }
         }
     }
-}
 
-void LinuxSensorsTest::freeSpaceIsWhatTheUserMayUse()
-{
-    QTemporaryDir dir;
-    struct statvfs info {};
-    QCOMPARE(statvfs(QFile::encodeName(dir.path()).constData(), &info), 0);
-    LinuxSampler sampler(laptop(), laptop(), dir.path());
-    const quint64 expected = quint64(info.f_bavail) * info.f_frsize;
-    // Other processes write meanwhile; a few MiB either way is the same figure.
-    QVERIFY(qAbs(qint64(sampler.freeBytesForUser()) - qint64(expected)) < (16ll << 20));
-    QVERIFY(sampler.freeBytesForUser() <= quint64(info.f_bfree) * info.f_frsize);
-}
+    void freeSpaceIsWhatTheUserMayUse()
+    {
+        QTemporaryDir dir;
+        struct statvfs info {};
+        QCOMPARE(statvfs(QFile::encodeName(dir.path()).constData(), &info), 0);
+        LinuxSampler sampler(laptop(), laptop(), dir.path());
+        const quint64 expected = quint64(info.f_bavail) * info.f_frsize;
+        // Other processes write meanwhile; a few MiB either way is the same figure.
+        QVERIFY(qAbs(qint64(sampler.freeBytesForUser()) - qint64(expected)) < (16ll << 20));
+        QVERIFY(sampler.freeBytesForUser() <= quint64(info.f_bfree) * info.f_frsize);
+    }
 
-void LinuxSensorsTest::missingTreeGivesNothingThisMachineFigures()
-{
-    LinuxSampler missing(QStringLiteral("/nonexistent/proc"), QStringLiteral("/nonexistent/sys"),
-                         QStringLiteral("/nonexistent"));
-    quint64 a = 0, b = 0, c = 0;
-    QVERIFY(!missing.memoryStatus(&a, &b));
-    QVERIFY(!missing.systemTimes(&a, &b, &c));
-    QVERIFY(missing.interfaceTable().isEmpty());
-    QCOMPARE(missing.freeBytesForUser(), quint64(0));
+    void missingTreeGivesNothingThisMachineFigures()
+    {
+        LinuxSampler missing(QStringLiteral("/nonexistent/proc"),
+                             QStringLiteral("/nonexistent/sys"), QStringLiteral("/nonexistent"));
+        quint64 a = 0, b = 0, c = 0;
+        QVERIFY(!missing.memoryStatus(&a, &b));
+        QVERIFY(!missing.systemTimes(&a, &b, &c));
+        QVERIFY(missing.interfaceTable().isEmpty());
+        QCOMPARE(missing.freeBytesForUser(), quint64(0));
 
-    // This machine's own tree, where the sampler looks by default.
-    LinuxSampler live;
-    QVERIFY(live.memoryStatus(&a, &b) && a > 0 && b <= a);
-    QVERIFY(live.systemTimes(&a, &b, &c) && b >= a);
-    QVERIFY(live.freeBytesForUser() > 0);
-}
+        // This machine's own tree, where the sampler looks by default.
+        LinuxSampler live;
+        QVERIFY(live.memoryStatus(&a, &b) && a > 0 && b <= a);
+        QVERIFY(live.systemTimes(&a, &b, &c) && b >= a);
+        QVERIFY(live.freeBytesForUser() > 0);
+    }
+};
 
 QTEST_GUILESS_MAIN(LinuxSensorsTest)
 #include "tst_linuxsensors.moc"
