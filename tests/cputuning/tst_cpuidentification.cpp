@@ -290,16 +290,9 @@ private slots:
         QCOMPARE(ui.pushButton->isEnabled(), supported);
         // Nothing goes to the processor until Apply.
         QVERIFY(w.fake.log->withPrefix("process:").isEmpty());
-        QCOMPARE(w.fake.dialogs->shown.size(), supported ? 0 : 1);
-        if (supported)
-            return;
-        const FakeDialogs::Shown &shown = w.fake.dialogs->shown.first();
-        QCOMPARE(shown.icon, QMessageBox::Question);
-        QCOMPARE(shown.title, QStringLiteral("CPU Information"));
-        QCOMPARE(shown.text,
-                 QStringLiteral("Sorry but your CPU is not supported yet.\nPlease give us "
-                                "some more time to tune it!\n"));
-        QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        const QString sorry = "Question | CPU Information | Sorry but your CPU is not supported "
+                              "yet.\nPlease give us some more time to tune it!\n | Ok";
+        QCOMPARE(w.fake.dialogs->lines(), supported ? QStringList() : QStringList(sorry));
     }
 };
 

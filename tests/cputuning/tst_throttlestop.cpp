@@ -125,10 +125,8 @@ private slots:
         w.ui().Button_KillTS->click();
         QCOMPARE(w.fake.log->entries.mid(1),
                  QStringList({"start: taskkill /f /im ThrottleStop.exe", "message: ThrottleStop"}));
-        QCOMPARE(w.lastMessage(), QStringLiteral("All instances of ThrottleStop were killed.\n"));
-        QCOMPARE(w.fake.dialogs->shown.last().icon, QMessageBox::Information);
-        QCOMPARE(w.fake.dialogs->shown.last().buttons,
-                 QMessageBox::StandardButtons(QMessageBox::Ok));
+        QCOMPARE(w.fake.dialogs->lines().last(),
+                 "Information | ThrottleStop | All instances of ThrottleStop were killed.\n | Ok");
         QCOMPARE(w.status(), QStringLiteral("Status: TS is not running!"));
         QVERIFY(!w.ui().Button_KillTS->isEnabled());
     }

@@ -156,12 +156,11 @@ private slots:
         p.fake.panel->provider = false;
         p.setGeneral("enable_power_modes", true);
         p.window = std::make_unique<MainWindow>(p.fake.bundle());
-        QCOMPARE(p.fake.dialogs->shown.size(), 1);
-        const FakeDialogs::Shown &box = p.fake.dialogs->shown.first();
-        QCOMPARE(box.text, QStringLiteral("You do not seem to be using Control Center. For this "
-                                          "software to work we need to install a small dll for "
-                                          "it to work. Can we install it?.\n"));
-        QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
+        QCOMPARE(
+            p.fake.dialogs->lines(),
+            QStringList("Question | Control Center not installed | You do not seem to be using "
+                        "Control Center. For this software to work we need to install a small "
+                        "dll for it to work. Can we install it?.\n | Yes|No"));
         const QStringList steps = {
             "message: Control Center not installed", "run: net stop winmgmt /y",
             "copy: installer//CLEVOMOF.dll -> C://Windows//SysWOW64//clevomof.dll",

@@ -13,6 +13,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QMetaEnum>
 
 // Every fake that records into the shared log.
 struct Logged {
@@ -215,6 +216,19 @@ public:
         QString text;
         QMessageBox::StandardButtons buttons;
     };
+    // Every box shown as one line, "Icon | title | text | Buttons": "Question | Exit | Sure? |
+    // Yes|No".
+    QStringList lines() const
+    {
+        const QMetaEnum icons = QMetaEnum::fromType<QMessageBox::Icon>();
+        const QMetaEnum buttons = QMetaEnum::fromType<QMessageBox::StandardButtons>();
+        QStringList out;
+        for (const Shown &b : shown)
+            out << QStringLiteral("%1 | %2 | %3 | %4")
+                       .arg(QLatin1String(icons.valueToKey(b.icon)), b.title, b.text,
+                            QString(buttons.valueToKeys(int(b.buttons))).remove("|FirstButton"));
+        return out;
+    }
     QList<Shown> shown;
     QList<QMessageBox::StandardButton> answers;
     QStringList fileAnswers; // empty string = cancelled

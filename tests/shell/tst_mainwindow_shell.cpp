@@ -161,16 +161,11 @@ private slots:
         p.ui().closeButton->click();
         p.window->systemtray_exit();
         QVERIFY(p.window->isVisible());
-        const auto &shown = p.fake.dialogs->shown;
-        QCOMPARE(shown.size(), 2);
-        QCOMPARE(shown[0].title, QStringLiteral("Fan Control"));
-        QCOMPARE(shown[0].text, QStringLiteral("Are you sure you want to quit? If you do all "
-                                               "background functions will be terminated.\n"));
-        QCOMPARE(shown[1].title, QStringLiteral("Varnel"));
-        QCOMPARE(shown[1].text, QStringLiteral("Are you sure you want to quit? If you do, Any "
-                                               "background functions will be closed.\n"));
-        QCOMPARE(shown[0].icon, QMessageBox::Question);
-        QCOMPARE(shown[0].buttons, QMessageBox::Yes | QMessageBox::No);
+        QCOMPARE(p.fake.dialogs->lines(),
+                 QStringList({"Question | Fan Control | Are you sure you want to quit? If you do "
+                              "all background functions will be terminated.\n | Yes|No",
+                              "Question | Varnel | Are you sure you want to quit? If you do, Any "
+                              "background functions will be closed.\n | Yes|No"}));
         p.ui().closeButton->click();
         QVERIFY(!p.window->isVisible());
     }
