@@ -12,9 +12,7 @@
 // The Linux monitoring backends: NVML for the GPU, /proc and /sys for the usage figures.
 class LinuxSensorsTest : public QObject {
     Q_OBJECT
-private slots:
 
-private:
     static QString tree(const char *name)
     {
         return QFINDTESTDATA(QStringLiteral("fixtures/") + QLatin1String(name) +
@@ -48,6 +46,7 @@ private:
     QList<void *> m_handles;
     FakeNvmlScript *m_script = nullptr;
 
+private slots:
     void init()
     {
         m_script = script("fakenvml");
