@@ -96,6 +96,7 @@ private slots:
         QTest::newRow("charging") << "battery-charging" << QString("Battery Charging") << "87%";
         QTest::newRow("full, beside a mouse battery")
             << "battery-full" << QString("Full Battery") << "100%";
+        QTest::newRow("low, on battery") << "battery-low" << QString("Low Battery") << "12%";
         QTest::newRow("absent: only a mouse battery") << "battery-absent" << QString("...") << "%";
     }
 
