@@ -9,16 +9,34 @@ class BatteryReadingsTest : public QObject {
     Q_OBJECT
 private slots:
 
-    void stateCodesHaveTheirTexts()
+    // Each state code's text, and the Linux status and level giving it (empty: none does).
+    void stateCodes_data()
     {
-        const QStringList texts =
-            QStringLiteral("...|On Battery|AC Power|Full Battery|Low Battery|Battery "
-                           "Critical|Battery Charging|Charging (High)|Charging (Low)|"
-                           "Charging (Critical)|...|Partially Charged|...")
-                .split(QLatin1Char('|'));
-        QCOMPARE(batteryStateText(-1), QStringLiteral("..."));
-        for (int code = 0; code < texts.size(); ++code)
-            QCOMPARE(batteryStateText(code), texts.at(code));
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<QString>("level");
+        // code|text|status|level, rows split by ';'
+        const QString rows("-1|...||;0|...||;1|On Battery|Discharging|Normal;2|AC Power|Not "
+                           "charging|Normal;2|AC Power|Unknown|;3|Full Battery|Full|Full;4|Low "
+                           "Battery|Discharging|Low;5|Battery Critical|Discharging|Critical;6|"
+                           "Battery Charging|Charging|Normal;7|Charging (High)|Charging|High;8|"
+                           "Charging (Low)|Charging|Low;9|Charging (Critical)|Charging|Critical;"
+                           "10|...||;11|Partially Charged||;12|...||");
+        for (const QString &row : rows.split(';')) {
+            const QStringList f = row.split('|');
+            QTest::newRow(qPrintable(row)) << f[0].toInt() << f[1] << f[2] << f[3];
+        }
+    }
+
+    void stateCodes()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, status);
+        QFETCH(QString, level);
+        QTEST(batteryStateText(code), "text");
+        if (!status.isEmpty())
+            QCOMPARE(batteryStatusCode(status, level), code);
     }
 
     void outputsAreParsed_data()
@@ -70,22 +88,6 @@ private slots:
                  QStringLiteral("BatteryStatus\r\n2\r\n"));
     }
 
-    void powerSupplyStatusMapsToBatteryCodes()
-    {
-        const struct {
-            const char *status, *level;
-            int code;
-        } rows[] = {{"Discharging", "Normal", 1},   {"Discharging", "Low", 4},
-                    {"Discharging", "Critical", 5}, {"Charging", "Normal", 6},
-                    {"Charging", "High", 7},        {"Charging", "Low", 8},
-                    {"Charging", "Critical", 9},    {"Full", "Full", 3},
-                    {"Not charging", "Normal", 2},  {"Unknown", "", 2}};
-        for (const auto &row : rows)
-            QVERIFY2(batteryStatusCode(QLatin1String(row.status), QLatin1String(row.level)) ==
-                         row.code,
-                     row.status);
-    }
-
     void linuxRowsAnswerInTheToolsShape_data()
     {
         QTest::addColumn<QString>("tree");
@@ -94,6 +96,7 @@ private slots:
         QTest::newRow("charging") << "battery-charging" << QString("Battery Charging") << "87%";
         QTest::newRow("full, beside a mouse battery")
             << "battery-full" << QString("Full Battery") << "100%";
+        QTest::newRow("low, on battery") << "battery-low" << QString("Low Battery") << "12%";
         QTest::newRow("absent: only a mouse battery") << "battery-absent" << QString("...") << "%";
     }
 

@@ -66,29 +66,6 @@ QVariant widgetSetting(const TestFolder &folder, const char *key)
     return folder.ini(QLatin1String(kWidgetFile), QLatin1String(key));
 }
 
-void scriptBattery(FakePlatform &fake, const QString &status, const QString &charge)
-{
-    fake.commands->asyncOutputs[QLatin1String(kStateQuery)] =
-        QStringLiteral("BatteryStatus  \r\r\n") + status + QStringLiteral("  \r\r\n\r\r\n");
-    fake.commands->asyncOutputs[QLatin1String(kChargeQuery)] =
-        QStringLiteral("EstimatedChargeRemaining  \r\r\n") + charge + QStringLiteral("  \r\r\n");
-}
-
-// One whole tick: the state query, the charge query 500 ms later, the display at 2000 ms.
-void batteryTick(BatteryWidget &widget, ManualScheduler &scheduler)
-{
-    widget.timeout_slot();
-    QCoreApplication::processEvents();
-    scheduler.advance(500);
-    QCoreApplication::processEvents();
-    scheduler.advance(1500);
-}
-
-float scale()
-{
-    return UsageWidget::screenScaleFactor();
-}
-
 } // namespace
 
 class DesktopWidgetsTest : public QObject {
@@ -101,31 +78,32 @@ private slots:
         FakePlatform fake;
         UsageWidget usage(fake.sampler);
         BatteryWidget battery(fake.bundle());
+        const float scale = UsageWidget::screenScaleFactor();
         for (QWidget *w : {static_cast<QWidget *>(&usage), static_cast<QWidget *>(&battery)}) {
             QVERIFY(w->windowFlags().testFlag(Qt::Tool));
             QVERIFY(w->windowFlags().testFlag(Qt::FramelessWindowHint));
             QVERIFY(w->testAttribute(Qt::WA_TranslucentBackground));
-            QCOMPARE(w->size(), QSize(int(800 * scale()), int(600 * scale())));
+            QCOMPARE(w->size(), QSize(int(800 * scale), int(600 * scale)));
             QCOMPARE(w->minimumSize(), w->maximumSize());
             QCOMPARE(labelSheets(w), kWhite);
             QCOMPARE(timerIntervals(w), QList<int>({1000, 1000}));
         }
         const char *order[] = {"processor", "memory", "disk", "upload", "download"};
         for (int i = 0; i < 5; ++i)
-            QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int(i * 20 * scale())));
-        QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(5 * scale())));
+            QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int(i * 20 * scale)));
+        QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(5 * scale)));
 
         usage.fontsize(10);
         battery.fontsize(10);
         for (int i = 0; i < 5; ++i) {
             QCOMPARE(label(&usage, order[i])->font().family(), QStringLiteral("Segoe UI"));
             QCOMPARE(label(&usage, order[i])->font().pointSize(), 10);
-            QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int((2 * i + 1) * 10 * scale())));
+            QCOMPARE(label(&usage, order[i])->pos(), QPoint(0, int((2 * i + 1) * 10 * scale)));
         }
         QCOMPARE(label(&battery, "state")->font().pointSize(), 10);
         QCOMPARE(label(&battery, "charge")->font().pointSize(), 18);
         QCOMPARE(label(&battery, "charge")->font().family(), QStringLiteral("Segoe UI"));
-        QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(14 * scale())));
+        QCOMPARE(label(&battery, "charge")->pos(), QPoint(0, int(14 * scale)));
 
         // 1 inverts, 0 restores, any other value leaves the colour as it is.
         const QList<QPair<int, QStringList>> colours = {{1, kBlack}, {7, kBlack}, {0, kWhite}};
@@ -249,7 +227,9 @@ private slots:
     {
         TestFolder folder;
         FakePlatform fake;
-        scriptBattery(fake, QStringLiteral("2"), QStringLiteral("87"));
+        auto &outputs = fake.commands->asyncOutputs;
+        outputs[kStateQuery] = QStringLiteral("BatteryStatus  \r\r\n2  \r\r\n\r\r\n");
+        outputs[kChargeQuery] = QStringLiteral("EstimatedChargeRemaining  \r\r\n87  \r\r\n");
         BatteryWidget widget(fake.bundle());
         const QString process = QStringLiteral("process: ");
         widget.timeout_slot();
@@ -274,10 +254,14 @@ private slots:
                                                        {"BatteryStatus  \r\r\n", shown},
                                                        {"BatteryStatus\r\n3\r\n", "Full Battery"}};
         for (const auto &state : states) {
-            fake.commands->asyncOutputs[QLatin1String(kStateQuery)] = state.first;
-            fake.commands->asyncOutputs[QLatin1String(kChargeQuery)] =
-                QStringLiteral("EstimatedChargeRemaining  \r\r\n");
-            batteryTick(widget, *fake.scheduler);
+            outputs[kStateQuery] = state.first;
+            outputs[kChargeQuery] = QStringLiteral("EstimatedChargeRemaining  \r\r\n");
+            // A whole tick: the state query, the charge query 500 ms later, the display at 2 s.
+            widget.timeout_slot();
+            QCoreApplication::processEvents();
+            fake.scheduler->advance(500);
+            QCoreApplication::processEvents();
+            fake.scheduler->advance(1500);
             QCOMPARE(text(&widget, "state"), state.second);
             QCOMPARE(text(&widget, "charge"), QStringLiteral("87%"));
         }

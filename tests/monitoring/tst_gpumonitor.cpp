@@ -11,13 +11,8 @@ using Card = FakeGpu::Card;
 
 Card runningCard(int celsius, unsigned load, unsigned coreMHz, unsigned memoryMHz, int pstate)
 {
-    Card c;
-    c.temperature = celsius;
-    c.loadPercent = load;
-    c.graphicsKHz = coreMHz * 1000 + 999; // kHz are cut, not rounded
-    c.memoryKHz = memoryMHz * 1000;
-    c.pstate = pstate;
-    return c;
+    // kHz are cut, not rounded
+    return {0, coreMHz * 1000 + 999, memoryMHz * 1000, 0, true, load, pstate, 0, celsius};
 }
 
 // The signals one GPU's pass emits, in order.
