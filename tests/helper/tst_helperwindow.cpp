@@ -29,52 +29,7 @@ struct CallRow {
     QByteArray content;
 };
 
-bool waitForReadChains(QSignalSpy &ends, int count)
-{
-    return QTest::qWaitFor([&] { return ends.count() >= count; }, 20000);
-}
-} // namespace
-
-Q_DECLARE_METATYPE(CallRow)
-
-// varnel-helper as the window reaches it, over a private system bus and a fake tree: started by
-// the bus, asking polkit on every call, carrying out the tuning client's chains.
-class TestHelperWindow : public QObject {
-    Q_OBJECT
-private slots:
-    void initTestCase();
-    void init();
-    void calls_data();
-    void calls();
-    void startupReadsAndApplyWritesUnlessRefused();
-    void missingHelperDisablesManageCpu();
-    void powerModeLimitsReachTheHelper();
-    void noAgentRefuses(); // last: polkit keeps asking for an agent from then on
-
-private:
-    static QDBusMessage call(const QString &method, const QVariantList &arguments = {});
-    // The real window over the Linux command table; its read chains' ends are counted.
-    static std::unique_ptr<QSignalSpy> startWindow(TestWindow &t, std::function<bool()> available);
-
-    FakeSysTree m_tree;
-    PrivateSystemBus m_bus;
-};
-
-void TestHelperWindow::initTestCase()
-{
-    QVERIFY(m_bus.start(m_tree.root()));
-}
-
-void TestHelperWindow::init()
-{
-    m_tree.putPstate();
-    m_tree.putRapl();
-    m_tree.putMsr(0, 0x1AD, 0x2E2E2F2F31313333ULL);
-    m_tree.putUsbDevice(QStringLiteral("1-6"), true);
-    m_bus.allow({helperaction::read, helperaction::tuning});
-}
-
-QDBusMessage TestHelperWindow::call(const QString &method, const QVariantList &arguments)
+QDBusMessage call(const QString &method, const QVariantList &arguments = {})
 {
     QDBusMessage message = QDBusMessage::createMethodCall(
         QStringLiteral("org.varnel.Helper"), QStringLiteral("/org/varnel/Helper"),
@@ -83,8 +38,8 @@ QDBusMessage TestHelperWindow::call(const QString &method, const QVariantList &a
     return QDBusConnection::systemBus().call(message, QDBus::Block, 20000);
 }
 
-std::unique_ptr<QSignalSpy> TestHelperWindow::startWindow(TestWindow &t,
-                                                          std::function<bool()> available)
+// The real window over the Linux command table; its read chains' ends are counted.
+std::unique_ptr<QSignalSpy> startWindow(TestWindow &t, std::function<bool()> available)
 {
     auto helper = std::make_shared<HelperClient>(std::move(available));
     auto table = std::make_shared<CommandTable>();
@@ -96,129 +51,159 @@ std::unique_ptr<QSignalSpy> TestHelperWindow::startWindow(TestWindow &t,
     t.window = std::make_unique<MainWindow>(bundle);
     return std::make_unique<QSignalSpy>(t.window->cpuTuning(), &CpuTuning::readChainFinished);
 }
+} // namespace
 
-void TestHelperWindow::calls_data()
-{
-    QTest::addColumn<CallRow>("row");
-    const QString none, refused = helpererror::notAuthorized;
-    const QStringList limits{helperaction::processorLimits}, tuning{helperaction::tuning};
-    const QString maxPct = pstate + "max_perf_pct";
-    QTest::newRow("processor maximum, authorised")
-        << CallRow{limits, "SetProcessorMaximum", {70}, none, maxPct, "70"};
-    QTest::newRow("processor maximum, refused")
-        << CallRow{{}, "SetProcessorMaximum", {60}, refused, maxPct, "100"};
-    QTest::newRow("processor limits do not authorise tuning")
-        << CallRow{limits, "SetTurboPower", {35000u}, refused, longTermPower, "45000000"};
-    QTest::newRow("turbo power, authorised")
-        << CallRow{tuning, "SetTurboPower", {35000u}, none, longTermPower, "35000000"};
-    QTest::newRow("out of range though authorised") << CallRow{
-        tuning, "SetTurboPower", {5000000u}, helpererror::outOfRange, longTermPower, "45000000"};
-    QTest::newRow("camera off, authorised")
-        << CallRow{{helperaction::camera}, "SetCamera", {false}, none, camera, "0"};
-    QTest::newRow("camera, refused") << CallRow{tuning, "SetCamera", {false}, refused, camera, "1"};
-    QTest::newRow("reading needs its own yes")
-        << CallRow{tuning, "ReadPowerLimits", {}, refused, none, ""};
-}
+Q_DECLARE_METATYPE(CallRow)
 
-void TestHelperWindow::calls()
-{
-    QFETCH(CallRow, row);
-    m_bus.allow(row.allowed);
-    const QDBusMessage reply = call(row.method, row.arguments);
-    QCOMPARE(reply.type() == QDBusMessage::ErrorMessage ? reply.errorName() : QString(), row.error);
-    if (!row.file.isEmpty())
-        QCOMPARE(m_tree.get(row.file), row.content);
-}
+// varnel-helper as the window reaches it, over a private system bus and a fake tree: started by
+// the bus, asking polkit on every call, carrying out the tuning client's chains.
+class TestHelperWindow : public QObject {
+    Q_OBJECT
 
-void TestHelperWindow::noAgentRefuses()
-{
-    m_bus.allow({helperaction::read});
-    const QDBusReply<uint> power = call(QStringLiteral("ReadPowerLimits"));
-    QVERIFY2(power.isValid(), qPrintable(power.error().message()));
-    QCOMPARE(power.value(), 45000u);
+    FakeSysTree m_tree;
+    PrivateSystemBus m_bus;
 
-    m_bus.withoutAgent();
-    const QDBusMessage reply = call(QStringLiteral("SetTurboPower"), {40000u});
-    QCOMPARE(reply.errorName(), helpererror::notAuthorized);
-    QVERIFY(reply.errorMessage().contains(QLatin1String("no authentication agent")));
-    QCOMPARE(m_tree.get(longTermPower), QByteArray("45000000"));
-}
+private slots:
+    void initTestCase() { QVERIFY(m_bus.start(m_tree.root())); }
 
-void TestHelperWindow::startupReadsAndApplyWritesUnlessRefused()
-{
-    TestWindow t;
-    t.setGeneral("DontManageCPU", true);
-    auto chainEnds = startWindow(t, systemHelperAvailable);
-    QVERIFY(waitForReadChains(*chainEnds, 1));
-    Ui::MainWindow &ui = t.ui();
-    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("45W"));
-    QCOMPARE(ui.Slider_TurboBoost->value(), 360);
-    QCOMPARE(ui.Slider_TurboTime->value(), 28);
-    QCOMPARE(ui.Core1Spin->value(), 51);
-    QVERIFY(ui.checkBox_DontManageCPU->isEnabled());
-    // A plain file answers no mailbox: the offset cannot be read here, and the tab says so.
-    QCOMPARE(ui.Label_UnderVolt_Value->text(), QStringLiteral("-000mV"));
-    QVERIFY(ui.frame_2->toolTip().contains(QLatin1String("voltage offset")));
+    void init()
+    {
+        m_tree.putPstate();
+        m_tree.putRapl();
+        m_tree.putMsr(0, 0x1AD, 0x2E2E2F2F31313333ULL);
+        m_tree.putUsbDevice(QStringLiteral("1-6"), true);
+        m_bus.allow({helperaction::read, helperaction::tuning});
+    }
 
-    ui.Slider_TurboBoost->setValue(284); // 35.5 W
-    ui.Slider_TurboTime->setValue(56);
-    ui.Core1Spin->setValue(45);
-    ui.Button_ApplyValues->click();
-    QVERIFY(waitForReadChains(*chainEnds, 2));
-    QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
-    QCOMPARE(m_tree.get(window), QByteArray("56000000"));
-    QCOMPARE(m_tree.msr(0, 0x1AD), 0x2E2E2F2F3131332DULL);
-    // What was read back is what the tab shows.
-    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
-    QCOMPARE(t.window->cpuTuning()->readTurboTime, 56);
+    void calls_data()
+    {
+        QTest::addColumn<CallRow>("row");
+        const QString none, refused = helpererror::notAuthorized;
+        const QStringList limits{helperaction::processorLimits}, tuning{helperaction::tuning};
+        const QString maxPct = pstate + "max_perf_pct";
+        QTest::newRow("processor maximum, authorised")
+            << CallRow{limits, "SetProcessorMaximum", {70}, none, maxPct, "70"};
+        QTest::newRow("processor maximum, refused")
+            << CallRow{{}, "SetProcessorMaximum", {60}, refused, maxPct, "100"};
+        QTest::newRow("processor limits do not authorise tuning")
+            << CallRow{limits, "SetTurboPower", {35000u}, refused, longTermPower, "45000000"};
+        QTest::newRow("turbo power, authorised")
+            << CallRow{tuning, "SetTurboPower", {35000u}, none, longTermPower, "35000000"};
+        QTest::newRow("out of range though authorised")
+            << CallRow{tuning,        "SetTurboPower", {5000000u}, helpererror::outOfRange,
+                       longTermPower, "45000000"};
+        QTest::newRow("camera off, authorised")
+            << CallRow{{helperaction::camera}, "SetCamera", {false}, none, camera, "0"};
+        QTest::newRow("camera, refused")
+            << CallRow{tuning, "SetCamera", {false}, refused, camera, "1"};
+        QTest::newRow("reading needs its own yes")
+            << CallRow{tuning, "ReadPowerLimits", {}, refused, none, ""};
+    }
 
-    // Refused: nothing changes, and the tab says why.
-    m_bus.allow({helperaction::read});
-    ui.Slider_TurboBoost->setValue(240);
-    ui.Button_ApplyValues->click();
-    QVERIFY(waitForReadChains(*chainEnds, 3));
-    QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
-    QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
-    QVERIFY2(ui.frame_2->toolTip().contains(QLatin1String("Not allowed")),
-             qPrintable(ui.frame_2->toolTip()));
-}
+    void calls()
+    {
+        QFETCH(CallRow, row);
+        m_bus.allow(row.allowed);
+        const QDBusMessage reply = call(row.method, row.arguments);
+        QCOMPARE(reply.type() == QDBusMessage::ErrorMessage ? reply.errorName() : QString(),
+                 row.error);
+        if (!row.file.isEmpty())
+            QCOMPARE(m_tree.get(row.file), row.content);
+    }
 
-void TestHelperWindow::missingHelperDisablesManageCpu()
-{
-    TestWindow t;
-    t.setGeneral("DontManageCPU", false);
-    startWindow(t, [] { return false; });
-    QVERIFY(!t.ui().checkBox_DontManageCPU->isEnabled());
-    QVERIFY(t.ui().checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
-}
+    void startupReadsAndApplyWritesUnlessRefused()
+    {
+        TestWindow t;
+        t.setGeneral("DontManageCPU", true);
+        auto chainEnds = startWindow(t, systemHelperAvailable);
+        QTRY_VERIFY_WITH_TIMEOUT(chainEnds->count() >= 1, 20000);
+        Ui::MainWindow &ui = t.ui();
+        QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("45W"));
+        QCOMPARE(ui.Slider_TurboBoost->value(), 360);
+        QCOMPARE(ui.Slider_TurboTime->value(), 28);
+        QCOMPARE(ui.Core1Spin->value(), 51);
+        QVERIFY(ui.checkBox_DontManageCPU->isEnabled());
+        // A plain file answers no mailbox: the offset cannot be read here, and the tab says so.
+        QCOMPARE(ui.Label_UnderVolt_Value->text(), QStringLiteral("-000mV"));
+        QVERIFY(ui.frame_2->toolTip().contains(QLatin1String("voltage offset")));
 
-void TestHelperWindow::powerModeLimitsReachTheHelper()
-{
-    m_bus.allow({helperaction::read, helperaction::processorLimits});
-    TestWindow t;
-    t.setGeneral("DontManageCPU", true);
-    startWindow(t, systemHelperAvailable);
-    Ui::MainWindow &ui = t.ui();
-    auto apply = [&](const char *slot) { return QMetaObject::invokeMethod(t.window.get(), slot); };
-    ui.silent_cpu_min->setValue(30);
-    ui.silent_cpu_max->setValue(70);
-    QVERIFY(apply("ApplyCpuMin") && apply("ApplyCpuMax"));
-    QCOMPARE(m_tree.get(pstate + QStringLiteral("min_perf_pct")), QByteArray("30"));
-    QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
-    QVERIFY(ui.silent_cpu_max->toolTip().isEmpty());
+        ui.Slider_TurboBoost->setValue(284); // 35.5 W
+        ui.Slider_TurboTime->setValue(56);
+        ui.Core1Spin->setValue(45);
+        ui.Button_ApplyValues->click();
+        QTRY_VERIFY_WITH_TIMEOUT(chainEnds->count() >= 2, 20000);
+        QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
+        QCOMPARE(m_tree.get(window), QByteArray("56000000"));
+        QCOMPARE(m_tree.msr(0, 0x1AD), 0x2E2E2F2F3131332DULL);
+        // What was read back is what the tab shows.
+        QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
+        QCOMPARE(t.window->cpuTuning()->readTurboTime, 56);
 
-    // Refused: the mode keeps its setting, and the slider says it is not in force.
-    m_bus.allow({helperaction::read});
-    ui.silent_cpu_max->setValue(50);
-    QVERIFY(apply("ApplyCpuMax"));
-    QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
-    QVERIFY2(ui.silent_cpu_max->toolTip().startsWith(QLatin1String("Not applied: Not allowed")),
-             qPrintable(ui.silent_cpu_max->toolTip()));
-    QCOMPARE(ui.Cpu_Maximum_Label->toolTip(), ui.silent_cpu_max->toolTip());
-    m_bus.allow({helperaction::read, helperaction::processorLimits});
-    QVERIFY(apply("ApplyCpuMax"));
-    QVERIFY(ui.silent_cpu_max->toolTip().isEmpty());
-}
+        // Refused: nothing changes, and the tab says why.
+        m_bus.allow({helperaction::read});
+        ui.Slider_TurboBoost->setValue(240);
+        ui.Button_ApplyValues->click();
+        QTRY_VERIFY_WITH_TIMEOUT(chainEnds->count() >= 3, 20000);
+        QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
+        QCOMPARE(ui.Label_TurboPowerValue->text(), QStringLiteral("35.5W"));
+        QVERIFY2(ui.frame_2->toolTip().contains(QLatin1String("Not allowed")),
+                 qPrintable(ui.frame_2->toolTip()));
+    }
+
+    void missingHelperDisablesManageCpu()
+    {
+        TestWindow t;
+        t.setGeneral("DontManageCPU", false);
+        startWindow(t, [] { return false; });
+        QVERIFY(!t.ui().checkBox_DontManageCPU->isEnabled());
+        QVERIFY(t.ui().checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
+    }
+
+    void powerModeLimitsReachTheHelper()
+    {
+        m_bus.allow({helperaction::read, helperaction::processorLimits});
+        TestWindow t;
+        t.setGeneral("DontManageCPU", true);
+        startWindow(t, systemHelperAvailable);
+        Ui::MainWindow &ui = t.ui();
+        auto apply = [&](const char *slot) {
+            return QMetaObject::invokeMethod(t.window.get(), slot);
+        };
+        ui.silent_cpu_min->setValue(30);
+        ui.silent_cpu_max->setValue(70);
+        QVERIFY(apply("ApplyCpuMin") && apply("ApplyCpuMax"));
+        QCOMPARE(m_tree.get(pstate + QStringLiteral("min_perf_pct")), QByteArray("30"));
+        QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
+        QVERIFY(ui.silent_cpu_max->toolTip().isEmpty());
+
+        // Refused: the mode keeps its setting, and the slider says it is not in force.
+        m_bus.allow({helperaction::read});
+        ui.silent_cpu_max->setValue(50);
+        QVERIFY(apply("ApplyCpuMax"));
+        QCOMPARE(m_tree.get(pstate + QStringLiteral("max_perf_pct")), QByteArray("70"));
+        QVERIFY2(ui.silent_cpu_max->toolTip().startsWith(QLatin1String("Not applied: Not allowed")),
+                 qPrintable(ui.silent_cpu_max->toolTip()));
+        QCOMPARE(ui.Cpu_Maximum_Label->toolTip(), ui.silent_cpu_max->toolTip());
+        m_bus.allow({helperaction::read, helperaction::processorLimits});
+        QVERIFY(apply("ApplyCpuMax"));
+        QVERIFY(ui.silent_cpu_max->toolTip().isEmpty());
+    }
+
+    // Last: polkit keeps asking for an agent from then on.
+    void noAgentRefuses()
+    {
+        m_bus.allow({helperaction::read});
+        const QDBusReply<uint> power = call(QStringLiteral("ReadPowerLimits"));
+        QVERIFY2(power.isValid(), qPrintable(power.error().message()));
+        QCOMPARE(power.value(), 45000u);
+
+        m_bus.withoutAgent();
+        const QDBusMessage reply = call(QStringLiteral("SetTurboPower"), {40000u});
+        QCOMPARE(reply.errorName(), helpererror::notAuthorized);
+        QVERIFY(reply.errorMessage().contains(QLatin1String("no authentication agent")));
+        QCOMPARE(m_tree.get(longTermPower), QByteArray("45000000"));
+    }
+};
 
 QTEST_MAIN(TestHelperWindow)
 #include "tst_helperwindow.moc"
