@@ -125,27 +125,22 @@ private slots:
         QTest::addColumn<LimitRow>("row");
         const QString power = "0_power_limit_uw=", window = "0_time_window_us=";
         const QString shortTerm = "1_power_limit_uw=", locked = helpererror::locked;
-        QTest::newRow("turbo power") << LimitRow{"", "power", 35500, none, 0, {power + "35500000"}};
-        QTest::newRow("unlimited")
-            << LimitRow{"", "power", 4095875, none, 0, {power + "4095875000"}};
-        QTest::newRow("turbo time")
-            << LimitRow{"", "window", 56000, none, 0, {window + "56000000"}};
-        QTest::newRow("short-term")
-            << LimitRow{"", "short", 60000, none, 0, {shortTerm + "60000000"}};
-        QTest::newRow("power 999 mW") << LimitRow{"", "power", 999, range, 0, {power + "45000000"}};
-        QTest::newRow("power above 4096 W")
-            << LimitRow{"", "power", 4096001, range, 0, {power + "45000000"}};
-        QTest::newRow("short-term 0")
-            << LimitRow{"", "short", 0, range, 0, {shortTerm + "90000000"}};
-        QTest::newRow("window 0") << LimitRow{"", "window", 0, range, 0, {window + "27983872"}};
-        QTest::newRow("window above 128 s")
-            << LimitRow{"", "window", 128001, range, 0, {window + "27983872"}};
-        QTest::newRow("locked power")
-            << LimitRow{"locked", "power", 35000, locked, 0, {power + "45000000"}};
-        QTest::newRow("locked window")
-            << LimitRow{"locked", "window", 8000, locked, 0, {window + "27983872"}};
-        QTest::newRow("no RAPL") << LimitRow{"none", "power", 35000, helpererror::notSupported,
-                                             0,      {}};
+        const auto row = [](const char *name, const char *setup, const char *verb, int value,
+                            const QString &error, const QStringList &files) {
+            QTest::newRow(name) << LimitRow{setup, verb, value, error, 0, files};
+        };
+        row("turbo power", "", "power", 35500, none, {power + "35500000"});
+        row("unlimited", "", "power", 4095875, none, {power + "4095875000"});
+        row("turbo time", "", "window", 56000, none, {window + "56000000"});
+        row("short-term", "", "short", 60000, none, {shortTerm + "60000000"});
+        row("power 999 mW", "", "power", 999, range, {power + "45000000"});
+        row("power above 4096 W", "", "power", 4096001, range, {power + "45000000"});
+        row("short-term 0", "", "short", 0, range, {shortTerm + "90000000"});
+        row("window 0", "", "window", 0, range, {window + "27983872"});
+        row("window above 128 s", "", "window", 128001, range, {window + "27983872"});
+        row("locked power", "locked", "power", 35000, locked, {power + "45000000"});
+        row("locked window", "locked", "window", 8000, locked, {window + "27983872"});
+        row("no RAPL", "none", "power", 35000, helpererror::notSupported, {});
     }
 
     void powerLimits()
