@@ -71,19 +71,8 @@ private slots:
         QCOMPARE(w.windowFlags() & (Qt::Window | Qt::FramelessWindowHint),
                  Qt::Window | Qt::FramelessWindowHint);
         const QStringList &history = fake.scheduler->history;
-        QVERIFY(history.indexOf("10000 StartApps") >= 0);
-        QVERIFY(history.indexOf("61000 tscheckstatus") > history.indexOf("10000 StartApps"));
-    }
-
-    void trayMenuWithPowerModes()
-    {
-        TestWindow p;
-        p.startWithPowerModes();
-        QCOMPARE(menuTexts(p.window->trayMenu()),
-                 QStringList({"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode", "---",
-                              "Show Window Center", "Exit"}));
-        QCOMPARE(p.window->trayActions().exit->parent(), p.window->trayIcon());
-        QVERIFY(!p.window->trayMenu()->parent());
+        const int startApps = history.indexOf("10000 StartApps");
+        QVERIFY(startApps >= 0 && history.indexOf("61000 tscheckstatus") > startApps);
     }
 
     void settingsBoxesRestoredAndWritten_data()
@@ -119,25 +108,26 @@ private slots:
                      R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)"}));
     }
 
-    void exitDialogBoxIsAsymmetric()
+    // The exit box is written on when ticked and only noted when cleared; with it and "close
+    // hides" the close button hides, and the size and place come back after a restart.
+    void closeSettingsSurviveARestart()
     {
         TestWindow p;
+        p.setGeneral("minimize_close", true);
         p.start();
         p.ui().Check_ExitDialog->click();
         QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
         p.ui().Check_ExitDialog->click();
         QCOMPARE(p.generalValue("Re-dontshowexitdiag"), QVariant("false"));
         QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        p.window->setGeometry(40, 50, 1500, 1720);
+        p.window->ShutdownQuit();
+        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
+        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
+
         p.start();
         QVERIFY(p.ui().Check_ExitDialog->isChecked());
-    }
-
-    void closeButtonWithBothBoxesHides()
-    {
-        TestWindow p;
-        p.setGeneral("minimize_close", true);
-        p.setGeneral("dontshowexitdiag", true);
-        p.start();
+        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
         p.window->show();
         CloseCounter counter;
         p.window->installEventFilter(&counter);
@@ -152,27 +142,10 @@ private slots:
         QVERIFY(p.fake.dialogs->shown.isEmpty());
     }
 
-    void closeQuestionsUseTheirOwnTexts()
+    void trayAndSecondStartShowTheWindowAndQuittingAsks()
     {
         TestWindow p;
         p.fake.dialogs->answers = {QMessageBox::No, QMessageBox::No, QMessageBox::Yes};
-        p.start();
-        p.window->show();
-        p.ui().closeButton->click();
-        p.window->systemtray_exit();
-        QVERIFY(p.window->isVisible());
-        QCOMPARE(p.fake.dialogs->lines(),
-                 QStringList({"Question | Fan Control | Are you sure you want to quit? If you do "
-                              "all background functions will be terminated.\n | Yes|No",
-                              "Question | Varnel | Are you sure you want to quit? If you do, Any "
-                              "background functions will be closed.\n | Yes|No"}));
-        p.ui().closeButton->click();
-        QVERIFY(!p.window->isVisible());
-    }
-
-    void trayActivationAndSecondStartShowTheWindow()
-    {
-        TestWindow p;
         p.start();
         MainWindow &w = *p.window;
         w.show();
@@ -187,18 +160,18 @@ private slots:
         w.show_hide(QSystemTrayIcon::DoubleClick);
         w.wakeFromSecondStart();
         QVERIFY(w.isVisible() && !w.isMinimized() && !w.isHiddenToTray());
-    }
 
-    void shutdownSavesGeometryAndState()
-    {
-        TestWindow p;
-        p.start();
-        p.window->setGeometry(40, 50, 1500, 1720);
-        p.window->ShutdownQuit();
-        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
-        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
-        p.start();
-        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
+        // Each way out asks with its own text; only a yes closes.
+        p.ui().closeButton->click();
+        w.systemtray_exit();
+        QVERIFY(w.isVisible());
+        QCOMPARE(p.fake.dialogs->lines(),
+                 QStringList({"Question | Fan Control | Are you sure you want to quit? If you do "
+                              "all background functions will be terminated.\n | Yes|No",
+                              "Question | Varnel | Are you sure you want to quit? If you do, Any "
+                              "background functions will be closed.\n | Yes|No"}));
+        p.ui().closeButton->click();
+        QVERIFY(!w.isVisible());
     }
 
     void brandingHighlightReachesThePalette_data()
@@ -258,6 +231,12 @@ private slots:
         p.fake.availability->programs["Remote.exe"] = QStringLiteral("no Remote");
         p.fake.availability->programs["FanControl.exe"] = QStringLiteral("no fans");
         p.startWithPowerModes();
+        // Power modes on: the tray offers them; the menu has no parent, the actions the tray's.
+        QCOMPARE(menuTexts(p.window->trayMenu()),
+                 QStringList({"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode", "---",
+                              "Show Window Center", "Exit"}));
+        QCOMPARE(p.window->trayActions().exit->parent(), p.window->trayIcon());
+        QVERIFY(!p.window->trayMenu()->parent());
         Ui::MainWindow &ui = p.ui();
         // The tuning subsystem enables its controls as its own state changes; they stay off.
         ui.checkBox_DontManageCPU->click();
