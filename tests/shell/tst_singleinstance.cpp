@@ -74,16 +74,14 @@ private:
         return m_probes.back().get();
     }
 
-    // Starts one probe that must become the first instance; returns its process id.
-    qint64 startPrimary(QProcess **out = nullptr)
+    // Starts one probe that must become the first instance; null if it did not say so.
+    QProcess *startPrimary()
     {
         QProcess *probe = startProbe();
-        if (out)
-            *out = probe;
         if (!probe->waitForReadyRead(15000))
-            return 0;
+            return nullptr;
         const QByteArray line = probe->readLine().trimmed();
-        return line.startsWith("primary ") ? line.mid(8).toLongLong() : 0;
+        return line.startsWith("primary ") && line.mid(8).toLongLong() > 0 ? probe : nullptr;
     }
 
     // A later start: it must hand over and end with status 0 while the first keeps running.
@@ -123,10 +121,8 @@ private:
 
     int runningProbes()
     {
-        int running = 0;
-        for (const auto &p : m_probes)
-            running += p->state() != QProcess::NotRunning ? 1 : 0;
-        return running;
+        return int(std::count_if(m_probes.begin(), m_probes.end(),
+                                 [](const auto &p) { return p->state() != QProcess::NotRunning; }));
     }
 
 private slots:
@@ -168,8 +164,8 @@ private slots:
     {
         QFETCH(bool, overKilledFirst);
         if (overKilledFirst) {
-            QProcess *first = nullptr;
-            QVERIFY(startPrimary(&first) > 0);
+            QProcess *first = startPrimary();
+            QVERIFY(first);
             first->kill();
             first->waitForFinished(5000);
             m_probes.clear();
@@ -226,7 +222,7 @@ private slots:
             ::kill(pid_t(deadPid), SIGKILL);
             QTRY_COMPARE(processState(deadPid), 'Z');
         } else {
-            QVERIFY(startPrimary(&first) > 0);
+            QVERIFY(first = startPrimary());
         }
         if (event == "killed") {
             first->kill();
@@ -246,7 +242,7 @@ private slots:
         for (int i = 0; i < 4; ++i)
             QVERIFY(QFile(m_temp->filePath(QString("other-%1").arg(i))).open(QIODevice::WriteOnly));
         if (!first)
-            QVERIFY(startPrimary(&first) > 0);
+            QVERIFY(first = startPrimary());
         QVERIFY(handsOver());
         QVERIFY(first->waitForReadyRead(5000));
         QCOMPARE(first->readLine().trimmed(), QByteArray("wake"));
@@ -270,7 +266,7 @@ private slots:
                         nobody->pw_gid) == 0);
         writeBlock(InstanceBlock{true, 0, 1});
 
-        QVERIFY(startPrimary() > 0);
+        QVERIFY(startPrimary());
         QVERIFY(handsOver());
         QCOMPARE(QFileInfo(blockFile()).ownerId(), uint(geteuid()));
     }
