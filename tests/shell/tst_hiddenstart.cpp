@@ -23,9 +23,15 @@ private slots:
     {
         holdWithNoSheet();
         TestWindow rig;
+        rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
+        rig.fake.availability->features[Feature::PanelBacklight] = QStringLiteral("no panel");
+        rig.setGeneral("start_hidden", true);
         rig.start();
         rig.window->SetStyle();
         QCOMPARE(qApp->styleSheet(), QString());
+        // The desktop's settings wait too; the machine's own are applied at once.
+        QVERIFY(!rig.ui().PowerModeBrightSlider->isEnabled());
+        QVERIFY(rig.ui().Radio_TouchpadON->isEnabled());
         // Nor are its pages laid out: a label on the first page keeps its unlaid size.
         QCOMPARE(rig.ui().Label_Brightness->geometry(), QRect(0, 0, 100, 30));
         rig.window->show();
@@ -34,6 +40,8 @@ private slots:
         QVERIFY(rig.ui().tab->layout()->isEnabled());
         QVERIFY(!StyleSheetHold::held());
         QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
+        QVERIFY(!rig.ui().Radio_TouchpadON->isEnabled());
+        QCOMPARE(rig.ui().Radio_TouchpadOFF->toolTip(), QStringLiteral("no switch"));
     }
 
     // The tray menu or a message box can be the first window shown.
@@ -49,20 +57,6 @@ private slots:
         menu.show();
         QVERIFY(!StyleSheetHold::held());
         QVERIFY(!qApp->styleSheet().isEmpty());
-    }
-
-    void desktopSettingsAskedWhenFirstShown()
-    {
-        TestWindow rig;
-        rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
-        rig.fake.availability->features[Feature::PanelBacklight] = QStringLiteral("no panel");
-        rig.setGeneral("start_hidden", true);
-        rig.start();
-        QVERIFY(!rig.ui().PowerModeBrightSlider->isEnabled()); // the machine's own: at once
-        QVERIFY(rig.ui().Radio_TouchpadON->isEnabled());
-        rig.window->show();
-        QVERIFY(!rig.ui().Radio_TouchpadON->isEnabled());
-        QCOMPARE(rig.ui().Radio_TouchpadOFF->toolTip(), QStringLiteral("no switch"));
     }
 
     void unheldStyleSetsTheSheet()
