@@ -50,49 +50,42 @@ private slots:
         QCOMPARE(p.fake.log->entries, QStringList());
     }
 
-    void chatButtonRule_data()
-    {
-        QTest::addColumn<QVariant>("show"); // invalid: key missing
-        QTest::addColumn<bool>("hidden");
-        QTest::newRow("true") << QVariant(true) << false;
-        QTest::newRow("false") << QVariant(false) << true;
-        QTest::newRow("missing") << QVariant() << true;
-        QTest::newRow("zero") << QVariant("0") << true;
-    }
-
-    void chatButtonRule()
-    {
-        QFETCH(QVariant, show);
-        TestWindow p;
-        p.folder.setIni(kBranding, "appname", "Brand");
-        if (show.isValid())
-            p.folder.setIni(kBranding, "showonlinechatbutton", show);
-        p.start();
-        QTEST(p.ui().Button_OnlineChat->isHidden(), "hidden");
-    }
-
-    void onlyQiraTurnsTheUpdaterIntoItsWebsite_data()
+    // The chat button's switch, and the one brand whose updater button opens its website instead
+    // (the brand word is case-sensitive).
+    void brandingSwitches_data()
     {
         QTest::addColumn<QString>("appname");
+        QTest::addColumn<QVariant>("chat"); // invalid: key missing
+        QTest::addColumn<bool>("chatHidden");
         QTest::addColumn<QString>("style");
         QTest::addColumn<QString>("label");
         QTest::addColumn<QString>("started");
-        QTest::newRow("QIRA") << "QIRA Control"
+        auto row = [](const char *name, const char *appname, const QVariant &chat, bool hidden) {
+            QTest::newRow(name) << appname << chat << hidden << QString() << "Updater"
+                                << "shown 4: Updater.exe";
+        };
+        row("chat true", "Brand", true, false);
+        row("chat false", "Brand", false, true);
+        row("chat missing", "Brand", QVariant(), true);
+        row("chat zero", "Brand", "0", true);
+        row("Qira", "Qira Control", QVariant(), true);
+        QTest::newRow("QIRA") << "QIRA Control" << QVariant() << true
                               << "border-image: url(branding/qira.png);"
                               << "Website"
                               << "open url: https://qira.example/";
-        // The brand word is case-sensitive.
-        QTest::newRow("Qira") << "Qira Control" << QString() << "Updater"
-                              << "shown 4: Updater.exe";
     }
 
-    void onlyQiraTurnsTheUpdaterIntoItsWebsite()
+    void brandingSwitches()
     {
         QFETCH(QString, appname);
+        QFETCH(QVariant, chat);
         TestWindow p;
         p.folder.setIni(kBranding, "appname", appname);
         p.folder.setIni(kBranding, "websiteURL", "https://qira.example/");
+        if (chat.isValid())
+            p.folder.setIni(kBranding, "showonlinechatbutton", chat);
         p.start();
+        QTEST(p.ui().Button_OnlineChat->isHidden(), "chatHidden");
         QTEST(p.ui().Button_Updater->styleSheet(), "style");
         QTEST(p.ui().Label_Updater->text(), "label");
         p.ui().Button_Updater->click();
