@@ -243,13 +243,10 @@ private slots:
         auto row = [](const char *name, quint32 left, quint32 right, quint32 percent) {
             QTest::newRow(name) << left << right << percent;
         };
-        row("silent", 0, 0, 0);
-        row("nominal", n, n, 100);
-        row("one side silent", n, 0, 100);
+        // Silence, nominal, one silent side and above nominal are read from the server above.
         row("right louder", n / 4, n / 2, 50);
         row("half step rounds up", 327, 0, 0);
         row("just over half", 0, 328, 1);
-        row("above nominal", n * 3 / 2, n * 3 / 2, 150);
     }
 
     void percentIsTheLoudestChannel()
@@ -270,13 +267,9 @@ private slots:
         auto row = [](const char *name, quint32 l, quint32 r, float level, quint32 nl, quint32 nr) {
             QTest::newRow(name) << l << r << level << nl << nr;
         };
-        row("balanced", n / 2, n / 2, 1.0f, n, n);
-        // Target 0.6 of 65536 is 39322: the louder channel takes it, the other keeps half of it.
+        // The server test above moves whole percents; here the exact values. Target 0.6 of 65536 is
+        // 39322: the louder channel takes it, the other keeps half of it.
         row("one to two", n / 4, n / 2, 0.6f, 19661, 39322);
-        row("from silence", 0, 0, 0.5f, n / 2, n / 2);
-        row("to silence", n, n / 2, 0.0f, 0, 0);
-        row("left full, right half", n, n / 2, 1.0f, n, n / 2);
-        row("above nominal", n * 2, n, 1.0f, n, n / 2);
         row("level clamped", n, n, 1.5f, n, n);
     }
 
