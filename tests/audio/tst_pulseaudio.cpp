@@ -3,7 +3,6 @@
 
 #include <QElapsedTimer>
 #include <QLocalServer>
-#include <QLocalSocket>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -19,34 +18,12 @@ namespace {
 const char kSink[] = "varnel_test";
 const char kDescription[] = "Varnel Test Output";
 
-pa_cvolume channels(std::initializer_list<pa_volume_t> values)
-{
-    pa_cvolume v{};
-    v.channels = static_cast<uint8_t>(values.size());
-    int i = 0;
-    for (pa_volume_t value : values)
-        v.values[i++] = value;
-    return v;
-}
-
 QString pactl(const QStringList &arguments)
 {
     QProcess p;
     p.start(QStringLiteral("pactl"), arguments);
     p.waitForFinished(10000);
     return QString::fromUtf8(p.readAllStandardOutput());
-}
-
-// The per-channel percentages pactl reports for the test sink, in channel order.
-QList<int> channelPercents()
-{
-    const QString text = pactl({QStringLiteral("get-sink-volume"), QLatin1String(kSink)});
-    QList<int> out;
-    QRegularExpressionMatchIterator it =
-        QRegularExpression(QStringLiteral("/\\s*(\\d+)%")).globalMatch(text.section('\n', 0, 0));
-    while (it.hasNext())
-        out << it.next().captured(1).toInt();
-    return out;
 }
 
 } // namespace
@@ -127,20 +104,16 @@ private slots:
         PulseAudioEndpoint endpoint;
         QTEST(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), "shown");
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::SetVolume, level, false), 0u);
-        QTEST(channelPercents(), "after");
+        // What another client sees, per channel in channel order.
+        const QString seen = pactl({QStringLiteral("get-sink-volume"), QLatin1String(kSink)});
+        QList<int> after;
+        auto it = QRegularExpression(QStringLiteral("/\\s*(\\d+)%"))
+                      .globalMatch(seen.section('\n', 0, 0));
+        while (it.hasNext())
+            after << it.next().captured(1).toInt();
+        QTEST(after, "after");
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false),
                  quint32(qRound(level * 100)));
-    }
-
-    void namesTheSinkAndMutesIt()
-    {
-        PulseAudioEndpoint endpoint;
-        QCOMPARE(endpoint.outputDeviceName(), QLatin1String(kDescription));
-        endpoint.volumeOperation(AudioEndpoint::SetMute, 0, true);
-        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 999u);
-        QVERIFY(pactl({QStringLiteral("get-sink-mute"), QLatin1String(kSink)}).contains("yes"));
-        endpoint.volumeOperation(AudioEndpoint::SetMute, 0, false);
-        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 111u);
     }
 
     // The library is loaded only where a server may answer; the same places libpulse looks.
@@ -202,9 +175,11 @@ private slots:
         {
             PulseAudioEndpoint endpoint;
             QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
-            QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 0u);
-            QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 0u);
-            QCOMPARE(endpoint.volumeOperation(AudioEndpoint::SetVolume, 0.5f, false), 0u);
+            QCOMPARE(
+                (QList<quint32>{endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false),
+                                endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false),
+                                endpoint.volumeOperation(AudioEndpoint::SetVolume, 0.5f, false)}),
+                (QList<quint32>{0, 0, 0}));
         }
         const qint64 none = timer.restart();
         QLocalServer silent;
@@ -222,63 +197,64 @@ private slots:
         QVERIFY2(next < 50, qPrintable(QString::number(next)));
     }
 
-    // Last: the sink goes away.
-    void noSinkMeansNoDevice()
+    // Last, as the sink goes away: its name and mute state, then no device without it.
+    void namesTheSinkMutesItAndLosesIt()
     {
         PulseAudioEndpoint endpoint;
         QCOMPARE(endpoint.outputDeviceName(), QLatin1String(kDescription));
+        endpoint.volumeOperation(AudioEndpoint::SetMute, 0, true);
+        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 999u);
+        QVERIFY(pactl({QStringLiteral("get-sink-mute"), QLatin1String(kSink)}).contains("yes"));
+        endpoint.volumeOperation(AudioEndpoint::SetMute, 0, false);
+        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 111u);
         pactl({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
-        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 0u);
-        QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false), 0u);
+        QCOMPARE((QList<quint32>{endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false),
+                                 endpoint.volumeOperation(AudioEndpoint::ReadMute, 0, false)}),
+                 (QList<quint32>{0, 0}));
         endpoint.volumeOperation(AudioEndpoint::SetMute, 0, true);
     }
 
-    void percentIsTheLoudestChannel_data()
+    // The shown percent is the loudest channel; a new level lands on it, the others keeping
+    // their share of it.
+    void loudestChannelIsTheLevel_data()
     {
         QTest::addColumn<quint32>("left");
         QTest::addColumn<quint32>("right");
         QTest::addColumn<quint32>("percent");
-        const quint32 n = PA_VOLUME_NORM;
-        auto row = [](const char *name, quint32 left, quint32 right, quint32 percent) {
-            QTest::newRow(name) << left << right << percent;
-        };
-        // Silence, nominal, one silent side and above nominal are read from the server above.
-        row("right louder", n / 4, n / 2, 50);
-        row("half step rounds up", 327, 0, 0);
-        row("just over half", 0, 328, 1);
-    }
-
-    void percentIsTheLoudestChannel()
-    {
-        QFETCH(quint32, left);
-        QFETCH(quint32, right);
-        QTEST(pulsevolume::percent(channels({left, right})), "percent");
-    }
-
-    void scalingKeepsTheBalance_data()
-    {
-        QTest::addColumn<quint32>("left");
-        QTest::addColumn<quint32>("right");
         QTest::addColumn<float>("level");
         QTest::addColumn<quint32>("newLeft");
         QTest::addColumn<quint32>("newRight");
         const quint32 n = PA_VOLUME_NORM;
-        auto row = [](const char *name, quint32 l, quint32 r, float level, quint32 nl, quint32 nr) {
-            QTest::newRow(name) << l << r << level << nl << nr;
+        auto row = [](const char *name, quint32 l, quint32 r, quint32 percent, float level,
+                      quint32 nl, quint32 nr) {
+            QTest::newRow(name) << l << r << percent << level << nl << nr;
         };
-        // The server test above moves whole percents; here the exact values. Target 0.6 of 65536 is
-        // 39322: the louder channel takes it, the other keeps half of it.
-        row("one to two", n / 4, n / 2, 0.6f, 19661, 39322);
-        row("level clamped", n, n, 1.5f, n, n);
+        row("from silence", 0, 0, 0, 0.5f, n / 2, n / 2);
+        row("balanced", n / 2, n / 2, 50, 1.0f, n, n);
+        row("level clamped", n, n, 100, 1.5f, n, n);
+        row("one side silent", n, 0, 100, 0.25f, n / 4, 0);
+        // Target 0.6 of 65536 is 39322: the louder channel takes it, the other keeps half of it.
+        row("one to two", n / 4, n / 2, 50, 0.6f, 19661, 39322);
+        row("to silence", n, n / 2, 100, 0.0f, 0, 0);
+        row("left full, right half", n, n / 2, 100, 1.0f, n, n / 2);
+        row("half step rounds up", 327, 0, 0, 1.0f, n, 0);
+        row("just over half", 0, 328, 1, 0.5f, 0, n / 2);
+        row("above nominal", n * 3 / 2, n * 3 / 2, 150, 1.0f, n, n);
+        row("above nominal, unbalanced", n * 2, n, 200, 1.0f, n, n / 2);
     }
 
-    void scalingKeepsTheBalance()
+    void loudestChannelIsTheLevel()
     {
+        pa_cvolume in{};
+        in.channels = 2;
         QFETCH(quint32, left);
         QFETCH(quint32, right);
         QFETCH(float, level);
-        const pa_cvolume out = pulsevolume::scaledTo(channels({left, right}), level);
+        in.values[0] = left;
+        in.values[1] = right;
+        QTEST(pulsevolume::percent(in), "percent");
+        const pa_cvolume out = pulsevolume::scaledTo(in, level);
         QCOMPARE(out.channels, uint8_t(2));
         QTEST(out.values[0], "newLeft");
         QTEST(out.values[1], "newRight");
@@ -286,35 +262,32 @@ private slots:
 
     // Headphones by port type, or by name where the port has no type; the name the volume tab
     // looks for follows.
-    void headphonePorts_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("available");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("headphones");
-        auto row = [](const char *tag, int type, int available, const char *name, bool yes) {
-            QTest::newRow(tag) << type << available << QString(name) << yes;
-        };
-        const int phones = PA_DEVICE_PORT_TYPE_HEADPHONES, speaker = PA_DEVICE_PORT_TYPE_SPEAKER;
-        const int yes = PA_PORT_AVAILABLE_YES;
-        row("plugged headphones", phones, yes, "analog-output", true);
-        row("no jack detection", phones, PA_PORT_AVAILABLE_UNKNOWN, "x", true);
-        row("unplugged", phones, PA_PORT_AVAILABLE_NO, "analog-output-headphones", false);
-        row("speaker", speaker, yes, "analog-output-speaker", false);
-        row("untyped, named", PA_DEVICE_PORT_TYPE_UNKNOWN, yes, "analog-output-headphones", true);
-        row("typed speaker named like one", speaker, yes, "headphone-speaker", false);
-    }
-
     void headphonePorts()
     {
-        QFETCH(int, type);
-        QFETCH(int, available);
-        QFETCH(QString, name);
-        QFETCH(bool, headphones);
-        QCOMPARE(pulsevolume::isHeadphonePort(type, available, name), headphones);
-        QCOMPARE(pulsevolume::deviceName(QStringLiteral("Built-in Audio"), headphones)
-                     .contains(QLatin1String("Headphones")),
-                 headphones);
+        const int phones = PA_DEVICE_PORT_TYPE_HEADPHONES, speaker = PA_DEVICE_PORT_TYPE_SPEAKER;
+        const int yes = PA_PORT_AVAILABLE_YES;
+        const struct {
+            const char *tag;
+            int type, available;
+            const char *name;
+            bool headphones;
+        } rows[] = {
+            {"plugged headphones", phones, yes, "analog-output", true},
+            {"no jack detection", phones, PA_PORT_AVAILABLE_UNKNOWN, "x", true},
+            {"unplugged", phones, PA_PORT_AVAILABLE_NO, "analog-output-headphones", false},
+            {"speaker", speaker, yes, "analog-output-speaker", false},
+            {"untyped, named", PA_DEVICE_PORT_TYPE_UNKNOWN, yes, "analog-output-headphones", true},
+            {"typed speaker named like one", speaker, yes, "headphone-speaker", false},
+        };
+        for (const auto &r : rows) {
+            QVERIFY2(pulsevolume::isHeadphonePort(r.type, r.available, QLatin1String(r.name)) ==
+                         r.headphones,
+                     r.tag);
+        }
+        QCOMPARE(pulsevolume::deviceName(QStringLiteral("Built-in Audio"), true),
+                 QStringLiteral("Built-in Audio (Headphones)"));
+        QCOMPARE(pulsevolume::deviceName(QStringLiteral("Built-in Audio"), false),
+                 QStringLiteral("Built-in Audio"));
     }
 
 private:

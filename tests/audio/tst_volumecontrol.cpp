@@ -19,52 +19,39 @@ const QString kSchemes = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes")
 
 QString eventKey(const QString &event)
 {
-    return QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes\\Apps\\.Default\\") + event +
-           QStringLiteral("\\.Current");
+    return kSchemes + QStringLiteral("\\Apps\\.Default\\") + event + QStringLiteral("\\.Current");
 }
 
-QString media(const char *file)
-{
-    return QStringLiteral("C:\\WINDOWS\\media\\") + QLatin1String(file) + QStringLiteral(".wav");
-}
-
-// The event table in writing order; an empty sound is an event the stock scheme leaves alone.
-QList<QPair<QString, QString>> eventTable()
-{
-    return {
-        {".Default", media("Windows Background")},
-        {"CriticalBatteryAlarm", media("Windows Foreground")},
-        {"DeviceConnect", media("Windows Hardware Insert")},
-        {"DeviceDisconnect", media("Windows Hardware Remove")},
-        {"DeviceFail", media("Windows Hardware Fail")},
-        {"FaxBeep", media("Windows Notify Email")},
-        {"LowBatteryAlarm", media("Windows Background")},
-        {"MailBeep", media("Windows Notify Email")},
-        {"MessageNudge", media("Windows Message Nudge")},
-        {"Notification.Default", media("Windows Notify System Generic")},
-        {"Notification.IM", media("Windows Notify Messaging")},
-        {"Notification.Mail", media("Windows Notify Email")},
-        {"Notification.Proximity", media("Windows Proximity Notification")},
-        {"Notification.Reminder", media("Windows Notify Calendar")},
-        {"Notification.SMS", media("Windows Notify Messaging")},
-        {"ProximityConnection", media("Windows Proximity Connection")},
-        {"SystemAsterisk", media("Windows Background")},
-        {"SystemExclamation", media("Windows Background")},
-        {"SystemHand", media("Windows Foreground")},
-        {"SystemNotification", media("Windows Background")},
-        {"WindowsLogon", QString()},
-        {"WindowsUAC", media("Windows User Account Control")},
-    };
-}
+// The event table in writing order with the stock sound of each, a file under C:\WINDOWS\media;
+// the log-on sound is left alone by the stock scheme.
+const char *const kEvents[][2] = {
+    {".Default", "Windows Background"},
+    {"CriticalBatteryAlarm", "Windows Foreground"},
+    {"DeviceConnect", "Windows Hardware Insert"},
+    {"DeviceDisconnect", "Windows Hardware Remove"},
+    {"DeviceFail", "Windows Hardware Fail"},
+    {"FaxBeep", "Windows Notify Email"},
+    {"LowBatteryAlarm", "Windows Background"},
+    {"MailBeep", "Windows Notify Email"},
+    {"MessageNudge", "Windows Message Nudge"},
+    {"Notification.Default", "Windows Notify System Generic"},
+    {"Notification.IM", "Windows Notify Messaging"},
+    {"Notification.Mail", "Windows Notify Email"},
+    {"Notification.Proximity", "Windows Proximity Notification"},
+    {"Notification.Reminder", "Windows Notify Calendar"},
+    {"Notification.SMS", "Windows Notify Messaging"},
+    {"ProximityConnection", "Windows Proximity Connection"},
+    {"SystemAsterisk", "Windows Background"},
+    {"SystemExclamation", "Windows Background"},
+    {"SystemHand", "Windows Foreground"},
+    {"SystemNotification", "Windows Background"},
+    {"WindowsLogon", nullptr},
+    {"WindowsUAC", "Windows User Account Control"},
+};
 
 QString setEntry(const QString &key, const QString &value)
 {
     return QStringLiteral("registry set: %1 Default = %2").arg(key, value);
-}
-
-QVariant eventValue(const FakePlatform &fake, const QString &event)
-{
-    return fake.registry->values.value(eventKey(event) + QStringLiteral("|Default"));
 }
 
 } // namespace
@@ -114,7 +101,8 @@ private slots:
         QCOMPARE(p.fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
     }
 
-    void sliderAndMuteWriteToTheDevice()
+    // The slider and the mute box write to the device; without one, both are disabled.
+    void volumeControlsFollowTheDevice()
     {
         TestWindow p;
         p.start();
@@ -134,6 +122,18 @@ private slots:
         QVERIFY(!p.fake.audio->muted);
         QCOMPARE(p.fake.log->entries,
                  QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
+
+        for (bool has : {false, true}) {
+            p.fake.audio->hasDevice = has;
+            p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
+            p.window->timerDone();
+            QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
+            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
+            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
+        }
+        p.fake.log->clear();
+        ui.Button_SoundSettings->click();
+        QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
     }
 
     void disabledSyncLeavesEveryVolumeWidgetAlone()
@@ -197,25 +197,7 @@ private slots:
         }
     }
 
-    void noDeviceDisablesTheVolumeControls()
-    {
-        TestWindow p;
-        p.start();
-        Ui::MainWindow &ui = p.ui();
-        for (bool has : {false, true}) {
-            p.fake.audio->hasDevice = has;
-            p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
-            p.window->timerDone();
-            QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
-            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
-            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
-        }
-        p.fake.log->clear();
-        ui.Button_SoundSettings->click();
-        QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
-    }
-
-    void storedVolumesAtStartAndFollowingTheirControls_data()
+    void storedVolumesAtStartAndAfter_data()
     {
         QTest::addColumn<int>("check");
         QTest::addColumn<QStringList>("writes");
@@ -223,17 +205,18 @@ private slots:
         QTest::newRow("unchecked") << 0 << QStringList();
     }
 
-    void storedVolumesAtStartAndFollowingTheirControls()
+    // The start volume is applied at start when checked; afterwards each stored volume follows
+    // its controls without touching the device by itself.
+    void storedVolumesAtStartAndAfter()
     {
         QFETCH(int, check);
-        QFETCH(QStringList, writes);
         TestWindow p;
         p.setGeneral(keys::volumeStartCheck, check);
         p.setGeneral(keys::startVolumeValue, 25);
         p.setGeneral(keys::sliderVolumeHeadphones, 35);
         p.window = std::make_unique<MainWindow>(p.fake.bundle());
         Ui::MainWindow &ui = p.ui();
-        QCOMPARE(audioWrites(p.fake.log), writes);
+        QTEST(audioWrites(p.fake.log), "writes");
         QCOMPARE(ui.Check_ApplyVolumeStart->isChecked(), check == 1);
         QCOMPARE(ui.Slider_StartVolume->isEnabled(), check == 1);
         QCOMPARE((QList<int>{ui.Slider_StartVolume->value(), ui.Slider_HeadphoneVolume->value()}),
@@ -242,50 +225,21 @@ private slots:
         QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("35%"));
         QVERIFY(!ui.Slider_HeadphoneVolume->isEnabled());
 
-        // Each box and slider stores its value; neither stored volume touches the device.
-        for (int click : {1, 2}) {
-            ui.Check_ApplyVolumeStart->click();
-            const bool on = (check + click) % 2 == 1;
-            QCOMPARE(p.generalValue(keys::volumeStartCheck).toInt(), on ? 1 : 0);
-            QCOMPARE(ui.Slider_StartVolume->isEnabled(), on);
-        }
-        ui.Slider_StartVolume->setValue(42);
-        QCOMPARE(p.generalValue(keys::startVolumeValue).toInt(), 42);
-        QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("42%"));
-        ui.Check_ApplyVolumeHeadphones->click();
-        QCOMPARE(p.generalValue(keys::volumeHeadphones).toInt(), 1);
-        QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
-        ui.Slider_HeadphoneVolume->setValue(17);
-        QCOMPARE(p.generalValue(keys::sliderVolumeHeadphones).toInt(), 17);
-        QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("17%"));
-        QCOMPARE(audioWrites(p.fake.log), writes);
-    }
-
-    // No sounds, then back to the stock scheme: the table in order; the log-on sound stays silent.
-    void choosingWritesTheTableInOrder()
-    {
-        TestWindow p;
-        p.fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), ".Default");
-        for (const auto &row : eventTable())
-            p.fake.registry->values.insert(eventKey(row.first) + "|Default", "custom.wav");
-        p.start();
-        QComboBox *combo = p.ui().comboBox_SoundCheme;
-        combo->setCurrentIndex(1);
-        QStringList silent{setEntry(kSchemes, ".None")};
-        for (const auto &row : eventTable())
-            silent << setEntry(eventKey(row.first), QString());
-        QCOMPARE(p.fake.log->entries, silent);
-
         p.fake.log->clear();
-        combo->setCurrentIndex(0);
-        QStringList stock{setEntry(kSchemes, ".Default")};
-        for (const auto &row : eventTable()) {
-            if (!row.second.isEmpty())
-                stock << setEntry(eventKey(row.first), row.second);
-            QCOMPARE(eventValue(p.fake, row.first).toString(), row.second);
-        }
-        QCOMPARE(stock.size(), 22);
-        QCOMPARE(p.fake.log->entries, stock);
+        ui.Check_ApplyVolumeStart->click();
+        ui.Slider_StartVolume->setValue(42);
+        ui.Check_ApplyVolumeHeadphones->click();
+        ui.Slider_HeadphoneVolume->setValue(17);
+        QCOMPARE((QList<int>{p.generalValue(keys::volumeStartCheck).toInt(),
+                             p.generalValue(keys::startVolumeValue).toInt(),
+                             p.generalValue(keys::volumeHeadphones).toInt(),
+                             p.generalValue(keys::sliderVolumeHeadphones).toInt()}),
+                 (QList<int>{1 - check, 42, 1, 17}));
+        QCOMPARE(ui.Slider_StartVolume->isEnabled(), check == 0);
+        QVERIFY(ui.Slider_HeadphoneVolume->isEnabled());
+        QCOMPARE(ui.Label_StartVolume->text(), QStringLiteral("42%"));
+        QCOMPARE(ui.Label_HeadphoneVolume->text(), QStringLiteral("17%"));
+        QCOMPARE(audioWrites(p.fake.log), QStringList());
     }
 
     void refreshFollowsTheMarker_data()
@@ -300,23 +254,34 @@ private slots:
     }
 
     // A refresh that lands on "no sounds" silences every event; an unchanged index writes nothing.
+    // Choosing the other scheme writes the table in order, the log-on sound left silent by both.
     void refreshFollowsTheMarker()
     {
         QFETCH(QVariant, marker);
         TestWindow p;
-        for (const auto &row : eventTable())
-            p.fake.registry->values.insert(eventKey(row.first) + "|Default", "ding.wav");
+        for (const auto &row : kEvents)
+            p.fake.registry->values.insert(eventKey(row[0]) + "|Default", "ding.wav");
         if (marker.isValid())
             p.fake.registry->values.insert(kSchemes + QStringLiteral("|Default"), marker);
         p.start();
         p.window->timerDone();
         QFETCH(int, index);
         QCOMPARE(p.ui().comboBox_SoundCheme->currentIndex(), index);
-        QCOMPARE(eventValue(p.fake, "MailBeep").toString(), index ? QString() : "ding.wav");
+        QCOMPARE(p.fake.registry->values.value(eventKey("MailBeep") + "|Default").toString(),
+                 index ? QString() : "ding.wav");
         p.fake.log->clear();
         p.window->GetSoundScheme();
-        p.window->GetSoundScheme();
-        QCOMPARE(p.fake.log->withPrefix(QStringLiteral("registry set")), QStringList());
+        QCOMPARE(p.fake.log->entries, QStringList());
+
+        QStringList silent{setEntry(kSchemes, ".None")}, stock{setEntry(kSchemes, ".Default")};
+        for (const auto &row : kEvents) {
+            silent << setEntry(eventKey(row[0]), QString());
+            if (row[1])
+                stock << setEntry(eventKey(row[0]),
+                                  QStringLiteral("C:\\WINDOWS\\media\\%1.wav").arg(row[1]));
+        }
+        p.ui().comboBox_SoundCheme->setCurrentIndex(1 - index);
+        QCOMPARE(p.fake.log->entries, index ? stock : silent);
     }
 };
 

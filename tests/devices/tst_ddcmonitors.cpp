@@ -7,6 +7,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <utility>
 
 namespace {
 
@@ -54,9 +55,7 @@ public:
     QStringList takeLog()
     {
         std::lock_guard<std::mutex> lock(mutex);
-        QStringList out;
-        out.swap(log);
-        return out;
+        return std::exchange(log, {});
     }
 
     std::mutex mutex;
@@ -76,6 +75,8 @@ class TestDdcMonitors : public QObject {
     Q_OBJECT
 
 private slots:
+    // Every monitor behind the screen, by connector or by EDID, is read, then written unless
+    // it already shows the value or cannot take it; the others are left alone.
     void readCompareWrite_data()
     {
         QTest::addColumn<bool>("readable");
@@ -83,7 +84,7 @@ private slots:
         QTest::addColumn<quint32>("maximum");
         QTest::addColumn<quint32>("value");
         QTest::addColumn<bool>("written");
-        QTest::newRow("new value") << true << 50u << 100u << 70u << true;
+        QTest::newRow("new value") << true << 50u << 100u << 30u << true;
         QTest::newRow("equal to current") << true << 70u << 100u << 70u << false;
         QTest::newRow("at maximum") << true << 10u << 80u << 80u << true;
         QTest::newRow("above maximum") << true << 10u << 80u << 81u << false;
@@ -98,28 +99,17 @@ private slots:
         QFETCH(quint32, value);
         QFETCH(bool, written);
         auto *bus = new ScriptedBus;
-        bus->monitors = {{DdcDisplay{4, "DP-1"}, readable, current, maximum}};
+        bus->monitors = {{DdcDisplay{3, "eDP-1"}},
+                         {DdcDisplay{4, "DP-1"}, readable, current, maximum},
+                         {DdcDisplay{5, "", "U2720Q", "ABC123"}},
+                         {DdcDisplay{6, "HDMI-A-1"}}};
         DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
         control.request(kExternal, 0x10, value);
         control.waitUntilIdle();
         QStringList log{"read 4 16"};
         if (written)
             log << QStringLiteral("write 4 16 %1").arg(value);
-        QCOMPARE(bus->takeLog(), log);
-    }
-
-    void everyMonitorBehindTheScreenIsSet()
-    {
-        auto *bus = new ScriptedBus;
-        bus->monitors = {{DdcDisplay{3, "eDP-1"}},
-                         {DdcDisplay{4, "DP-1"}},
-                         {DdcDisplay{5, "", "U2720Q", "ABC123"}},
-                         {DdcDisplay{6, "HDMI-A-1"}}};
-        DdcMonitorControl control{std::unique_ptr<DdcBus>(bus)};
-        control.request(kExternal, 0x10, 30);
-        control.waitUntilIdle();
-        QCOMPARE(bus->takeLog(),
-                 QStringList({"read 4 16", "write 4 16 30", "read 5 16", "write 5 16 30"}));
+        QCOMPARE(bus->takeLog(), log << "read 5 16" << QStringLiteral("write 5 16 %1").arg(value));
     }
 
     void rapidMovesCollapseIntoTheLast()
