@@ -2,6 +2,7 @@
 
 #include "gpu.h"
 
+#include <QDeadlineTimer>
 #include <QLoggingCategory>
 
 Q_LOGGING_CATEGORY(lcGpu, "varnel.gpu", QtInfoMsg)
@@ -40,17 +41,17 @@ void nvidia_api::run()
         // The one failed pass has shown the zeros; without a GPU nothing would ever change them.
         if (m_sensors->absentForGood())
             return;
-        sleepOneSecond();
+        sleepUntilNextPass();
         if (!running)
             return;
     }
 }
 
-void nvidia_api::sleepOneSecond()
+void nvidia_api::sleepUntilNextPass()
 {
     QMutexLocker lock(&m_sleepLock);
     if (running)
-        m_wake.wait(&m_sleepLock, 1000);
+        m_wake.wait(&m_sleepLock, QDeadlineTimer(m_interval));
 }
 
 void nvidia_api::reportFailure(const QString &message, bool unload)

@@ -5,6 +5,7 @@
 #include <QWaitCondition>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 
 class GpuSensors;
@@ -22,6 +23,8 @@ public:
     void pollOnce();
     // Ends the loop after the current pass, cutting its sleep short.
     void stop();
+    // Time between passes; one second unless a test needs a sleep only stop() can end.
+    void setPollInterval(std::chrono::milliseconds interval) { m_interval = interval; }
 
 signals:
     void GPU1TEMP(int value);
@@ -41,10 +44,11 @@ protected:
 private:
     void reportFailure(const QString &message, bool unload);
     void visitGpu(int index, bool *loadReport);
-    void sleepOneSecond();
+    void sleepUntilNextPass();
 
     std::shared_ptr<GpuSensors> m_sensors;
     std::atomic<bool> running{true};
+    std::chrono::milliseconds m_interval{1000};
 
     // Query results persist between calls: a failed utilisation query leaves the previous
     // figures, which the load step then reports.
