@@ -190,11 +190,13 @@ private slots:
         const qint64 first = timer.restart();
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 0u);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
-        const qint64 next = timer.elapsed();
         qputenv("PULSE_SERVER", saved);
         QVERIFY2(none < 1000, qPrintable(QString::number(none)));
         QVERIFY2(first >= 150 && first < 1500, qPrintable(QString::number(first)));
-        QVERIFY2(next < 50, qPrintable(QString::number(next)));
+        int attempts = 0;
+        while (silent.waitForNewConnection(0) && silent.nextPendingConnection())
+            ++attempts;
+        QCOMPARE(attempts, 1); // the later calls waited for the retry
     }
 
     // Last, as the sink goes away: its name and mute state, then no device without it.
