@@ -169,11 +169,13 @@ private slots:
             {"by EDID", "", "U2720Q", "ABC123", "XWAYLAND0", true},
             {"EDID without serial", "", "U2720Q", "", "XWAYLAND0", true},
             {"EDID other serial", "", "U2720Q", "ZZZ", "XWAYLAND0", false},
-            {"nothing known", "", "", "", "", false},
+            {"nothing known of either", "", "", "", "", false},
         };
         for (const auto &r : rows) {
-            const ScreenIdentity screen{r.screen, QStringLiteral("U2720Q"),
-                                        QStringLiteral("ABC123")};
+            const ScreenIdentity screen =
+                *r.screen
+                    ? ScreenIdentity{r.screen, QStringLiteral("U2720Q"), QStringLiteral("ABC123")}
+                    : ScreenIdentity{};
             const DdcDisplay display{1, r.connector, r.model, r.serial};
             QVERIFY2(ddc::sameMonitor(display, screen) == r.same, r.name);
         }
