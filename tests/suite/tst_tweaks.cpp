@@ -6,6 +6,12 @@
 
 namespace {
 
+const QString kControl = QStringLiteral(R"(HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\)");
+const QString kGraphicsDrivers = kControl + "GraphicsDrivers";
+const QString kSessionPower = kControl + R"(Session Manager\Power)";
+const QString kKeyboardClass = kControl + R"(Class\{4d36e96b-e325-11ce-bfc1-08002be10318})";
+const QString kMouseClass = kControl + R"(Class\{4d36e96f-e325-11ce-bfc1-08002be10318})";
+
 QString regKey(const QString &key, const char *name)
 {
     return key + QLatin1Char('|') + QLatin1String(name);
@@ -13,11 +19,11 @@ QString regKey(const QString &key, const char *name)
 
 QString keyboardFilters()
 {
-    return regKey(SystemTweaks::keyboardClassKey, "UpperFilters");
+    return regKey(kKeyboardClass, "UpperFilters");
 }
 QString mouseFilters()
 {
-    return regKey(SystemTweaks::mouseClassKey, "UpperFilters");
+    return regKey(kMouseClass, "UpperFilters");
 }
 
 } // namespace
@@ -67,10 +73,9 @@ private slots:
         QTest::addColumn<QStringList>("checked");
         QTest::addColumn<QStringList>("unchecked"); // what a second click does
         const QString set = QStringLiteral("registry set: "), remove = "registry remove: ";
-        const QString keyboard = SystemTweaks::keyboardClassKey,
-                      mouse = SystemTweaks::mouseClassKey;
-        const QString tdr = SystemTweaks::graphicsDriversKey + ' ';
-        const QString session = set + SystemTweaks::sessionPowerKey + " HiberbootEnabled = ";
+        const QString keyboard = kKeyboardClass, mouse = kMouseClass;
+        const QString tdr = kGraphicsDrivers + ' ';
+        const QString session = set + kSessionPower + " HiberbootEnabled = ";
         // Clean lists, or none at all, are not written again; unchecking only remembers.
         QTest::newRow("hotkey filter")
             << "check_hkfilter"
@@ -134,9 +139,9 @@ private slots:
         p.ui().CheckDisableFastStartup->click();
         // A number, so the Windows registry stores a DWORD; the fast-startup switch is text.
         const auto &values = p.fake.registry->values;
-        QCOMPARE(values.value(regKey(SystemTweaks::graphicsDriversKey, "TdrDelay")).userType(),
+        QCOMPARE(values.value(regKey(kGraphicsDrivers, "TdrDelay")).userType(),
                  int(QMetaType::Int));
-        QCOMPARE(values.value(regKey(SystemTweaks::sessionPowerKey, "HiberbootEnabled")),
+        QCOMPARE(values.value(regKey(kSessionPower, "HiberbootEnabled")),
                  QVariant(QStringLiteral("0")));
         QCOMPARE(p.fake.dialogs->shown.size(), 0);
         p.ui().checkBox_3->click();
@@ -173,7 +178,9 @@ private slots:
         p.fake.registry->machineSettings = false;
         p.start();
         QVERIFY(!p.ui().label_windows_only->isHidden());
-        QVERIFY(p.ui().label_windows_only->text().contains("Windows"));
+        QCOMPARE(p.ui().label_windows_only->text(),
+                 QStringLiteral("Windows only: the five fixes below change Windows settings and "
+                                "start Windows helper programs, so they are switched off here."));
         // Remembered all the same.
         p.ui().CheckTDRdelay->click();
         QCOMPARE(p.generalValue("TDRdelay").toString(), QStringLiteral("true"));
