@@ -130,8 +130,12 @@ private slots:
         ui.Slider_TurboBoost->setValue(284); // 35.5 W
         ui.Slider_TurboTime->setValue(56);
         ui.Core1Spin->setValue(45);
+        ui.undervolt_slider->setValue(50);
         ui.Button_ApplyValues->click();
         QTRY_VERIFY_WITH_TIMEOUT(chainEnds->count() >= 2, 20000);
+        // The offset's write reached the helper, which found no mailbox either.
+        QCOMPARE(ui.frame_2->toolTip(),
+                 QStringLiteral("This processor does not report a voltage offset."));
         QCOMPARE(m_tree.get(longTermPower), QByteArray("35500000"));
         QCOMPARE(m_tree.get(window), QByteArray("56000000"));
         QCOMPARE(m_tree.msr(0, 0x1AD), 0x2E2E2F2F3131332DULL);
@@ -157,6 +161,25 @@ private slots:
         startWindow(t, [] { return false; });
         QVERIFY(!t.ui().checkBox_DontManageCPU->isEnabled());
         QVERIFY(t.ui().checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
+    }
+
+    // The rows for 5 ... 8 active cores exist only on processors with that many cores.
+    void coresFromCpuinfo_data()
+    {
+        QTest::addColumn<QString>("cpuinfo");
+        QTest::addColumn<int>("cores");
+        QTest::newRow("four") << "processor\t: 0\ncpu cores\t: 4\nsiblings\t: 8\n" << 4;
+        QTest::newRow("six, no tab") << "cpu cores : 6" << 6;
+        QTest::newRow("more than eight") << "cpu cores\t: 16\n" << 8;
+        QTest::newRow("zero") << "cpu cores\t: 0\n" << 8;
+        QTest::newRow("not at a line's start") << "x cpu cores\t: 4\n" << 8;
+        QTest::newRow("absent") << "" << 8;
+    }
+
+    void coresFromCpuinfo()
+    {
+        QFETCH(QString, cpuinfo);
+        QTEST(tuningtable::coreCount(cpuinfo), "cores");
     }
 
     void powerModeLimitsReachTheHelper()
