@@ -4,10 +4,12 @@
 #include "linuxcommands.h"
 #include "outcome.h"
 #include "polkitauthority.h"
+#include "powercommands.h"
 #include "privatesystembus.h"
 #include "systemhelper.h"
 #include "testwindow.h"
 #include "tuningcommands.h"
+#include "xtuclient.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -161,6 +163,19 @@ private slots:
         startWindow(t, [] { return false; });
         QVERIFY(!t.ui().checkBox_DontManageCPU->isEnabled());
         QVERIFY(t.ui().checkBox_DontManageCPU->toolTip().contains(QLatin1String("varnel-helper")));
+    }
+
+    // Lines with nothing to do on Linux are still the table's, so none runs as a program.
+    void tableTakesTheLinesItIgnores()
+    {
+        CommandTable table;
+        auto helper = std::make_shared<HelperClient>([] { return false; });
+        addTuningCommands(table, helper);
+        addProcessorLimitCommands(table, helper);
+        for (const QString &line :
+             {xtu::serviceStart, xtu::serviceStop, xtu::driverInstaller,
+              powercmd::processorMinimum(30).dc, powercmd::processorMaximum(70).dc})
+            QVERIFY2(table.knows(line), qPrintable(line));
     }
 
     // The rows for 5 ... 8 active cores exist only on processors with that many cores.
