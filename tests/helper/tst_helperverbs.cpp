@@ -7,6 +7,8 @@
 
 #include <QtTest>
 
+#include <cstring>
+
 #include <optional>
 
 namespace {
@@ -50,6 +52,7 @@ struct LimitRow {
     QString error;
     int readBack;
     QStringList files;
+    QString message; // checked when given
 };
 struct RegisterRow {
     QString setup; // "mailbox", "locked" or "none"
@@ -85,24 +88,58 @@ private slots:
             "cpufreq-high-min", "max", 50, none, 50, {min0 + "1600000", max0 + "1600000"}};
         QTest::newRow("cpufreq minimum above the maximum stops at it")
             << LimitRow{"cpufreq-low-max", "min", 90, none, 50, {min0 + "1600000"}};
+        QTest::newRow("pstate switched off: cpufreq")
+            << LimitRow{"pstate-off", "max", 50, none, 50, {max0 + "1600000", maxPct + "100"}};
         for (int bad : {-1, 101}) {
+            const QString why = QStringLiteral("%1% is not a processor limit between 0 and 100%.");
             QTest::addRow("pstate minimum %d", bad)
-                << LimitRow{"pstate", "min", bad, range, 0, {minPct + "10"}};
+                << LimitRow{"pstate", "min", bad, range, 0, {minPct + "10"}, why.arg(bad)};
             QTest::addRow("cpufreq maximum %d", bad)
-                << LimitRow{"cpufreq", "max", bad, range, 0, {max0 + "3200000"}};
+                << LimitRow{"cpufreq", "max", bad, range, 0, {max0 + "3200000"}, why.arg(bad)};
         }
+        const QString unsupported = helpererror::notSupported;
         QTest::newRow("no frequency control")
-            << LimitRow{"none", "min", 50, helpererror::notSupported, 0, {}};
+            << LimitRow{"none",
+                        "min",
+                        50,
+                        unsupported,
+                        0,
+                        {},
+                        "This machine has no processor frequency control."};
+        QTest::newRow("pstate write refused")
+            << LimitRow{"pstate-unwritable",
+                        "min",
+                        25,
+                        helpererror::failed,
+                        0,
+                        {},
+                        "The kernel refused the processor minimum: " +
+                            QString::fromLocal8Bit(std::strerror(EISDIR)) + '.'};
+        QTest::newRow("no top frequency") << LimitRow{"cpufreq-no-top",
+                                                      "max",
+                                                      50,
+                                                      unsupported,
+                                                      0,
+                                                      {max0 + "3200000"},
+                                                      "The processor's top frequency is unknown."};
     }
 
     void processorLimits()
     {
         QFETCH(LimitRow, row);
         FakeSysTree tree;
-        if (row.setup == QLatin1String("pstate"))
+        if (row.setup.startsWith(QLatin1String("pstate")))
             tree.putPstate();
-        if (row.setup.startsWith(QLatin1String("cpufreq")))
+        if (row.setup == QLatin1String("pstate-unwritable")) { // a folder where the file was
+            QFile::remove(tree.root() + '/' + pstate + "min_perf_pct");
+            QVERIFY(QDir(tree.root()).mkpath(pstate + "min_perf_pct"));
+        }
+        if (row.setup == QLatin1String("pstate-off"))
+            tree.put(pstate + "status", "off\n");
+        if (row.setup.startsWith(QLatin1String("cpufreq")) || row.setup == "pstate-off")
             tree.putCpufreq();
+        if (row.setup == QLatin1String("cpufreq-no-top"))
+            tree.put(cpu0 + "cpuinfo_max_freq", "0\n");
         if (row.setup == QLatin1String("cpufreq-high-min"))
             tree.put(cpu0 + "scaling_min_freq", "2400000\n");
         if (row.setup == QLatin1String("cpufreq-low-max"))
@@ -114,6 +151,8 @@ private slots:
                                     ? limits.setMinimum(row.value, &back)
                                     : limits.setMaximum(row.value, &back);
         QCOMPARE(outcome.errorName, row.error);
+        if (!row.message.isEmpty())
+            QCOMPARE(outcome.message, row.message);
         if (row.error.isEmpty())
             QCOMPARE(back, row.readBack);
         for (const QString &file : row.files)
