@@ -219,28 +219,42 @@ private slots:
             Feature feature;
             bool probesSay;
             QString reason;
-        } rows[] = {{"backlight", Feature::PanelBacklight, true, ""},
-                    {"no backlight", Feature::PanelBacklight, false,
-                     "This screen has no backlight that can be adjusted."},
-                    {"gpu", Feature::NvidiaGpu, true, ""},
-                    {"no gpu", Feature::NvidiaGpu, false, "No NVIDIA GPU in this computer."},
-                    {"limits, helper", Feature::ProcessorLimits, true, ""},
-                    {"limits", Feature::ProcessorLimits, false, helper},
-                    {"lid shutdown, even with the helper", Feature::LidShutdown, true,
-                     "Linux sets the lid's action for every user and every power mode at once, so "
-                     "Varnel leaves it to the system settings."},
-                    {"camera", Feature::CameraSwitch, false, helper},
-                    {"tuning", Feature::CpuTuning, false, helper},
-                    {"windows fix", Feature::WindowsOnlyFix, true,
-                     "A Windows-only fix: Linux has no such setting."},
-                    {"super key", Feature::SuperKeyBlocker, true, ""},
-                    {"no super key", Feature::SuperKeyBlocker, false,
-                     QStringLiteral("Blocking the Super key needs") + desktop},
-                    {"no timeouts", Feature::ScreenTimeouts, false,
-                     QStringLiteral("Screen and sleep timeouts need") + desktop},
-                    {"no touchpad", Feature::TouchpadSwitch, false,
-                     QStringLiteral("Switching the touchpad needs") + desktop},
-                    {"adaptive brightness", Feature::AmbientLight, true, ""}};
+        } rows[] = {
+            {"backlight", Feature::PanelBacklight, true, ""},
+            {"no backlight", Feature::PanelBacklight, false,
+             "This screen has no backlight that can be adjusted."},
+            {"gpu", Feature::NvidiaGpu, true, ""},
+            {"no gpu", Feature::NvidiaGpu, false, "No NVIDIA GPU in this computer."},
+            {"limits, helper", Feature::ProcessorLimits, true, ""},
+            {"limits", Feature::ProcessorLimits, false, helper},
+            {"lid shutdown, even with the helper", Feature::LidShutdown, true,
+             "Linux sets the lid's action for every user and every power mode at once, so "
+             "Varnel leaves it to the system settings."},
+            {"camera", Feature::CameraSwitch, false, helper},
+            {"tuning", Feature::CpuTuning, false, helper},
+            {"windows fix", Feature::WindowsOnlyFix, true,
+             "A Windows-only fix: Linux has no such setting."},
+            {"super key", Feature::SuperKeyBlocker, true, ""},
+            {"no super key", Feature::SuperKeyBlocker, false,
+             QStringLiteral("Blocking the Super key needs") + desktop},
+            {"no timeouts", Feature::ScreenTimeouts, false,
+             QStringLiteral("Screen and sleep timeouts need") + desktop},
+            {"no touchpad", Feature::TouchpadSwitch, false,
+             QStringLiteral("Switching the touchpad needs") + desktop},
+            {"adaptive brightness", Feature::AmbientLight, true, ""},
+            {"no adaptive brightness", Feature::AmbientLight, false,
+             "This desktop has no adaptive brightness setting."},
+            {"no monitor channel", Feature::MonitorControl, false,
+             "External monitors cannot be controlled: that needs libddcutil and access "
+             "to /dev/i2c-* (the i2c group)."},
+            {"no event sounds", Feature::EventSounds, false,
+             "This desktop has no switch for its event sounds."},
+            {"keyboard light", Feature::KeyboardLight, true, ""},
+            {"no keyboard light", Feature::KeyboardLight, false, "This keyboard has no backlight."},
+            {"tray", Feature::SystemTray, true, ""},
+            {"no tray", Feature::SystemTray, false,
+             "This desktop shows no tray icons: a hidden window could only be brought "
+             "back by starting the program again."}};
         for (const auto &r : rows)
             QTest::newRow(r.row) << r.feature << r.probesSay << r.reason;
     }
@@ -255,14 +269,34 @@ private slots:
             ++asked;
             return probesSay;
         };
-        LinuxAvailability machine(
-            {answer, answer, answer, answer, answer, answer, answer, answer, answer, answer, {}},
-            nullptr);
+        LinuxAvailability machine({answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   answer,
+                                   {}},
+                                  nullptr);
         QCOMPARE(machine.whyUnavailable(feature), reason);
         const int first = asked;
         QCOMPARE(machine.whyUnavailable(feature), reason);
-        // Only the panel is asked afresh; bus and desktop probes are asked once.
-        QCOMPARE(asked, feature == Feature::PanelBacklight ? 2 * first : first);
+        // Devices that come and go are asked afresh; bus and desktop probes are asked once.
+        const bool afresh = feature == Feature::PanelBacklight ||
+                            feature == Feature::KeyboardLight || feature == Feature::SystemTray;
+        QCOMPARE(asked, afresh ? 2 * first : first);
+        if (feature == Feature::NvidiaGpu && probesSay) { // a GPU, no driver library to read it
+            LinuxAvailability::Probes gpuOnly;
+            gpuOnly.nvidiaGpu = [] { return true; };
+            QCOMPARE(LinuxAvailability(gpuOnly, nullptr).whyUnavailable(feature),
+                     QStringLiteral("The NVIDIA driver, which reports the GPU's sensors, is not "
+                                    "installed."));
+        }
     }
 
     void programButtonsAskTheCommandTable()
