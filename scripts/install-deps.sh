@@ -10,6 +10,8 @@ packages=(
   libpulse-dev libddcutil-dev libxcb1-dev
   # running and testing headless
   xvfb xauth x11-utils imagemagick dbus pulseaudio gsettings-desktop-schemas libglib2.0-bin
+  # GNOME's power and window-manager settings, which the desktop backends' tests write
+  gnome-settings-daemon-common mutter-common
   # the sanitizer lane: clang with its sanitizer and libFuzzer runtimes
   clang libclang-rt-14-dev
   # the Debian package and its checks

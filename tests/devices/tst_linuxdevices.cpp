@@ -1,14 +1,25 @@
+#include "desktoppower.h"
 #include "gsettingskey.h"
 #include "linuxregistry.h"
 #include "rfkillswitch.h"
 #include "touchpadpreference.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
 
 const QString kKey = QLatin1String(TouchpadRegistry::key);
+
+// A key as the desktop's own command-line tool reads it from the settings store.
+QString stored(const char *schema, const char *key)
+{
+    QProcess gsettings;
+    gsettings.start(QStringLiteral("gsettings"), {"get", schema, key});
+    gsettings.waitForFinished(10000);
+    return QString::fromUtf8(gsettings.readAllStandardOutput()).trimmed();
+}
 
 class ScriptedPreference : public TouchpadPreference {
 public:
@@ -120,6 +131,43 @@ private slots:
         QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("disabled")));
         QVERIFY(touchpad.setEnabled(true));
         QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("enabled")));
+    }
+
+    void gnomeTimeoutsAndSuperKey()
+    {
+        const char *power = "org.gnome.settings-daemon.plugins.power", *mutter = "org.gnome.mutter";
+        GnomeTimeouts timeouts;
+        QVERIFY2(timeouts.available() && OverlayKeyBlocker::available(),
+                 "GNOME's power and window-manager schemas are not installed");
+        QVERIFY(timeouts.setScreenOff(true, 10));
+        QCOMPARE(stored("org.gnome.desktop.session", "idle-delay"), QStringLiteral("uint32 600"));
+        QVERIFY(timeouts.setSleepAfter(true, 5));
+        QVERIFY(timeouts.setSleepAfter(false, 0));
+        QCOMPARE((QStringList{stored(power, "sleep-inactive-battery-timeout"),
+                              stored(power, "sleep-inactive-battery-type"),
+                              stored(power, "sleep-inactive-ac-timeout"),
+                              stored(power, "sleep-inactive-ac-type")}),
+                 (QStringList{"300", "'suspend'", "0", "'nothing'"}));
+
+        // The user's own key comes back when unchecked and when the program ends.
+        QVERIFY(GSettingsKey(mutter, "overlay-key").setText(QStringLiteral("Super_R")));
+        {
+            OverlayKeyBlocker blocker;
+            QVERIFY(blocker.install());
+            QVERIFY(blocker.install()); // twice keeps the user's key, not the cleared one
+            QCOMPARE(stored(mutter, "overlay-key"), QStringLiteral("''"));
+            blocker.uninstall();
+            QCOMPARE(stored(mutter, "overlay-key"), QStringLiteral("'Super_R'"));
+            QVERIFY(blocker.install());
+        }
+        QCOMPARE(stored(mutter, "overlay-key"), QStringLiteral("'Super_R'"));
+        // Left empty by a run that ended without giving it back: the default comes back.
+        QVERIFY(GSettingsKey(mutter, "overlay-key").setText(QString()));
+        {
+            OverlayKeyBlocker blocker;
+            QVERIFY(blocker.install());
+        }
+        QCOMPARE(stored(mutter, "overlay-key"), QStringLiteral("'Super_L'"));
     }
 
 private:

@@ -1,8 +1,10 @@
+#include "desktoppower.h"
 #include "sleeplogind.h"
 
 #include <QDBusConnection>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QThread>
 #include <QtTest>
 
 #include <poll.h>
@@ -64,6 +66,8 @@ private slots:
         QVERIFY(m_daemon.waitForReadyRead(10000));
         m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
         QVERIFY(!m_address.isEmpty());
+        // The lid switch asks the system bus itself.
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_address.toUtf8());
     }
 
     void cleanupTestCase()
@@ -106,6 +110,33 @@ private slots:
         QTRY_VERIFY(notifier.holdsInhibitor());
         QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
         QVERIFY(!released(logind.readEnds.last()));
+    }
+
+    void lidLockIsHeldWhileTheLidIsToDoNothing()
+    {
+        // The switch waits for logind's answer, so logind answers from a thread of its own.
+        QThread thread;
+        StandInLogind logind;
+        logind.moveToThread(&thread);
+        thread.start();
+        QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+        QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
+                                       QDBusConnection::ExportAllSlots));
+        QVERIFY(service.registerService("org.freedesktop.login1"));
+        {
+            LogindLidSwitch lid;
+            lid.setIgnored(true);
+            lid.setIgnored(true); // one lock however often it is asked
+            QCOMPARE(logind.inhibitCalls,
+                     QStringList{"handle-lid-switch|Varnel|The power mode keeps the laptop on "
+                                 "with the lid closed|block"});
+            QVERIFY(!released(logind.readEnds.first()));
+            lid.setIgnored(false);
+            QTRY_VERIFY(released(logind.readEnds.first()));
+        }
+        service.unregisterObject("/org/freedesktop/login1");
+        thread.quit();
+        QVERIFY(thread.wait(5000));
     }
 
     void withoutABusNothingIsReported()
