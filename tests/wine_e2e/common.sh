@@ -16,6 +16,11 @@ export WINEPREFIX=$VARNEL_WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,ms
 export HOME=$VARNEL_WINEPREFIX/unix-home
 # Wine lacks the laptop maker's WMI brightness provider; the program only looks for its file.
 provider=$WINEPREFIX/drive_c/windows/syswow64/CLEVOMOF.dll
+: >"$provider"
+work=$(mktemp -d)
+# A script's own clean-up goes into on_exit, after the program is ended.
+on_exit() { :; }
+trap 'timeout 20 wine taskkill /f /im varnel.exe >/dev/null 2>&1; rm -rf "$provider" "$work"; on_exit' EXIT
 
 fail() {
   echo "FAIL: $*"
@@ -33,5 +38,16 @@ wait_for() {
 # The state of the program's window: visible, hidden or none.
 window_state() { timeout 20 wine "$probe" Varnel 2>/dev/null | tr -d '\r'; }
 is_state() { [ "$(window_state)" = "$1" ]; }
-# The window goes before the process has saved its settings and unloaded its DLLs.
+# close_program <pid>: asked to close as the window would be; the window goes before the process
+# has saved its settings and unloaded its DLLs.
+close_program() {
+  timeout 20 wine taskkill /im varnel.exe >/dev/null 2>&1
+  wait_for 20 is_state none && wait_for 20 ended "$1"
+}
 ended() { ! kill -0 "$1" 2>/dev/null; }
+# stage_copy <stage folder> <settings lines>: a private copy of the staged program to run in, so
+# what it writes is this run's own.
+stage_copy() {
+  cp -r "$1"/. "$work"/ && cd "$work" || fail "cannot copy the staged program"
+  printf '[settings]\n%s\n' "$2" >settings/varnel.ini
+}

@@ -8,17 +8,11 @@
 int main(int argc, char **argv)
 {
     char self[MAX_PATH];
-    const DWORD length = GetModuleFileNameA(nullptr, self, MAX_PATH);
-    std::string log(self, length);
+    std::string log(self, GetModuleFileNameA(nullptr, self, MAX_PATH));
     log = log.substr(0, log.find_last_of('\\') + 1) + "powercfg.log";
-
     std::string line = "powercfg";
     for (int i = 1; i < argc; ++i)
         line += std::string(" ") + argv[i];
     FILE *file = std::fopen(log.c_str(), "ab");
-    if (!file)
-        return 1;
-    std::fprintf(file, "%s\n", line.c_str());
-    std::fclose(file);
-    return 0;
+    return file && std::fprintf(file, "%s\n", line.c_str()) > 0 && std::fclose(file) == 0 ? 0 : 1;
 }

@@ -24,7 +24,7 @@ inline std::wstring text(const wchar_t *s)
     return s ? std::wstring(s) : std::wstring(L"(null)");
 }
 
-#define FAKEWBEM_NOTIMPL(signature)                                                                \
+#define STUB(signature)                                                                            \
     HRESULT STDMETHODCALLTYPE signature override                                                   \
     {                                                                                              \
         return E_NOTIMPL;                                                                          \
@@ -96,26 +96,26 @@ public:
         return S_OK;
     }
 
-    FAKEWBEM_NOTIMPL(GetQualifierSet(IWbemQualifierSet **))
-    FAKEWBEM_NOTIMPL(Delete(LPCWSTR))
-    FAKEWBEM_NOTIMPL(GetNames(LPCWSTR, LONG, VARIANT *, SAFEARRAY **))
-    FAKEWBEM_NOTIMPL(BeginEnumeration(LONG))
-    FAKEWBEM_NOTIMPL(Next(LONG, BSTR *, VARIANT *, CIMTYPE *, LONG *))
-    FAKEWBEM_NOTIMPL(EndEnumeration())
-    FAKEWBEM_NOTIMPL(GetPropertyQualifierSet(LPCWSTR, IWbemQualifierSet **))
-    FAKEWBEM_NOTIMPL(Clone(IWbemClassObject **))
-    FAKEWBEM_NOTIMPL(GetObjectText(LONG, BSTR *))
-    FAKEWBEM_NOTIMPL(SpawnDerivedClass(LONG, IWbemClassObject **))
-    FAKEWBEM_NOTIMPL(CompareTo(LONG, IWbemClassObject *))
-    FAKEWBEM_NOTIMPL(GetPropertyOrigin(LPCWSTR, BSTR *))
-    FAKEWBEM_NOTIMPL(InheritsFrom(LPCWSTR))
-    FAKEWBEM_NOTIMPL(PutMethod(LPCWSTR, LONG, IWbemClassObject *, IWbemClassObject *))
-    FAKEWBEM_NOTIMPL(DeleteMethod(LPCWSTR))
-    FAKEWBEM_NOTIMPL(BeginMethodEnumeration(LONG))
-    FAKEWBEM_NOTIMPL(NextMethod(LONG, BSTR *, IWbemClassObject **, IWbemClassObject **))
-    FAKEWBEM_NOTIMPL(EndMethodEnumeration())
-    FAKEWBEM_NOTIMPL(GetMethodQualifierSet(LPCWSTR, IWbemQualifierSet **))
-    FAKEWBEM_NOTIMPL(GetMethodOrigin(LPCWSTR, BSTR *))
+    STUB(GetQualifierSet(IWbemQualifierSet **))
+    STUB(Delete(LPCWSTR))
+    STUB(GetNames(LPCWSTR, LONG, VARIANT *, SAFEARRAY **))
+    STUB(BeginEnumeration(LONG))
+    STUB(Next(LONG, BSTR *, VARIANT *, CIMTYPE *, LONG *))
+    STUB(EndEnumeration())
+    STUB(GetPropertyQualifierSet(LPCWSTR, IWbemQualifierSet **))
+    STUB(Clone(IWbemClassObject **))
+    STUB(GetObjectText(LONG, BSTR *))
+    STUB(SpawnDerivedClass(LONG, IWbemClassObject **))
+    STUB(CompareTo(LONG, IWbemClassObject *))
+    STUB(GetPropertyOrigin(LPCWSTR, BSTR *))
+    STUB(InheritsFrom(LPCWSTR))
+    STUB(PutMethod(LPCWSTR, LONG, IWbemClassObject *, IWbemClassObject *))
+    STUB(DeleteMethod(LPCWSTR))
+    STUB(BeginMethodEnumeration(LONG))
+    STUB(NextMethod(LONG, BSTR *, IWbemClassObject **, IWbemClassObject **))
+    STUB(EndMethodEnumeration())
+    STUB(GetMethodQualifierSet(LPCWSTR, IWbemQualifierSet **))
+    STUB(GetMethodOrigin(LPCWSTR, BSTR *))
 
 private:
     std::wstring m_name;
@@ -147,10 +147,10 @@ public:
         *returned = 1;
         return S_OK;
     }
-    FAKEWBEM_NOTIMPL(Reset())
-    FAKEWBEM_NOTIMPL(NextAsync(ULONG, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(Clone(IEnumWbemClassObject **))
-    FAKEWBEM_NOTIMPL(Skip(LONG, ULONG))
+    STUB(Reset())
+    STUB(NextAsync(ULONG, IWbemObjectSink *))
+    STUB(Clone(IEnumWbemClassObject **))
+    STUB(Skip(LONG, ULONG))
 
 private:
     std::vector<IWbemClassObject *> m_instances;
@@ -189,31 +189,31 @@ public:
         return S_OK;
     }
 
-    FAKEWBEM_NOTIMPL(OpenNamespace(const BSTR, LONG, IWbemContext *, IWbemServices **,
-                                   IWbemCallResult **))
-    FAKEWBEM_NOTIMPL(CancelAsyncCall(IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(QueryObjectSink(LONG, IWbemObjectSink **))
-    FAKEWBEM_NOTIMPL(GetObjectAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(PutClass(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
-    FAKEWBEM_NOTIMPL(PutClassAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(DeleteClass(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
-    FAKEWBEM_NOTIMPL(DeleteClassAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(CreateClassEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
-    FAKEWBEM_NOTIMPL(CreateClassEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(PutInstance(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
-    FAKEWBEM_NOTIMPL(PutInstanceAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(DeleteInstance(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
-    FAKEWBEM_NOTIMPL(DeleteInstanceAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(CreateInstanceEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
-    FAKEWBEM_NOTIMPL(CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *,
+    STUB(OpenNamespace(const BSTR, LONG, IWbemContext *, IWbemServices **, IWbemCallResult **))
+    STUB(CancelAsyncCall(IWbemObjectSink *))
+    STUB(QueryObjectSink(LONG, IWbemObjectSink **))
+    STUB(GetObjectAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(PutClass(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(PutClassAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(DeleteClass(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(DeleteClassAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(CreateClassEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
+    STUB(CreateClassEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(PutInstance(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(PutInstanceAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(DeleteInstance(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(DeleteInstanceAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(CreateInstanceEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
+    STUB(CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext *,
+                               IEnumWbemClassObject **))
+    STUB(ExecNotificationQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *,
                                     IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext *,
-                                           IEnumWbemClassObject **))
-    FAKEWBEM_NOTIMPL(ExecNotificationQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *,
-                                                IWbemObjectSink *))
-    FAKEWBEM_NOTIMPL(ExecMethodAsync(const BSTR, const BSTR, LONG, IWbemContext *,
-                                     IWbemClassObject *, IWbemObjectSink *))
+    STUB(ExecMethodAsync(const BSTR, const BSTR, LONG, IWbemContext *, IWbemClassObject *,
+                         IWbemObjectSink *))
 };
 
 } // namespace fakewbem
+
+#undef STUB

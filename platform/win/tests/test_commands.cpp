@@ -6,24 +6,20 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <shellapi.h>
 #include <tlhelp32.h>
 
 using namespace varnel::win;
+namespace fs = std::filesystem;
 
 namespace {
 
-std::wstring modulePath()
+fs::path modulePath()
 {
     wchar_t buffer[MAX_PATH + 1];
     return std::wstring(buffer, GetModuleFileNameW(nullptr, buffer, MAX_PATH + 1));
-}
-
-std::wstring folderOf(const std::wstring &path)
-{
-    return path.substr(0, path.find_last_of(L'\\'));
 }
 
 std::wstring environment(const wchar_t *name)
@@ -36,24 +32,15 @@ std::wstring environment(const wchar_t *name)
 // Copies of this program stand in for system tools and helpers: a copy prints the path it was
 // started from, adds it to the file VARNEL_STANDIN_LOG names, and ends before any case runs.
 const bool kStandIn = [] {
-    const std::wstring self = modulePath();
-    std::wstring name = self.substr(self.find_last_of(L'\\') + 1);
-    CharLowerW(name.data());
-    if (name == L"win_commands.exe")
+    const fs::path self = modulePath();
+    if (lstrcmpiW(self.filename().c_str(), L"win_commands.exe") == 0)
         return false;
-    const std::string line = toUtf8(self) + "\n";
+    const std::string line = self.u8string() + "\n";
     std::fputs(line.c_str(), stdout);
     std::fflush(stdout);
-    const std::wstring log = environment(L"VARNEL_STANDIN_LOG");
-    if (!log.empty()) {
-        HANDLE file = CreateFileW(log.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_ALWAYS, 0, nullptr);
-        DWORD written = 0;
-        WriteFile(file, line.data(), DWORD(line.size()), &written, nullptr);
-        CloseHandle(file);
-    }
+    if (const std::wstring log = environment(L"VARNEL_STANDIN_LOG"); !log.empty())
+        std::ofstream(fs::path(log), std::ios::app | std::ios::binary) << line;
     ExitProcess(0);
-    return true;
 }();
 
 // Test programs share one prefix and may run at the same time.
@@ -65,11 +52,9 @@ std::wstring uniqueName(const wchar_t *stem)
 
 std::wstring makeTempFolder(const wchar_t *stem)
 {
-    wchar_t dir[MAX_PATH + 1];
-    GetTempPathW(MAX_PATH + 1, dir);
-    const std::wstring path = std::wstring(dir) + uniqueName(stem);
-    CreateDirectoryW(path.c_str(), nullptr);
-    return path;
+    const fs::path path = fs::temp_directory_path() / uniqueName(stem);
+    fs::create_directories(path);
+    return path.wstring();
 }
 
 bool plant(const std::wstring &path)
@@ -80,20 +65,13 @@ bool plant(const std::wstring &path)
 // Started commands finish in their own time: waits until the file they write has content.
 std::string waitForFile(const std::wstring &path)
 {
-    const ULONGLONG deadline = GetTickCount64() + 30000;
-    do {
-        HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_EXISTING, 0, nullptr);
-        if (file != INVALID_HANDLE_VALUE) {
-            char buffer[4096];
-            DWORD read = 0;
-            ReadFile(file, buffer, sizeof(buffer), &read, nullptr);
-            CloseHandle(file);
-            if (read > 0)
-                return std::string(buffer, read);
-        }
+    for (const ULONGLONG deadline = GetTickCount64() + 30000; GetTickCount64() < deadline;) {
+        std::ifstream in(fs::path(path), std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        if (!text.empty())
+            return text;
         Sleep(50);
-    } while (GetTickCount64() < deadline);
+    }
     return "<no file>";
 }
 
@@ -115,7 +93,7 @@ int runningChildren(const wchar_t *image)
 
 } // namespace
 
-WINTEST_CASE(waitAndReadReturnsTheOutput)
+WINTEST_CASE(runAndReadWaitsReadsAndTimesOut)
 {
     CHECK_EQ(runAndRead(L"cmd /c echo hello", 30000), "hello\r\n");
     // With no limit the command runs to its end (about a second here).
@@ -130,35 +108,22 @@ WINTEST_CASE(waitAndReadReturnsTheOutput)
     CHECK_EQ(lines, 1500u);
     CHECK(output.rfind("line 1500 of a long listing\r\n") == output.size() - 29);
 
-    const ULONGLONG start = GetTickCount64();
+    ULONGLONG start = GetTickCount64();
     CHECK_EQ(runAndRead(L"varnel-no-such-tool.exe /query", 30000), "");
     CHECK_EQ(runAndRead(L"", 30000), "");
     CHECK(GetTickCount64() - start < 2000);
-}
 
-WINTEST_CASE(timeOutReturnsEarlyOutputAndEndsTheCommand)
-{
     // Generous limits: a loaded machine makes cmd slow to start under Wine.
-    const ULONGLONG start = GetTickCount64();
-    const std::string output =
-        runAndRead(L"cmd /c echo early& ping -n 15 127.0.0.1 >nul& echo late", 5000);
+    start = GetTickCount64();
+    CHECK_EQ(runAndRead(L"cmd /c echo early& ping -n 15 127.0.0.1 >nul& echo late", 5000),
+             "early\r\n");
     const ULONGLONG elapsed = GetTickCount64() - start;
-    CHECK_EQ(output, "early\r\n");
     CHECK(elapsed >= 5000 && elapsed < 8000);
     // The overrunning cmd is gone at once; its ping may run on as an orphan.
     CHECK_EQ(runningChildren(L"cmd.exe"), 0);
 }
 
-WINTEST_CASE(detachedStartUsesTheWorkingDirectory)
-{
-    const std::wstring dir = makeTempFolder(L"workdir");
-    // The relative output path lands in the working directory only if it was applied.
-    CHECK(startDetached(L"cmd", {L"/c", L"cd", L">", L"cwd.txt"}, dir));
-    CHECK_EQ(waitForFile(dir + L"\\cwd.txt"), toUtf8(dir) + "\r\n");
-    CHECK(!startDetached(L"", {}, dir));
-}
-
-WINTEST_CASE(argumentsSurviveTheCommandLine)
+WINTEST_CASE(detachedStartPassesArgumentsAndWorkingDirectory)
 {
     CHECK_EQ(quoteArgument(L""), L"\"\"");
     CHECK_EQ(quoteArgument(L"/s"), L"/s");
@@ -166,38 +131,43 @@ WINTEST_CASE(argumentsSurviveTheCommandLine)
     CHECK_EQ(joinCommandLine(program, {L"", L"-q"}),
              L"\"C:\\Program Files\\Suite\\update.exe\" \"\" -q");
 
-    // Read back by the same rules every Windows program uses for its arguments ('|' parts).
-    const std::wstring parts =
-        L"|plain|two words|tab\there|say \"hi\"|trailing\\|space end\\|a\\\\\"b|"
-        L"\\\\server\\share\\|C:\\Program Files\\x\\|\"|\\";
-    std::vector<std::wstring> expected = {program};
-    for (size_t at = 0, bar; at <= parts.size(); at = bar + 1) {
-        bar = std::min(parts.find(L'|', at), parts.size());
-        expected.push_back(parts.substr(at, bar - at));
-    }
-    const std::vector<std::wstring> arguments(expected.begin() + 1, expected.end());
+    // Read back by the same rules every Windows program uses for its arguments.
+    const std::vector<std::wstring> arguments(
+        {L"", L"plain", L"two words", L"tab\there", L"say \"hi\"", L"trailing\\", L"space end\\",
+         L"a\\\\\"b", L"\\\\server\\share\\", L"C:\\Program Files\\x\\", L"\"", L"\\"});
     int count = 0;
     wchar_t **argv = CommandLineToArgvW(joinCommandLine(program, arguments).c_str(), &count);
-    CHECK(argv != nullptr);
-    if (!argv)
-        return;
-    const std::vector<std::wstring> parsed(argv, argv + count);
+    std::vector<std::wstring> expected = arguments;
+    expected.insert(expected.begin(), program);
+    CHECK_EQ(std::vector<std::wstring>(argv, argv + count), expected);
     LocalFree(argv);
-    CHECK_EQ(parsed, expected);
+
+    // The working directory applies: the relative output path lands in it.
+    const std::wstring dir = makeTempFolder(L"workdir");
+    CHECK(startDetached(L"cmd", {L"/c", L"cd", L">", L"cwd.txt"}, dir));
+    CHECK_EQ(waitForFile(dir + L"\\cwd.txt"), toUtf8(dir) + "\r\n");
+    CHECK(!startDetached(L"", {}, dir));
 }
 
 WINTEST_CASE(outputDecodesToUtf8)
 {
-    // UTF-16LE with its mark, as wmic writes into a pipe; an odd last byte is dropped.
-    CHECK_EQ(decodeCommandOutput(std::string("\xFF\xFEN\0a\0\xE9\0\r\0\n\0\x01", 13)),
-             "Na\xC3\xA9\r\n");
-    CHECK_EQ(decodeCommandOutput(std::string("\xFF\xFE", 2)), "");
-    CHECK_EQ(decodeCommandOutput("\xEF\xBB\xBFName\r\n"), "Name\r\n");
-    // 8-bit text in the code page it was written in.
-    CHECK_EQ(decodeCommandOutput("caf\x82", 437), "caf\xC3\xA9");
-    CHECK_EQ(decodeCommandOutput("caf\xE9", 1252), "caf\xC3\xA9");
-    CHECK_EQ(decodeCommandOutput("Name  \r\nCPU\r\n"), "Name  \r\nCPU\r\n");
-    CHECK_EQ(decodeCommandOutput(""), "");
+    const struct {
+        std::string bytes;
+        unsigned codePage;
+        const char *utf8;
+    } rows[] = {
+        // UTF-16LE with its mark, as wmic writes into a pipe; an odd last byte is dropped.
+        {std::string("\xFF\xFEN\0a\0\xE9\0\r\0\n\0\x01", 13), kOemCodePage, "Na\xC3\xA9\r\n"},
+        {std::string("\xFF\xFE", 2), kOemCodePage, ""},
+        {"\xEF\xBB\xBFName\r\n", kOemCodePage, "Name\r\n"},
+        // 8-bit text in the code page it was written in.
+        {"caf\x82", 437, "caf\xC3\xA9"},
+        {"caf\xE9", 1252, "caf\xC3\xA9"},
+        {"Name  \r\nCPU\r\n", kOemCodePage, "Name  \r\nCPU\r\n"},
+        {"", kOemCodePage, ""},
+    };
+    for (const auto &row : rows)
+        CHECK_EQ(decodeCommandOutput(row.bytes, row.codePage), std::string(row.utf8));
 }
 
 WINTEST_CASE(namesResolveIntoTrustedFolders)
@@ -242,42 +212,38 @@ WINTEST_CASE(namesResolveIntoTrustedFolders)
                           : std::wstring());
     }
     // Without a known install folder a helper is not started at all.
-    CHECK_EQ(resolveProgram(L"Remote.exe", ProgramFolders{L"S:\\sys", L"S:\\win", L""}),
-             std::wstring());
-}
+    CHECK_EQ(resolveProgram(L"Remote.exe", ProgramFolders{L"S:\\sys", L"S:\\win", L""}), L"");
 
-WINTEST_CASE(toolsAreTakenFromWhereTheSystemKeepsThem)
-{
+    // Older systems keep wmic beside the other tools, newer ones below wbem.
     const std::wstring system = makeTempFolder(L"system");
-    const ProgramFolders f{system, system, L"D:\\Varnel"};
-    // Older systems keep the tool beside the others, newer ones below wbem.
+    const ProgramFolders planted{system, system, L"D:\\Varnel"};
     CHECK(plant(system + L"\\wmic.exe"));
-    CHECK_EQ(resolveProgram(L"wmic", f), system + L"\\wmic.exe");
+    CHECK_EQ(resolveProgram(L"wmic", planted), system + L"\\wmic.exe");
     CreateDirectoryW((system + L"\\wbem").c_str(), nullptr);
     CHECK(plant(system + L"\\wbem\\wmic.exe"));
-    CHECK_EQ(resolveProgram(L"wmic", f), system + L"\\wbem\\wmic.exe");
-
-    const ProgramFolders real = programFolders();
-    wchar_t buffer[MAX_PATH + 1];
-    CHECK_EQ(real.system, std::wstring(buffer, GetSystemDirectoryW(buffer, MAX_PATH + 1)));
-    CHECK_EQ(real.install, folderOf(modulePath()));
-
-    // A tool put into the system folder (as a machine's maker installs devcon) is found there.
-    const std::wstring devcon = real.system + L"\\devcon.exe";
-    CHECK_EQ(resolveProgram(L"devcon", real), devcon);
-    if (GetFileAttributesW(devcon.c_str()) != INVALID_FILE_ATTRIBUTES)
-        return; // someone else's copy: leave it alone
-    CHECK(plant(devcon));
-    CHECK_EQ(runAndRead(L"devcon.exe status *", 30000), toUtf8(devcon) + "\r\n");
-    DeleteFileW(devcon.c_str());
+    CHECK_EQ(resolveProgram(L"wmic", planted), system + L"\\wbem\\wmic.exe");
 }
 
 // Copies named like the tools or helpers, in the working folder and first on the search path,
 // never run: the system's own tools do, and the install folder's helpers by each way of starting.
 WINTEST_CASE(onlyTrustedCopiesRun)
 {
+    const ProgramFolders real = programFolders();
+    wchar_t buffer[MAX_PATH + 1];
+    CHECK_EQ(real.system, std::wstring(buffer, GetSystemDirectoryW(buffer, MAX_PATH + 1)));
+    CHECK_EQ(real.install, modulePath().parent_path().wstring());
+
+    // A tool put into the system folder (as a machine's maker installs devcon) is found there.
+    const std::wstring devcon = real.system + L"\\devcon.exe";
+    CHECK_EQ(resolveProgram(L"devcon", real), devcon);
+    if (GetFileAttributesW(devcon.c_str()) == INVALID_FILE_ATTRIBUTES) { // else someone else's
+        CHECK(plant(devcon));
+        CHECK_EQ(runAndRead(L"devcon.exe status *", 30000), toUtf8(devcon) + "\r\n");
+        DeleteFileW(devcon.c_str());
+    }
+
     const std::wstring planted = makeTempFolder(L"planted");
-    const std::wstring install = folderOf(modulePath());
+    const std::wstring install = real.install;
     const std::wstring helper = L"Libs\\" + uniqueName(L"helper") + L".exe";
     const std::wstring absent = L"Libs\\" + uniqueName(L"absent") + L".exe";
     CreateDirectoryW((install + L"\\Libs").c_str(), nullptr);
@@ -286,10 +252,9 @@ WINTEST_CASE(onlyTrustedCopiesRun)
                                     helper.c_str(), absent.c_str(), absent.c_str() + 5})
         CHECK(plant(planted + L"\\" + name));
     CHECK(plant(install + L"\\" + helper));
-    wchar_t savedDir[MAX_PATH + 1];
-    GetCurrentDirectoryW(MAX_PATH + 1, savedDir);
+    const fs::path savedDir = fs::current_path();
     const std::wstring savedPath = environment(L"PATH");
-    SetCurrentDirectoryW(planted.c_str());
+    fs::current_path(planted);
     SetEnvironmentVariableW(L"PATH", (planted + L";" + savedPath).c_str());
 
     const std::string plantedUtf8 = toUtf8(planted);
@@ -316,7 +281,7 @@ WINTEST_CASE(onlyTrustedCopiesRun)
     CHECK_EQ(runAndRead(absent.substr(5), 30000), "");
 
     SetEnvironmentVariableW(L"PATH", savedPath.c_str());
-    SetCurrentDirectoryW(savedDir);
+    fs::current_path(savedDir);
     DeleteFileW((install + L"\\" + helper).c_str());
     RemoveDirectoryW((install + L"\\Libs").c_str()); // only if nothing else is in it
 }

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <thread>
+#include <vector>
 
 using namespace varnel::win;
 
@@ -52,6 +53,19 @@ bool pumpUntilSeen(char marker, ULONGLONG patienceMs = 5000)
     return false;
 }
 
+// Types the keys from another thread while this one pumps; what came through the hooks.
+std::string typeThroughHooks(std::vector<WORD> keys, ULONGLONG patienceMs = 5000)
+{
+    seen().clear();
+    std::thread typist([keys] {
+        for (WORD key : keys)
+            press(key);
+    });
+    pumpUntilSeen(static_cast<char>(keys.back()), patienceMs);
+    typist.join();
+    return seen();
+}
+
 } // namespace
 
 // Every message of both Windows keys is swallowed, and nothing else.
@@ -81,32 +95,14 @@ WINTEST_CASE(installedHookSwallowsOnlyTheWindowsKeys)
     // the first events of a fresh process (while the prefix's desktop starts) can be that
     // late: keys go through both hooks until one arrives, then the sequence starts.
     bool warm = false;
-    for (int attempt = 0; attempt < 20 && !warm; ++attempt) {
-        std::thread warmUp([] { press('Q'); });
-        warm = pumpUntilSeen('Q', 1000);
-        warmUp.join();
-    }
+    for (int attempt = 0; attempt < 20 && !warm; ++attempt)
+        warm = typeThroughHooks({'Q'}, 1000) == "Q";
     CHECK(warm);
-
-    seen().clear();
-    std::thread typist([] {
-        for (WORD key : {WORD('A'), WORD(VK_LWIN), WORD('R'), WORD(VK_RWIN), WORD('Z')})
-            press(key);
-    });
-    pumpUntilSeen('Z');
-    typist.join();
-    CHECK_EQ(seen(), std::string("ARZ"));
+    CHECK_EQ(typeThroughHooks({'A', VK_LWIN, 'R', VK_RWIN, 'Z'}), std::string("ARZ"));
 
     // Removed, the Windows keys come through again.
     CHECK(removeWindowsKeyHook(blocker));
-    seen().clear();
-    std::thread again([] {
-        press(VK_LWIN);
-        press('Z');
-    });
-    pumpUntilSeen('Z');
-    again.join();
-    CHECK_EQ(seen(), std::string("lZ"));
+    CHECK_EQ(typeThroughHooks({VK_LWIN, 'Z'}), std::string("lZ"));
     CHECK(!removeWindowsKeyHook(nullptr));
     UnhookWindowsHookEx(watch);
 }

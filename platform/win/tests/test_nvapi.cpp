@@ -11,23 +11,21 @@ using namespace varnel::win;
 
 namespace {
 
-// A driver stand-in behind the query-interface entry: checks the version words and fills the
+// A driver stand-in behind the query-interface entry: records the version words and fills the
 // structures at the offsets the driver uses.
 struct FakeDriver {
     std::vector<std::string> calls;
-    uint32_t versions[4] = {};
-    int32_t thermalController = 0, thermalTarget = 0;
-    uint32_t thermalSensorIndex = 99;
-    int failing = 0; // id whose call fails with -5
+    std::vector<uint32_t> versions = std::vector<uint32_t>(4);
+    std::vector<int32_t> thermalRequest; // sensor index, controller, target
+    unsigned failing = 0;                // id whose call fails with -5
     bool loadPresent = true;
 } driver;
 
 void *const kGpu0 = reinterpret_cast<void *>(0x1000);
-void *const kGpu1 = reinterpret_cast<void *>(0x2000);
 
 int status(unsigned id)
 {
-    return driver.failing == static_cast<int>(id) ? -5 : 0;
+    return driver.failing == id ? -5 : 0;
 }
 
 int fakeInitialize()
@@ -43,7 +41,7 @@ int fakeUnload()
 int fakeEnum(void **handles, uint32_t *count)
 {
     handles[0] = kGpu0;
-    handles[1] = kGpu1;
+    handles[1] = reinterpret_cast<void *>(0x2000);
     *count = 2;
     return status(NvApi::kEnumPhysicalGpusId);
 }
@@ -51,10 +49,9 @@ int fakeClocks(void *gpu, uint32_t *clocks)
 {
     driver.versions[0] = clocks[0];
     // domain n sits at byte 8 + 8n: flags word, then the frequency in kHz
-    clocks[2 + 2 * 0] = 1;
-    clocks[2 + 2 * 0 + 1] = gpu == kGpu0 ? 1530999 : 300000;
-    clocks[2 + 2 * 4] = 1;
-    clocks[2 + 2 * 4 + 1] = gpu == kGpu0 ? 7001000 : 405000;
+    clocks[2] = clocks[2 + 2 * 4] = 1;
+    clocks[3] = gpu == kGpu0 ? 1530999 : 300000;
+    clocks[3 + 2 * 4] = gpu == kGpu0 ? 7001000 : 405000;
     return status(NvApi::kAllClockFrequenciesId);
 }
 int fakeDynamic(void *, uint32_t *info)
@@ -79,9 +76,7 @@ int fakeCurrentPstate(void *gpu, int32_t *state)
 int fakeThermal(void *, uint32_t sensorIndex, int32_t *settings)
 {
     driver.versions[3] = static_cast<uint32_t>(settings[0]);
-    driver.thermalSensorIndex = sensorIndex;
-    driver.thermalController = settings[2];
-    driver.thermalTarget = settings[6];
+    driver.thermalRequest = {static_cast<int32_t>(sensorIndex), settings[2], settings[6]};
     settings[2 + 3] = 64; // sensor 0's current temperature
     return status(NvApi::kThermalSettingsId);
 }
@@ -118,15 +113,12 @@ WINTEST_CASE(missingDriverLibraryFailsEveryStep)
     NvApi api;
     const int status = api.initialize();
     CHECK_EQ(status, NvApi::kLibraryNotFound);
-    int count = -1;
-    CHECK(api.enumeratePhysicalGpus(&count) != 0);
-    CHECK_EQ(count, -1);
+    int count = -1, celsius = 5;
     unsigned graphics = 7, memory = 7;
+    CHECK(api.enumeratePhysicalGpus(&count) != 0);
     CHECK(api.allClockFrequencies(0, &graphics, &memory) != 0);
-    CHECK_EQ(memory, 7u);
-    int celsius = 5;
     CHECK(api.thermalSensor0(0, &celsius) != 0);
-    CHECK_EQ(celsius, 5);
+    CHECK(count == -1 && memory == 7 && celsius == 5);
     CHECK_EQ(api.errorMessage(status), std::string("NVAPI library not found"));
     api.unload();
     CHECK_EQ(api.initialize(), NvApi::kLibraryNotFound); // and again on the next cycle
@@ -134,54 +126,39 @@ WINTEST_CASE(missingDriverLibraryFailsEveryStep)
 
 WINTEST_CASE(queriesUseTheIdsVersionWordsAndLayouts)
 {
-    driver = FakeDriver{};
     NvApi api(fakeQuery);
     CHECK_EQ(api.initialize(), 0);
-    int count = 0;
+    int count = 0, pstate = -1, celsius = 0;
     CHECK_EQ(api.enumeratePhysicalGpus(&count), 0);
     CHECK_EQ(count, 2);
 
-    unsigned graphics = 0, memory = 0;
+    unsigned graphics = 0, memory = 0, percent = 0;
     CHECK_EQ(api.allClockFrequencies(0, &graphics, &memory), 0);
-    CHECK_EQ(graphics, 1530999u);
-    CHECK_EQ(memory, 7001000u);
+    CHECK_EQ((std::vector<unsigned>{graphics, memory}), (std::vector<unsigned>{1530999, 7001000}));
     CHECK_EQ(api.allClockFrequencies(1, &graphics, &memory), 0);
-    CHECK_EQ(memory, 405000u);
-
+    CHECK_EQ((std::vector<unsigned>{graphics, memory}), (std::vector<unsigned>{300000, 405000}));
     bool present = false;
-    unsigned percent = 0;
     CHECK_EQ(api.dynamicPstatesInfo(0, &present, &percent), 0);
-    CHECK(present);
-    CHECK_EQ(percent, 42u);
+    CHECK(present && percent == 42);
     CHECK_EQ(api.pstates20(0), 0);
-    int pstate = -1;
     CHECK_EQ(api.currentPstate(1, &pstate), 0);
     CHECK_EQ(pstate, 8);
-    int celsius = 0;
     CHECK_EQ(api.thermalSensor0(0, &celsius), 0);
     CHECK_EQ(celsius, 64);
     api.unload();
 
-    CHECK_EQ(driver.versions[0], 0x10108u);
-    CHECK_EQ(driver.versions[1], 0x10048u);
-    CHECK_EQ(driver.versions[2], 0x31CF8u);
-    CHECK_EQ(driver.versions[3], 0x20044u);
-    CHECK_EQ(driver.thermalSensorIndex, 0u);
-    CHECK_EQ(driver.thermalController, 1);
-    CHECK_EQ(driver.thermalTarget, 1);
+    CHECK_EQ(driver.versions, (std::vector<uint32_t>{0x10108, 0x10048, 0x31CF8, 0x20044}));
+    CHECK_EQ(driver.thermalRequest, (std::vector<int32_t>{0, 1, 1}));
     CHECK_EQ(driver.calls, (std::vector<std::string>{"initialize", "unload"}));
 
     // A failing query leaves its outputs as they were.
     CHECK_EQ(api.initialize(), 0);
     CHECK_EQ(api.enumeratePhysicalGpus(&count), 0);
-    driver.failing = static_cast<int>(NvApi::kDynamicPstatesInfoExId);
-    present = true;
+    driver.failing = NvApi::kDynamicPstatesInfoExId;
     percent = 17;
     CHECK_EQ(api.dynamicPstatesInfo(0, &present, &percent), -5);
-    CHECK(present);
-    CHECK_EQ(percent, 17u);
-
-    driver.failing = static_cast<int>(NvApi::kThermalSettingsId);
+    CHECK(present && percent == 17);
+    driver.failing = NvApi::kThermalSettingsId;
     celsius = 3;
     CHECK_EQ(api.thermalSensor0(0, &celsius), -5);
     CHECK_EQ(celsius, 3);

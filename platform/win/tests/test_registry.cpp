@@ -13,15 +13,15 @@ using List = std::vector<std::wstring>;
 namespace {
 
 // Test programs share one prefix and may run at the same time.
-std::wstring uniqueKey(const wchar_t *root, const wchar_t *caseName)
+std::wstring uniqueKey(const wchar_t *caseName, const wchar_t *root = L"HKEY_CURRENT_USER")
 {
     return std::wstring(root) + L"\\Software\\VarnelTests\\" + caseName + L"-" +
            std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount64());
 }
 
-std::wstring userKey(const wchar_t *caseName)
+std::wstring subKey(const std::wstring &key)
 {
-    return uniqueKey(L"HKEY_CURRENT_USER", caseName);
+    return key.substr(key.find(L'\\') + 1);
 }
 
 RegistryValue query(const std::wstring &key, const std::wstring &name)
@@ -31,29 +31,19 @@ RegistryValue query(const std::wstring &key, const std::wstring &name)
     return value;
 }
 
-HKEY openUserKey(const std::wstring &key, REGSAM access)
-{
-    HKEY handle = nullptr;
-    CHECK_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, key.substr(key.find(L'\\') + 1).c_str(), 0, nullptr,
-                             0, access, nullptr, &handle, nullptr),
-             ERROR_SUCCESS);
-    return handle;
-}
-
 // Stores data the way another program might have, bypassing the writers under test.
 void setRaw(const std::wstring &key, const wchar_t *name, DWORD type, const std::wstring &data)
 {
-    HKEY handle = openUserKey(key, KEY_SET_VALUE);
-    CHECK_EQ(RegSetValueExW(handle, name, 0, type, reinterpret_cast<const BYTE *>(data.data()),
-                            static_cast<DWORD>(data.size() * sizeof(wchar_t))),
+    CHECK_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, subKey(key).c_str(), name, type, data.data(),
+                             static_cast<DWORD>(data.size() * sizeof(wchar_t))),
              ERROR_SUCCESS);
-    RegCloseKey(handle);
 }
 
 // The stored bytes as they are, read straight through the API ("" is the unnamed value).
 std::wstring rawData(const std::wstring &key, const wchar_t *name)
 {
-    HKEY handle = openUserKey(key, KEY_QUERY_VALUE);
+    HKEY handle = nullptr;
+    RegOpenKeyExW(HKEY_CURRENT_USER, subKey(key).c_str(), 0, KEY_QUERY_VALUE, &handle);
     wchar_t buffer[256] = {};
     DWORD size = sizeof(buffer);
     CHECK_EQ(
@@ -65,9 +55,9 @@ std::wstring rawData(const std::wstring &key, const wchar_t *name)
 
 } // namespace
 
-WINTEST_CASE(numbersAndStringsRoundTrip)
+WINTEST_CASE(valuesRoundTripWithTheirTypes)
 {
-    const std::wstring key = userKey(L"scalars");
+    const std::wstring key = uniqueKey(L"values");
     for (std::uint32_t number : {0u, 60u, 0xFFFFFFFFu}) {
         CHECK_EQ(setDwordValue(key, L"TdrDelay", number), ERROR_SUCCESS);
         const RegistryValue value = query(key, L"TdrDelay");
@@ -84,11 +74,7 @@ WINTEST_CASE(numbersAndStringsRoundTrip)
     // A value changes its type when written with another one.
     CHECK_EQ(setDwordValue(key, L"HiberbootEnabled", 1), ERROR_SUCCESS);
     CHECK_EQ(query(key, L"HiberbootEnabled").type, Type::Dword);
-}
 
-WINTEST_CASE(multiStringsRoundTripInOrder)
-{
-    const std::wstring key = userKey(L"multi");
     const std::vector<List> lists = {{L"HKKbdFltr", L"kbdclass"}, {}, {L" ", L"z", L"a", L"  "}};
     for (const List &list : lists) {
         CHECK_EQ(setMultiStringValue(key, L"UpperFilters", list), ERROR_SUCCESS);
@@ -112,21 +98,6 @@ WINTEST_CASE(multiStringsRoundTripInOrder)
     CHECK_EQ(query(key, L"ListGap").list, List{L"one"});
 }
 
-WINTEST_CASE(deletingReportsWhatWasMissing)
-{
-    const std::wstring key = userKey(L"delete");
-    CHECK_EQ(deleteValue(key, L"TdrDelay"), ERROR_FILE_NOT_FOUND);
-    CHECK_EQ(setDwordValue(key, L"TdrDelay", 60), ERROR_SUCCESS);
-    CHECK_EQ(deleteValue(key, L"TdrDdiDelay"), ERROR_FILE_NOT_FOUND);
-    CHECK(valueExists(key, L"TdrDelay"));
-    CHECK_EQ(deleteValue(key, L"TdrDelay"), ERROR_SUCCESS);
-    CHECK(!valueExists(key, L"TdrDelay"));
-    RegistryValue value;
-    CHECK_EQ(queryValue(key, L"TdrDelay", value), ERROR_FILE_NOT_FOUND);
-    CHECK_EQ(value.type, Type::None);
-    CHECK(keyExists(key));
-}
-
 // The sound scheme's marker is the unnamed value of its key.
 WINTEST_CASE(defaultNamesTheUnnamedValue)
 {
@@ -143,7 +114,7 @@ WINTEST_CASE(defaultNamesTheUnnamedValue)
 // The tweaks' own keys, with blanks in their paths; Wine grants machine-wide writes.
 WINTEST_CASE(machineWritesCreateTheirKeys)
 {
-    const std::wstring key = uniqueKey(L"HKEY_LOCAL_MACHINE", L"GraphicsDrivers");
+    const std::wstring key = uniqueKey(L"GraphicsDrivers", L"HKEY_LOCAL_MACHINE");
     CHECK(!keyExists(key));
     CHECK_EQ(setDwordValue(key, L"TdrDdiDelay", 60), ERROR_SUCCESS);
     CHECK(keyExists(key));
@@ -161,10 +132,11 @@ WINTEST_CASE(machineWritesCreateTheirKeys)
         CHECK_EQ(setDwordValue(power, L"HiberbootEnabled", before.dword), ERROR_SUCCESS);
 }
 
-WINTEST_CASE(pathsAreReadTheWayTheProgramWritesThem)
+WINTEST_CASE(pathsAndMissingValuesAreReported)
 {
-    const std::wstring key = userKey(L"paths");
-    const std::wstring sub = key.substr(key.find(L'\\') + 1);
+    const std::wstring key = uniqueKey(L"paths");
+    const std::wstring sub = subKey(key);
+    CHECK_EQ(deleteValue(key, L"Enabled"), ERROR_FILE_NOT_FOUND);
     CHECK_EQ(setDwordValue(key, L"Enabled", 1), ERROR_SUCCESS);
     std::wstring slashed = L"HKCU/" + sub + L"\\";
     for (wchar_t &c : slashed)
@@ -176,4 +148,13 @@ WINTEST_CASE(pathsAreReadTheWayTheProgramWritesThem)
     CHECK_EQ(queryValue(L"HKEY_CLASSES_ROOT\\Software", L"x", value), ERROR_INVALID_PARAMETER);
     CHECK_EQ(setDwordValue(L"SYSTEM\\CurrentControlSet", L"x", 1), ERROR_INVALID_PARAMETER);
     CHECK_EQ(queryValue(key + L"\\Missing", L"Enabled", value), ERROR_FILE_NOT_FOUND);
+
+    CHECK_EQ(deleteValue(key, L"TdrDdiDelay"), ERROR_FILE_NOT_FOUND);
+    CHECK(valueExists(key, L"Enabled"));
+    value = query(key, L"Enabled");
+    CHECK_EQ(deleteValue(key, L"Enabled"), ERROR_SUCCESS);
+    CHECK(!valueExists(key, L"Enabled"));
+    CHECK_EQ(queryValue(key, L"Enabled", value), ERROR_FILE_NOT_FOUND);
+    CHECK_EQ(value.type, Type::None); // nothing left of the earlier read
+    CHECK(keyExists(key));
 }

@@ -1,10 +1,18 @@
 #include "wintest.h"
 
 #include "battery.h"
+#include "nativemessage.h"
+#include "systemsampler.h"
 #include "win_commands.h"
 #include "win_identity.h"
 #include "win_powersource.h"
 #include "wmiquery.h"
+
+#include <windows.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 
 using namespace varnel::win;
 
@@ -29,6 +37,20 @@ std::string valueLine(const std::string &text)
     const size_t start = text.find('\n') + 1;
     const size_t end = text.find_last_not_of(" \r\n", text.find('\n', start));
     return text.substr(start, end + 1 - start);
+}
+
+// A number from one of the host's own files, through Wine's Z: drive, to check against; a
+// format of "Key: %llu" finds its key first.
+unsigned long long hostFigure(const std::string &path, const std::string &format)
+{
+    std::ifstream in("Z:" + path);
+    const std::string content{std::istreambuf_iterator<char>(in), {}};
+    const size_t space = format.find(' ');
+    const size_t at = space == std::string::npos ? 0 : content.find(format.substr(0, space));
+    unsigned long long value = 0;
+    if (at != std::string::npos)
+        std::sscanf(content.c_str() + at, format.c_str(), &value);
+    return value;
 }
 
 } // namespace
@@ -86,16 +108,15 @@ WINTEST_CASE(wmiAndWmicAgree)
 
 WINTEST_CASE(batteryQueriesAnswerInWmicsLayout)
 {
-    CHECK_EQ(batteryQueryProperty(L"WMIC Path Win32_Battery Get BatteryStatus"),
-             std::wstring(L"BatteryStatus"));
-    CHECK_EQ(batteryQueryProperty(L"WMIC Path Win32_Battery Get EstimatedChargeRemaining"),
-             std::wstring(L"EstimatedChargeRemaining"));
-    CHECK_EQ(batteryQueryProperty(L"wmic path win32_battery get batterystatus"),
-             std::wstring(L"BatteryStatus"));
-    for (const wchar_t *other :
-         {L"WMIC Path Win32_Battery Get DesignCapacity",
-          L"WMIC Path Win32_Battery Get BatteryStatus /value", L"wmic cpu get Name"})
-        CHECK(batteryQueryProperty(other).empty());
+    const std::pair<const wchar_t *, const wchar_t *> rows[] = {
+        {L"WMIC Path Win32_Battery Get BatteryStatus", L"BatteryStatus"},
+        {L"WMIC Path Win32_Battery Get EstimatedChargeRemaining", L"EstimatedChargeRemaining"},
+        {L"wmic path win32_battery get batterystatus", L"BatteryStatus"},
+        {L"WMIC Path Win32_Battery Get DesignCapacity", L""},
+        {L"WMIC Path Win32_Battery Get BatteryStatus /value", L""},
+        {L"wmic cpu get Name", L""}};
+    for (const auto &[line, property] : rows)
+        CHECK_EQ(batteryQueryProperty(line), std::wstring(property));
 
     CHECK_EQ(wmicTable("BatteryStatus", {"2"}),
              std::string("BatteryStatus  \r\r\n2              \r\r\n\r\r\n"));
@@ -120,9 +141,78 @@ WINTEST_CASE(userNameAndPowerSource)
     std::string name;
     CHECK(currentUserName(name));
     std::string echoed = decodeCommandOutput(runAndRead(L"cmd /c echo %USERNAME%", 30000));
-    while (!echoed.empty() && (echoed.back() == '\n' || echoed.back() == '\r'))
-        echoed.pop_back();
     CHECK(!name.empty());
-    CHECK_EQ(name, echoed);
+    CHECK_EQ(name + "\r\n", echoed);
     CHECK_EQ(acLineStatus(), 1);
+}
+
+// Posted to this thread and taken off the queue as the event loop would.
+WINTEST_CASE(queuedMessagesCarryTheirIdAndCode)
+{
+    MSG msg{};
+    PeekMessageW(&msg, nullptr, 0, 0, PM_NOREMOVE); // gives the thread its message queue
+    const std::pair<UINT, WPARAM> rows[] = {
+        {WM_POWERBROADCAST, PBT_APMSUSPEND},       {WM_POWERBROADCAST, PBT_APMRESUMESUSPEND},
+        {WM_POWERBROADCAST, PBT_APMRESUMESTANDBY}, {WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC},
+        {0xC08E, WPARAM(0x0123456789ABCDEFull)}, // the device message, with a wide code
+    };
+    for (const auto &[id, code] : rows) {
+        CHECK(PostThreadMessageW(GetCurrentThreadId(), id, code, 0));
+        CHECK(GetMessageW(&msg, nullptr, id, id) > 0);
+        NativeMessage read;
+        CHECK(readNativeMessage(id == 0x218 ? "windows_generic_MSG" : "windows_dispatcher_MSG",
+                                &msg, read));
+        CHECK_EQ(read.id, id);
+        CHECK_EQ(read.code, static_cast<std::uintptr_t>(code));
+    }
+    NativeMessage read;
+    read.id = 7;
+    CHECK(!readNativeMessage("xcb_generic_event_t", &msg, read));
+    CHECK(!readNativeMessage("windows_generic_MSG", nullptr, read));
+    CHECK(!readNativeMessage("", &msg, read));
+    CHECK_EQ(read.id, 7u);
+}
+
+WINTEST_CASE(memoryTimesAndDiskMatchTheHost)
+{
+    uint64_t total = 0, available = 0;
+    CHECK(memoryStatus(&total, &available));
+    const unsigned long long hostKib = hostFigure("/proc/meminfo", "MemTotal: %llu");
+    CHECK(hostKib > 0);
+    CHECK_EQ(total >> 20, (hostKib * 1024) >> 20);
+    CHECK(available > 0 && available <= total);
+
+    uint64_t idle0 = 0, kernel0 = 0, user0 = 0, idle1 = 0, kernel1 = 0, user1 = 0;
+    CHECK(systemTimes(&idle0, &kernel0, &user0));
+    CHECK(kernel0 >= idle0);
+    const DWORD start = GetTickCount();
+    for (volatile uint64_t spin = 0; GetTickCount() - start < 300;)
+        spin = spin + 1;
+    CHECK(systemTimes(&idle1, &kernel1, &user1));
+    CHECK(kernel1 >= kernel0);
+    CHECK(user1 + kernel1 > user0 + kernel0);
+
+    const uint64_t free = freeBytesForCaller();
+    ULARGE_INTEGER caller{}, size{}, totalFree{};
+    CHECK(GetDiskFreeSpaceExW(L"C:\\", &caller, &size, &totalFree));
+    CHECK(free > 0 && free <= size.QuadPart);
+    CHECK((free > caller.QuadPart ? free - caller.QuadPart : caller.QuadPart - free) <
+          (64ull << 20));
+}
+
+// The busiest host interface shows up with the same received octets (low 32 bits), give or take
+// the traffic of the moment; a loopback is always there.
+WINTEST_CASE(interfaceTableHasTheHostsCounters)
+{
+    InterfaceTable table;
+    CHECK(table.available());
+    bool loopback = false, matched = false;
+    const auto hostReceived =
+        static_cast<uint32_t>(hostFigure("/sys/class/net/eth0/statistics/rx_bytes", "%llu"));
+    for (const InterfaceRow &row : table.rows()) {
+        loopback = loopback || row.type == 24;
+        matched = matched || (row.type == 6 && row.inOctets - hostReceived < (16u << 20));
+    }
+    CHECK(loopback);
+    CHECK(matched || hostReceived == 0);
 }
