@@ -27,7 +27,8 @@ Outcome writeFailed(const QString &what, int error)
 
 bool ProcessorLimits::usesPstate() const
 {
-    // In passive mode intel_pstate hands the limits to cpufreq's governors.
+    // intel_pstate's percent limits govern its active and passive modes alike; switched off, it
+    // refuses them and cpufreq's own limits apply.
     return m_tree.exists(pstateDir + QStringLiteral("max_perf_pct")) &&
            m_tree.read(pstateDir + QStringLiteral("status")).value_or(QString()) !=
                QLatin1String("off");

@@ -90,6 +90,8 @@ private slots:
             << LimitRow{"cpufreq-low-max", "min", 90, none, 50, {min0 + "1600000"}};
         QTest::newRow("pstate switched off: cpufreq")
             << LimitRow{"pstate-off", "max", 50, none, 50, {max0 + "1600000", maxPct + "100"}};
+        QTest::newRow("pstate passive: its own limits still")
+            << LimitRow{"pstate-passive", "max", 50, none, 50, {maxPct + "50", max0 + "3200000"}};
         for (int bad : {-1, 101}) {
             const QString why = QStringLiteral("%1% is not a processor limit between 0 and 100%.");
             QTest::addRow("pstate minimum %d", bad)
@@ -134,9 +136,11 @@ private slots:
             QFile::remove(tree.root() + '/' + pstate + "min_perf_pct");
             QVERIFY(QDir(tree.root()).mkpath(pstate + "min_perf_pct"));
         }
-        if (row.setup == QLatin1String("pstate-off"))
-            tree.put(pstate + "status", "off\n");
-        if (row.setup.startsWith(QLatin1String("cpufreq")) || row.setup == "pstate-off")
+        if (row.setup == QLatin1String("pstate-off") || row.setup == "pstate-passive") {
+            tree.put(pstate + "status", row.setup.mid(7).toLatin1() + '\n');
+            tree.putCpufreq();
+        }
+        if (row.setup.startsWith(QLatin1String("cpufreq")))
             tree.putCpufreq();
         if (row.setup == QLatin1String("cpufreq-no-top"))
             tree.put(cpu0 + "cpuinfo_max_freq", "0\n");

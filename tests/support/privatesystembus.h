@@ -24,8 +24,9 @@ public:
             QStringLiteral("org.varnel.Helper"));
         if (helper.isValid() && helper.value() > 0) {
             ::kill(pid_t(helper.value()), SIGTERM);
-            // Gone from the bus first, so that the daemon that started it also reaps it.
-            QTest::qWaitFor(
+            // Gone from the bus first, so that the daemon that started it also reaps it; if it
+            // lingers, the daemon's own end takes it down.
+            (void)QTest::qWaitFor(
                 [] {
                     return !QDBusConnection::systemBus().interface()->isServiceRegistered(
                         QStringLiteral("org.varnel.Helper"));
