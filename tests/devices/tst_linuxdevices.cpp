@@ -1,4 +1,7 @@
+#include "commandtable.h"
 #include "desktoppower.h"
+#include "desktopsettings.h"
+#include "devicecommands.h"
 #include "gsettingskey.h"
 #include "linuxregistry.h"
 #include "rfkillswitch.h"
@@ -39,7 +42,8 @@ public:
 
 } // namespace
 
-// The Linux device backends: the wireless switch and the touchpad preference.
+// The Linux device backends: the wireless switch, the touchpad preference and the desktop's
+// settings programs.
 class TestLinuxDevices : public QObject {
     Q_OBJECT
 
@@ -168,6 +172,93 @@ private slots:
             QVERIFY(blocker.install());
         }
         QCOMPARE(stored(mutter, "overlay-key"), QStringLiteral("'Super_L'"));
+    }
+
+    // Stand-ins on a PATH of their own record how they were started; the first one installed wins.
+    void settingsPagesStartTheFirstInstalledProgram_data()
+    {
+        QTest::addColumn<QStringList>("installed");
+        QTest::addColumn<QString>("page"); // a command line, or the display or power page
+        QTest::addColumn<QString>("started");
+        const QString sound = "explorer ms-settings:sound";
+        const QString touchpad = "explorer ms-settings:devices-touchpad";
+        const QString camera = "explorer microsoft.windows.camera:";
+        const QStringList desktops = {"gnome-control-center", "systemsettings", "kcmshell5"};
+        const auto row = [](const QStringList &installed, const QString &page,
+                            const QString &started) {
+            QTest::addRow("%s with %s", qPrintable(page), qPrintable(installed.join('+')))
+                << installed << page << started;
+        };
+        row(desktops + QStringList{"pavucontrol"}, sound, "gnome-control-center sound");
+        row(desktops.mid(1), sound, "systemsettings kcm_pulseaudio");
+        row({"kcmshell5", "pavucontrol"}, sound, "kcmshell5 kcm_pulseaudio");
+        row({"pavucontrol"}, sound, "pavucontrol ");
+        row({}, sound, "");
+        row(desktops, touchpad, "gnome-control-center mouse");
+        row(desktops.mid(1), touchpad, "systemsettings kcm_touchpad");
+        row({"kcmshell5"}, touchpad, "kcmshell5 kcm_touchpad");
+        row({"pavucontrol"}, touchpad, "");
+        row({"snapshot", "cheese", "kamoso", "guvcview"}, camera, "snapshot ");
+        row({"cheese", "kamoso", "guvcview"}, camera, "cheese ");
+        row({"kamoso", "guvcview"}, camera, "kamoso ");
+        row({"guvcview"}, camera, "guvcview ");
+        row(desktops, "display", "gnome-control-center display");
+        row(desktops, "power", "gnome-control-center power");
+        row(desktops.mid(1), "display", "systemsettings kcm_kscreen");
+        row(desktops.mid(1), "power", "systemsettings kcm_powerdevilprofilesconfig");
+        row({"kcmshell5"}, "display", "kcmshell5 kcm_kscreen");
+        row({"kcmshell5"}, "power", "kcmshell5 powerdevilprofilesconfig");
+        row({"pavucontrol"}, "display", "");
+        row({}, "power", "");
+    }
+
+    void settingsPagesStartTheFirstInstalledProgram()
+    {
+        QFETCH(QStringList, installed);
+        QFETCH(QString, page);
+        QFETCH(QString, started);
+        QTemporaryDir bin;
+        const QString log = bin.filePath(QStringLiteral("started"));
+        for (const QString &name : installed) {
+            QFile program(bin.filePath(name));
+            QVERIFY(program.open(QIODevice::WriteOnly));
+            program.write("#!/bin/sh\necho \"${0##*/} $*\" > \"$0.log\"\n/bin/mv \"$0.log\" \"" +
+                          QFile::encodeName(log) + "\"\n");
+            program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
+        }
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(bin.path()));
+        bool ran = false;
+        if (page == QLatin1String("display") || page == QLatin1String("power")) {
+            SessionDesktopSettings desktop;
+            ran = page == QLatin1String("display") ? desktop.openDisplaySettings()
+                                                   : desktop.openPowerSettings();
+        } else {
+            CommandTable table;
+            addDeviceCommands(table);
+            ran = table.canRun(page);
+            QCOMPARE(table.run(page), std::optional<QString>(QString()));
+        }
+        qputenv("PATH", path);
+        QCOMPARE(ran, !started.isEmpty());
+        if (ran) {
+            QTRY_VERIFY(QFile::exists(log));
+            QFile file(log);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QCOMPARE(QString::fromUtf8(file.readAll()), started + '\n');
+        }
+    }
+
+    void ambientBrightnessIsTheSettingsDaemons()
+    {
+        QVERIFY2(SessionDesktopSettings::hasAmbientBrightness(),
+                 "GNOME's power schema is not installed");
+        SessionDesktopSettings desktop;
+        for (const bool on : {false, true}) {
+            QVERIFY(desktop.setAmbientBrightness(on));
+            QCOMPARE(stored("org.gnome.settings-daemon.plugins.power", "ambient-enabled"),
+                     QLatin1String(on ? "true" : "false"));
+        }
     }
 
 private:
