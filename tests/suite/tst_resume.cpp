@@ -26,13 +26,6 @@ const QStringList kFixesInOrder = {
     R"(shown 1: Libs\InitHeadphone.exe)", R"(shown 1: Libs\PhoneJack.exe)",
     R"(shown 0: Libs\AuxSwitch.exe)"};
 
-void checkFixBoxes(TestWindow &p)
-{
-    p.ui().checkBox_headphonefix->setChecked(true);
-    p.ui().checkBox_3->setChecked(true);
-    p.ui().checkBox_ReApply->setChecked(true);
-}
-
 } // namespace
 
 class TestResume : public QObject {
@@ -98,56 +91,57 @@ private slots:
         QCOMPARE(fake.scheduler->history, QStringList({"2000 awake2", "3000 awake", "3000 awake"}));
     }
 
-    void resumeWithoutBoxesOnlyRereadsVolumeAndBrightness()
+    // Whatever the boxes, a resume re-reads volume then brightness; the device message does not.
+    void runsTheActionsLater_data()
     {
+        QTest::addColumn<bool>("boxes"); // the two fixes and the tuning re-apply
+        QTest::addColumn<quint32>("id");
+        QTest::addColumn<quintptr>("code");
+        const quint32 power = powermsg::powerBroadcast;
+        QTest::newRow("resume, no boxes") << false << power << quintptr(powermsg::resumeAutomatic);
+        QTest::newRow("resume") << true << power << quintptr(powermsg::resumeSuspend);
+        QTest::newRow("device message") << true << quint32(powermsg::deviceMessage) << quintptr(0);
+    }
+
+    void runsTheActionsLater()
+    {
+        QFETCH(bool, boxes);
+        QFETCH(quint32, id);
+        QFETCH(quintptr, code);
+        const bool device = id == powermsg::deviceMessage;
         TestWindow p;
         p.start();
+        for (QCheckBox *box :
+             {p.ui().checkBox_headphonefix, p.ui().checkBox_3, p.ui().checkBox_ReApply})
+            box->setChecked(boxes);
+        p.window->cpuTuning()->reapplyDone = true;
         p.fake.audio->level = 0.73f;
         p.fake.panel->level = 35;
-        emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeAutomatic);
-        QCOMPARE(p.fake.scheduler->history, QStringList({"3000 awake"}));
-        p.fake.scheduler->advance(2999);
+        p.fake.log->clear();
+        emit p.fake.sleep->powerMessage(id, code);
+        QCOMPARE(p.fake.scheduler->history, QStringList(device ? "2000 awake2" : "3000 awake"));
+        p.fake.scheduler->advance(device ? 1999 : 2999);
         QVERIFY(p.fake.log->entries.isEmpty());
 
         p.fake.scheduler->advance(1);
+        const QStringList done = actions(*p.fake.log);
+        QCOMPARE(done.mid(0, 5), boxes ? kFixesInOrder : QStringList());
+        const int volume = p.fake.log->entries.indexOf(QRegularExpression("audio 1 .*"));
+        const int brightness = p.fake.log->indexOf("panel read");
+        if (device) {
+            QCOMPARE(done.size(), 5);
+            QCOMPARE(brightness, -1);
+            QCOMPARE(p.fake.log->withPrefix("audio ").size(), 0);
+            return;
+        }
         QCOMPARE(p.ui().Slider_Volume->value(), 73);
         QCOMPARE(p.ui().Slider_Brightness->value(), 35);
-        QVERIFY(p.fake.log->indexOf("panel read") >
-                p.fake.log->entries.indexOf(QRegularExpression("audio 1 .*")));
-        QCOMPARE(actions(*p.fake.log), QStringList());
-    }
-
-    void resumeRunsFixesThenRereadsThenTuning()
-    {
-        TestWindow p;
-        p.start();
-        checkFixBoxes(p);
-        p.window->cpuTuning()->reapplyDone = true;
-        emit p.fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
-        p.fake.scheduler->advance(3000);
-
-        const QStringList &log = p.fake.log->entries;
-        QCOMPARE(actions(*p.fake.log).mid(0, 5), kFixesInOrder);
-        const int volume = log.indexOf(QRegularExpression("audio 1 .*"));
-        const int brightness = p.fake.log->indexOf("panel read");
         QVERIFY(p.fake.log->indexOf(kFixesInOrder.last()) < volume);
         QVERIFY(volume < brightness);
-        QVERIFY(brightness < log.indexOf(QRegularExpression("process: .*")));
+        const int tuning = p.fake.log->entries.indexOf(QRegularExpression("process: .*"));
+        QCOMPARE(brightness < tuning, boxes);
         // The once-per-run re-apply may run again after a resume.
-        QVERIFY(!p.window->cpuTuning()->reapplyDone);
-    }
-
-    void deviceMessageRunsTheFixesOnly()
-    {
-        TestWindow p;
-        p.start();
-        checkFixBoxes(p);
-        emit p.fake.sleep->powerMessage(powermsg::deviceMessage, 0);
-        QCOMPARE(p.fake.scheduler->history, QStringList({"2000 awake2"}));
-        p.fake.scheduler->advance(2000);
-        QCOMPARE(actions(*p.fake.log), kFixesInOrder);
-        QCOMPARE(p.fake.log->indexOf("panel read"), -1);
-        QCOMPARE(p.fake.log->withPrefix("audio ").size(), 0);
+        QCOMPARE(p.window->cpuTuning()->reapplyDone, !boxes);
     }
 };
 
