@@ -60,21 +60,12 @@ private:
 };
 
 const QString kBranding = QStringLiteral("branding//varnel_branding.ini");
-const QString kWorkFile = QStringLiteral("updates//work.ini");
 const QString kUpdater = QStringLiteral(R"(shown 1: updates\Update.exe)");
 const QString kLatestText =
     QStringLiteral("You are running the latest version, there is no update.");
-const QString kBetaText =
-    QStringLiteral("Your version is newer then the official latest! Are you a beta tester?");
 const QString kNoAnswerText =
     QStringLiteral("The update server did not answer with a version. Please try again later.");
 const QString kUpdateText = QStringLiteral("There is an update! Click the update button.");
-
-// The work file as the updater reads it.
-QStringList updaterStarts(const OperationLog &log)
-{
-    return log.entries.filter(QStringLiteral("Update.exe"));
-}
 
 // Runs what starts a check and waits for its result.
 template <typename Start> bool checkAndWait(UpdateChecker *updates, Start start)
@@ -84,9 +75,10 @@ template <typename Start> bool checkAndWait(UpdateChecker *updates, Start start)
     return checked.count() > 0 || checked.wait(5000);
 }
 
+// The work file as the updater reads it.
 QString pendingUpdate(const TestFolder &folder)
 {
-    QSettings work(folder.file(kWorkFile), QSettings::IniFormat);
+    QSettings work(folder.file("updates//work.ini"), QSettings::IniFormat);
     return work.value(QStringLiteral("workqueue/Varnel")).toString();
 }
 
@@ -172,7 +164,9 @@ private slots:
             QStringLiteral("Your version is newer then the official latest! You are "
                            "probably a beta tester.\n");
         row("equal", 200, "2.3.1", "2.3.1", kLatestText, same);
-        row("older on the server", 200, "2.3", "2.3", kBetaText, beta);
+        row("older on the server", 200, "2.3", "2.3",
+            "Your version is newer then the official latest! Are you a beta tester?", beta);
+        row("newer on the server", 200, "2.3.1.1", "2.3.1.1", kUpdateText, QString());
         row("error status, body still read", 404, "3.0", "3.0", kUpdateText, QString());
         // An answer that is no version is no answer: never shown whole, never offering an update.
         row("error page", 404, "<html><body><h1>Not Found</h1></body></html>\n", "", kNoAnswerText,
@@ -198,7 +192,7 @@ private slots:
         if (!status)
             server.close();
 
-        p.fake.dialogs->answers = {QMessageBox::No};
+        p.fake.dialogs->answers = {QMessageBox::Yes, QMessageBox::No};
         p.window = std::make_unique<MainWindow>(p.fake.bundle());
         Ui::MainWindow &ui = p.ui();
         auto *updates = p.window->findChild<UpdateChecker *>();
@@ -209,71 +203,49 @@ private slots:
         QCOMPARE(ui.Label_CurrentVersion->text(), QStringLiteral("Installed Version: 2.3.1"));
         QCOMPARE(ui.Label_LatestVersion->text(), "Latest Version: " + latest);
         QCOMPARE(ui.Label_AboutVersion->text(), aboutLabel);
-        if (boxText.isEmpty()) {
-            // An update: offered at once, on the automatic check too.
-            QCOMPARE(p.fake.dialogs->shown.size(), 1);
-            QVERIFY(ui.Button_Update->isEnabled());
+        const bool update = boxText.isEmpty();
+        QCOMPARE(ui.Button_Update->isEnabled(), update);
+        QCOMPARE(pendingUpdate(p.folder), QString(update ? "true" : "false"));
+        if (update) {
+            // Asked at once, on the automatic check too, and Yes starts the updater.
+            QCOMPARE(p.fake.dialogs->lines(),
+                     QStringList("Question | Update Information | There is an update for this "
+                                 "software! Do you want to update now?\n | Yes|No"));
+            QCOMPARE(p.fake.log->entries.filter("Update.exe"), QStringList({kUpdater}));
+
+            // By hand, answered No: nothing starts, and the manual flag stays set.
+            QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
+            QCOMPARE(p.fake.dialogs->shown.size(), 2);
+            QCOMPARE(p.fake.log->entries.filter("Update.exe").size(), 1);
+            QVERIFY(updates->manualUpdateCheck());
+            ui.Button_Update->click();
+            QCOMPARE(p.fake.log->entries.filter("Update.exe"), QStringList({kUpdater, kUpdater}));
+
+            // The flag still set, the next result without an update is announced, then cleared.
+            server.body = "2.3.1";
+            QVERIFY(checkAndWait(
+                updates, [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
+            QCOMPARE(p.fake.dialogs->lines().size(), 3);
+            QCOMPARE(p.fake.dialogs->lines().last(),
+                     "Information | Update Information | " + kLatestText + "\n | Ok");
+            QVERIFY(!updates->manualUpdateCheck());
+            QVERIFY(!ui.Button_Update->isEnabled());
+            QCOMPARE(pendingUpdate(p.folder), QStringLiteral("false"));
             return;
         }
         // The check during start-up announces nothing unless there is an update.
-        QVERIFY(!ui.Button_Update->isEnabled());
-        QCOMPARE(pendingUpdate(p.folder), QStringLiteral("false"));
         QVERIFY(p.fake.dialogs->shown.isEmpty());
 
         QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
         QCOMPARE(p.fake.dialogs->lines(),
                  QStringList("Information | Update Information | " + boxText + " | Ok"));
         QVERIFY(!updates->manualUpdateCheck());
-        QCOMPARE(updaterStarts(*p.fake.log), QStringList());
+        QCOMPARE(p.fake.log->entries.filter("Update.exe"), QStringList());
 
         // Cleared: the next automatic check is quiet again.
         QVERIFY(checkAndWait(updates,
                              [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
         QCOMPARE(p.fake.dialogs->shown.size(), 1);
-    }
-
-    void anUpdateIsOfferedOnEveryCheck()
-    {
-        TestWindow p;
-        VersionServer server;
-        QVERIFY(server.listen());
-        server.body = "2.3.1.1";
-        p.folder.setIni(kBranding, "updateserver", server.address());
-
-        p.fake.dialogs->answers = {QMessageBox::Yes, QMessageBox::No};
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
-        Ui::MainWindow &ui = p.ui();
-        auto *updates = p.window->findChild<UpdateChecker *>();
-        QVERIFY(checkAndWait(updates, [] {}));
-
-        // Start-up: asked at once, and Yes starts the updater.
-        QCOMPARE(ui.Label_AboutVersion->text(), kUpdateText);
-        QCOMPARE(ui.Label_LatestVersion->text(), QStringLiteral("Latest Version: 2.3.1.1"));
-        QVERIFY(ui.Button_Update->isEnabled());
-        QCOMPARE(pendingUpdate(p.folder), QStringLiteral("true"));
-        QCOMPARE(p.fake.dialogs->lines(),
-                 QStringList("Question | Update Information | There is an update for this "
-                             "software! Do you want to update now?\n | Yes|No"));
-        QCOMPARE(updaterStarts(*p.fake.log), QStringList({kUpdater}));
-
-        // By hand, answered No: nothing starts, and the manual flag stays set.
-        QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
-        QCOMPARE(p.fake.dialogs->shown.size(), 2);
-        QCOMPARE(updaterStarts(*p.fake.log).size(), 1);
-        QVERIFY(updates->manualUpdateCheck());
-        ui.Button_Update->click();
-        QCOMPARE(updaterStarts(*p.fake.log), QStringList({kUpdater, kUpdater}));
-
-        // The flag still set, the next result without an update is announced, then cleared.
-        server.body = "2.3.1";
-        QVERIFY(checkAndWait(updates,
-                             [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
-        QCOMPARE(p.fake.dialogs->lines().size(), 3);
-        QCOMPARE(p.fake.dialogs->lines().last(),
-                 "Information | Update Information | " + kLatestText + "\n | Ok");
-        QVERIFY(!updates->manualUpdateCheck());
-        QVERIFY(!ui.Button_Update->isEnabled());
-        QCOMPARE(pendingUpdate(p.folder), QStringLiteral("false"));
     }
 
     void theShippedPlaceholderIsNeverAsked()
