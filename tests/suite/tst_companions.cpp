@@ -164,50 +164,49 @@ private slots:
     // The Run key of a Linux registry, as the desktop's autostart entries.
     void runValuesAreAutostartEntries()
     {
-        const QString none = QStringLiteral("none");
-        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(), none);
+        const auto value = [this](const char *name) {
+            return m_registry.value(kRun, name, "none").toString();
+        };
+        QCOMPARE(value("Fan Control"), QStringLiteral("none"));
         QVERIFY(!m_registry.contains(kRun, "Fan Control"));
-
         m_registry.setValue(kRun, "Fan Control", "/opt/helmsuite/fancontrol --tray");
         QVERIFY(QFile::exists(entry("Fan Control.desktop")));
-        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(),
-                 QStringLiteral("/opt/helmsuite/fancontrol --tray"));
-        QVERIFY(m_registry.contains(kRun, "Fan Control"));
+        QCOMPARE(value("Fan Control"), QStringLiteral("/opt/helmsuite/fancontrol --tray"));
         // Case of the key path does not matter, as in the registry.
         QVERIFY(m_registry.contains(kRun.toLower(), "Fan Control"));
-
         m_registry.remove(kRun, "Fan Control");
         QVERIFY(!QFile::exists(entry("Fan Control.desktop")));
-        QCOMPARE(m_registry.value(kRun, "Fan Control", none).toString(), none);
-    }
+        QCOMPARE(value("Fan Control"), QStringLiteral("none"));
 
-    void hiddenEntriesCountAsRemoved()
-    {
-        // An entry the desktop's settings switched off, with actions after the main group.
+        // Switched off in the desktop's settings: removed. Actions after the main group are no
+        // part of the entry.
         write("Updater.desktop", "[Desktop Entry]\nType=Application\nExec=updater\nHidden=true\n"
                                  "[Desktop Action x]\nExec=other\n");
         QVERIFY(!m_registry.contains(kRun, "Updater"));
-        QCOMPARE(m_registry.value(kRun, "Updater", "none").toString(), QStringLiteral("none"));
-
+        QCOMPARE(value("Updater"), QStringLiteral("none"));
         write("KeyboardLED.desktop", "[Desktop Entry]\nExec=kbd --min\nHidden=false\n"
                                      "[Desktop Action x]\nExec=other\n");
-        QCOMPARE(m_registry.value(kRun, "KeyboardLED", "none").toString(),
-                 QStringLiteral("kbd --min"));
-    }
+        QCOMPARE(value("KeyboardLED"), QStringLiteral("kbd --min"));
 
-    void otherKeysAreNotEntries()
-    {
         m_registry.setValue(
-            R"(HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\RunOnce)", "Updater",
+            R"(HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\RunOnce)", "Fan Control",
             "x");
-        QVERIFY(!QFile::exists(entry("Updater.desktop")));
+        QVERIFY(!QFile::exists(entry("Fan Control.desktop")));
         // A name cannot leave the autostart folder.
         m_registry.setValue(kRun, "../escape", "x");
         QVERIFY(QFile::exists(entry(".._escape.desktop")));
     }
 
 private:
-    void writeLocator(const QString &relative, const QString &appUrl);
+    // The locator file of one companion, in the Documents folder of a home of the test's own.
+    void writeLocator(const QString &relative, const QString &appUrl)
+    {
+        const QString path = localPath(Companions::documentsFolder() + relative);
+        QVERIFY(path.startsWith(m_home->path() + "/Documents/Helmsuite/"));
+        QDir().mkpath(QFileInfo(path).path());
+        QSettings ini(path, QSettings::IniFormat);
+        ini.setValue("settings/appurl", appUrl);
+    }
     QString entry(const QString &name) const
     {
         return m_home->path() + "/.config/autostart/" + name;
@@ -224,16 +223,6 @@ private:
     LinuxRegistry m_registry;
     QScopedPointer<QTemporaryDir> m_home;
 };
-
-// The locator file of one companion, in the Documents folder of a home of the test's own.
-void TestCompanions::writeLocator(const QString &relative, const QString &appUrl)
-{
-    const QString path = localPath(Companions::documentsFolder() + relative);
-    QVERIFY(path.startsWith(m_home->path() + "/Documents/Helmsuite/"));
-    QDir().mkpath(QFileInfo(path).path());
-    QSettings ini(path, QSettings::IniFormat);
-    ini.setValue("settings/appurl", appUrl);
-}
 
 QTEST_MAIN(TestCompanions)
 #include "tst_companions.moc"

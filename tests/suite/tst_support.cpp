@@ -1,16 +1,97 @@
+// The support tab and the update check: what the branding file and the update server make of
+// them.
 #include "supportpage.h"
 #include "testwindow.h"
+#include "updatechecker.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 namespace {
+
+// A one-file HTTP server on 127.0.0.1 that answers every request with the same status and body,
+// and remembers the request lines it saw.
+class VersionServer : public QObject {
+public:
+    int status = 200;
+    QByteArray body;
+    QStringList requests;
+    bool silent = false; // take the request, never answer
+
+    VersionServer()
+    {
+        connect(&m_server, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket *socket = m_server.nextPendingConnection())
+                serve(socket);
+        });
+    }
+    bool listen() { return m_server.listen(QHostAddress::LocalHost, 0); }
+    void close() { m_server.close(); } // the address stays, refusing
+    QString address() const
+    {
+        return QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort());
+    }
+    // Closes every connection still held open.
+    void dropAll()
+    {
+        for (QTcpSocket *socket : m_server.findChildren<QTcpSocket *>())
+            socket->abort();
+    }
+
+private:
+    void serve(QTcpSocket *socket)
+    {
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+            m_pending[socket] += socket->readAll();
+            if (!m_pending[socket].contains("\r\n\r\n"))
+                return;
+            requests << QString::fromLatin1(m_pending.take(socket).split('\r').first());
+            if (silent)
+                return;
+            socket->write("HTTP/1.1 " + QByteArray::number(status) + " Answer\r\n" +
+                          "Content-Type: text/plain\r\nContent-Length: " +
+                          QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body);
+            socket->disconnectFromHost();
+        });
+    }
+
+    QTcpServer m_server;
+    QHash<QTcpSocket *, QByteArray> m_pending;
+};
+
 const QString kBranding = QStringLiteral("branding/varnel_branding.ini");
+const QString kUpdater = QStringLiteral(R"(shown 1: updates\Update.exe)");
+const QString kLatestText =
+    QStringLiteral("You are running the latest version, there is no update.");
+const QString kNoAnswerText =
+    QStringLiteral("The update server did not answer with a version. Please try again later.");
+const QString kUpdateText = QStringLiteral("There is an update! Click the update button.");
+
+// Runs what starts a check and waits for its result.
+template <typename Start> bool checkAndWait(UpdateChecker *updates, Start start)
+{
+    QSignalSpy checked(updates, &UpdateChecker::checked);
+    start();
+    return checked.count() > 0 || checked.wait(5000);
 }
+
+// The work file as the updater reads it.
+QString pendingUpdate(const TestFolder &folder)
+{
+    QSettings work(folder.file("updates//work.ini"), QSettings::IniFormat);
+    return work.value(QStringLiteral("workqueue/Varnel")).toString();
+}
+
+} // namespace
 
 class TestSupport : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { QCoreApplication::setApplicationVersion(QStringLiteral("2.3.1")); }
+
     void brandingFillsTheSupportTab()
     {
         TestWindow p;
@@ -128,6 +209,163 @@ private slots:
         const QStringList expected =
             opened.isEmpty() ? QStringList() : QStringList{entry, entry, entry};
         QCOMPARE(p.fake.log->withPrefix("open url"), expected);
+    }
+
+    void checksAtStartAndByHand_data()
+    {
+        QTest::addColumn<int>("status"); // 0: nothing listens
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("latest");
+        QTest::addColumn<QString>("aboutLabel");
+        QTest::addColumn<QString>("boxText"); // shown only after the button; empty: an update
+        auto row = [](const char *name, int status, const QByteArray &body, const char *latest,
+                      const QString &about, const QString &box) {
+            QTest::newRow(name) << status << body << QString(latest) << about << box;
+        };
+        const QString same = kLatestText + '\n', none = kNoAnswerText + '\n';
+        const QString beta =
+            QStringLiteral("Your version is newer then the official latest! You are "
+                           "probably a beta tester.\n");
+        row("equal", 200, "2.3.1", "2.3.1", kLatestText, same);
+        row("older on the server", 200, "2.3", "2.3",
+            "Your version is newer then the official latest! Are you a beta tester?", beta);
+        row("newer on the server", 200, "2.3.1.1", "2.3.1.1", kUpdateText, QString());
+        row("error status, body still read", 404, "3.0", "3.0", kUpdateText, QString());
+        // An answer that is no version is no answer: never shown whole, never offering an update.
+        row("error page", 404, "<html><body><h1>Not Found</h1></body></html>\n", "", kNoAnswerText,
+            none);
+        row("server error, empty body", 500, QByteArray(), "", kNoAnswerText, none);
+        row("connection refused", 0, QByteArray(), "", kNoAnswerText, none);
+    }
+
+    void checksAtStartAndByHand()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        QFETCH(QString, latest);
+        QFETCH(QString, aboutLabel);
+        QFETCH(QString, boxText);
+
+        TestWindow p;
+        VersionServer server;
+        QVERIFY(server.listen());
+        server.status = status;
+        server.body = body;
+        p.folder.setIni(kBranding, "updateserver", server.address());
+        if (!status)
+            server.close();
+
+        p.fake.dialogs->answers = {QMessageBox::Yes, QMessageBox::No};
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        Ui::MainWindow &ui = p.ui();
+        auto *updates = p.window->findChild<UpdateChecker *>();
+        QVERIFY(checkAndWait(updates, [] {}));
+
+        QCOMPARE(server.requests,
+                 status ? QStringList({"GET /varnel/version HTTP/1.1"}) : QStringList());
+        QCOMPARE(ui.Label_CurrentVersion->text(), QStringLiteral("Installed Version: 2.3.1"));
+        QCOMPARE(ui.Label_LatestVersion->text(), "Latest Version: " + latest);
+        QCOMPARE(ui.Label_AboutVersion->text(), aboutLabel);
+        const bool update = boxText.isEmpty();
+        QCOMPARE(ui.Button_Update->isEnabled(), update);
+        QCOMPARE(pendingUpdate(p.folder), QString(update ? "true" : "false"));
+        if (update) {
+            // Asked at once, on the automatic check too, and Yes starts the updater.
+            QCOMPARE(p.fake.dialogs->lines(),
+                     QStringList("Question | Update Information | There is an update for this "
+                                 "software! Do you want to update now?\n | Yes|No"));
+            QCOMPARE(p.fake.log->entries.filter("Update.exe"), QStringList({kUpdater}));
+
+            // By hand, answered No: nothing starts, and the manual flag stays set.
+            QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
+            QCOMPARE(p.fake.dialogs->shown.size(), 2);
+            QCOMPARE(p.fake.log->entries.filter("Update.exe").size(), 1);
+            QVERIFY(updates->manualUpdateCheck());
+            ui.Button_Update->click();
+            QCOMPARE(p.fake.log->entries.filter("Update.exe"), QStringList({kUpdater, kUpdater}));
+
+            // The flag still set, the next result without an update is announced, then cleared.
+            server.body = "2.3.1";
+            QVERIFY(checkAndWait(
+                updates, [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
+            QCOMPARE(p.fake.dialogs->lines().size(), 3);
+            QCOMPARE(p.fake.dialogs->lines().last(),
+                     "Information | Update Information | " + kLatestText + "\n | Ok");
+            QVERIFY(!updates->manualUpdateCheck());
+            QVERIFY(!ui.Button_Update->isEnabled());
+            QCOMPARE(pendingUpdate(p.folder), QStringLiteral("false"));
+            return;
+        }
+        // The check during start-up announces nothing unless there is an update.
+        QVERIFY(p.fake.dialogs->shown.isEmpty());
+
+        QVERIFY(checkAndWait(updates, [&] { ui.Button_CheckForUpdates->click(); }));
+        QCOMPARE(p.fake.dialogs->lines(),
+                 QStringList("Information | Update Information | " + boxText + " | Ok"));
+        QVERIFY(!updates->manualUpdateCheck());
+        QCOMPARE(p.fake.log->entries.filter("Update.exe"), QStringList());
+
+        // Cleared: the next automatic check is quiet again.
+        QVERIFY(checkAndWait(updates,
+                             [&] { QMetaObject::invokeMethod(p.window.get(), "SetAppVersion"); }));
+        QCOMPARE(p.fake.dialogs->shown.size(), 1);
+    }
+
+    void theShippedPlaceholderIsNeverAsked()
+    {
+        TestWindow p;
+        p.folder.copyShipped(kBranding);
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        auto *updates = p.window->findChild<UpdateChecker *>();
+
+        QVERIFY(updates->versionUrl().isEmpty());
+        QCOMPARE(p.ui().Label_AboutVersion->text(), kNoAnswerText);
+    }
+
+    void aSilentServerNeverDelaysTheWindow()
+    {
+        TestWindow p;
+        VersionServer server;
+        QVERIFY(server.listen());
+        server.silent = true;
+        p.folder.setIni(kBranding, "updateserver", server.address());
+
+        // Should the window wait for the answer, this ends the wait from inside its constructor.
+        bool constructing = true;
+        bool waitedInside = false;
+        QTimer release;
+        release.setSingleShot(true);
+        connect(&release, &QTimer::timeout, [&] {
+            waitedInside = constructing;
+            server.silent = false; // the dropped request is sent again
+            server.dropAll();
+        });
+        release.start(3000);
+
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        constructing = false;
+        QVERIFY(!waitedInside);
+        auto *updates = p.window->findChild<UpdateChecker *>();
+        QTRY_COMPARE(server.requests.size(), 1);
+        QCOMPARE(p.ui().Label_AboutVersion->text(),
+                 QStringLiteral("Your are running a Beta Version"));
+
+        // Ten seconds without an answer: unreachable, quietly.
+        QVERIFY(p.fake.scheduler->history.contains(QStringLiteral("10000 abort")));
+        static QStringList warnings;
+        const QtMessageHandler previous = qInstallMessageHandler(
+            [](QtMsgType type, const QMessageLogContext &, const QString &text) {
+                if (type != QtDebugMsg)
+                    warnings << text;
+            });
+        const bool checked = checkAndWait(updates, [&] { p.fake.scheduler->advance(10000); });
+        qInstallMessageHandler(previous);
+        QVERIFY(checked);
+        QCOMPARE(warnings, QStringList());
+        release.stop();
+        QCOMPARE(p.ui().Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
+        QCOMPARE(p.ui().Label_AboutVersion->text(), kNoAnswerText);
+        QVERIFY(p.fake.dialogs->shown.isEmpty());
     }
 };
 

@@ -1,3 +1,7 @@
+// The tweaks tab: the registry switches and the fixes, and the fixes run again after a sleep,
+// from the power-message rule through the filter that schedules them to what the window runs.
+#include "cputuning.h"
+#include "myeventfilter.h"
 #include "systemtweaks.h"
 #include "testwindow.h"
 #include "upperfilters.h"
@@ -11,20 +15,12 @@ const QString kGraphicsDrivers = kControl + "GraphicsDrivers";
 const QString kSessionPower = kControl + R"(Session Manager\Power)";
 const QString kKeyboardClass = kControl + R"(Class\{4d36e96b-e325-11ce-bfc1-08002be10318})";
 const QString kMouseClass = kControl + R"(Class\{4d36e96f-e325-11ce-bfc1-08002be10318})";
-
-QString regKey(const QString &key, const char *name)
-{
-    return key + QLatin1Char('|') + QLatin1String(name);
-}
-
-QString keyboardFilters()
-{
-    return regKey(kKeyboardClass, "UpperFilters");
-}
-QString mouseFilters()
-{
-    return regKey(kMouseClass, "UpperFilters");
-}
+const QString kKeyboardFilters = kKeyboardClass + "|UpperFilters";
+const QString kMouseFilters = kMouseClass + "|UpperFilters";
+const QStringList kFixesInOrder = {
+    R"(run: taskkill /f /im "InitHeadphone.exe")", R"(run: taskkill /f /im "PhoneJack.exe")",
+    R"(shown 1: Libs\InitHeadphone.exe)", R"(shown 1: Libs\PhoneJack.exe)",
+    R"(shown 0: Libs\AuxSwitch.exe)"};
 
 } // namespace
 
@@ -109,9 +105,9 @@ private slots:
         QFETCH(QString, box);
         QFETCH(QString, key);
         TestWindow p;
-        p.fake.registry->values.insert(keyboardFilters(),
+        p.fake.registry->values.insert(kKeyboardFilters,
                                        QStringList{"kbdclass", "HKKbdFltr", "HKKbdFltr"});
-        p.fake.registry->values.insert(mouseFilters(),
+        p.fake.registry->values.insert(kMouseFilters,
                                        QStringList{"HKMouFltr", "mouclass", "HKKbdFltr"});
         p.start();
         auto *check = p.window->findChild<QCheckBox *>(box);
@@ -123,11 +119,11 @@ private slots:
         QTEST(p.fake.log->entries, "unchecked");
         QCOMPARE(p.generalValue(qPrintable(key)).toString(), QStringLiteral("false"));
         if (box == QLatin1String("check_hkfilter")) {
-            p.fake.registry->values.remove(mouseFilters());
+            p.fake.registry->values.remove(kMouseFilters);
             p.fake.log->clear();
             check->click();
             QCOMPARE(p.fake.log->entries, QStringList());
-            QVERIFY(!p.fake.registry->values.contains(mouseFilters()));
+            QVERIFY(!p.fake.registry->values.contains(kMouseFilters));
         }
     }
 
@@ -135,14 +131,13 @@ private slots:
     {
         TestWindow p;
         p.start();
+        QVERIFY(p.ui().label_windows_only->isHidden()); // the settings do apply here
         p.ui().CheckTDRdelay->click();
         p.ui().CheckDisableFastStartup->click();
         // A number, so the Windows registry stores a DWORD; the fast-startup switch is text.
         const auto &values = p.fake.registry->values;
-        QCOMPARE(values.value(regKey(kGraphicsDrivers, "TdrDelay")).userType(),
-                 int(QMetaType::Int));
-        QCOMPARE(values.value(regKey(kSessionPower, "HiberbootEnabled")),
-                 QVariant(QStringLiteral("0")));
+        QCOMPARE(values.value(kGraphicsDrivers + "|TdrDelay").userType(), int(QMetaType::Int));
+        QCOMPARE(values.value(kSessionPower + "|HiberbootEnabled"), QVariant(QStringLiteral("0")));
         QCOMPARE(p.fake.dialogs->shown.size(), 0);
         p.ui().checkBox_3->click();
         QCOMPARE(p.fake.dialogs->lines(),
@@ -156,7 +151,7 @@ private slots:
         for (const char *key :
              {"TDRdelay", "hotkeyfilter", "FastStartDisabled", "brightfix", "applyheadphone"})
             p.setGeneral(key, true);
-        p.fake.registry->values.insert(keyboardFilters(), QStringList{"HKKbdFltr"});
+        p.fake.registry->values.insert(kKeyboardFilters, QStringList{"HKKbdFltr"});
         p.window = std::make_unique<MainWindow>(p.fake.bundle());
         const Ui::MainWindow &ui = p.ui();
         for (QCheckBox *box : {ui.CheckTDRdelay, ui.check_hkfilter, ui.CheckDisableFastStartup,
@@ -171,9 +166,6 @@ private slots:
 
     void tabSaysWhereTheSettingsApply()
     {
-        TestWindow windows;
-        windows.start();
-        QVERIFY(windows.ui().label_windows_only->isHidden());
         TestWindow p;
         p.fake.registry->machineSettings = false;
         p.start();
@@ -184,6 +176,119 @@ private slots:
         // Remembered all the same.
         p.ui().CheckTDRdelay->click();
         QCOMPARE(p.generalValue("TDRdelay").toString(), QStringLiteral("true"));
+    }
+
+    void decidesEachMessage_data()
+    {
+        QTest::addColumn<quint32>("id");
+        QTest::addColumn<quintptr>("code");
+        QTest::addColumn<bool>("pending");
+        QTest::addColumn<QString>("scheduled");
+        const quint32 power = powermsg::powerBroadcast, device = powermsg::deviceMessage,
+                      other = 0x0F;
+        auto row = [](const char *name, quint32 id, quintptr code, bool pending, const char *s) {
+            QTest::newRow(name) << id << code << pending << QString::fromLatin1(s);
+        };
+        row("suspend", power, 4, false, "");
+        row("resume suspend", power, 7, false, "awake");
+        row("resume standby", power, 8, false, "awake");
+        row("resume automatic", power, 18, false, "awake");
+        row("other power event", power, 10, false, "");
+        row("device message", device, 0, false, "awake2");
+        row("device message, any code", 0xC08E, 7, false, "awake2");
+        row("unrelated message", other, 7, false, "");
+        // A pending resume is consumed by whichever message comes next.
+        row("pending, suspend", power, 4, true, "awake");
+        row("pending, unrelated", other, 0, true, "awake");
+        row("pending, device message", device, 0, true, "awake awake2");
+        row("pending, resume", power, 18, true, "awake");
+    }
+
+    void decidesEachMessage()
+    {
+        QFETCH(quint32, id);
+        QFETCH(quintptr, code);
+        QFETCH(bool, pending);
+        const PowerMessageDecision d = decidePowerMessage(id, code, pending);
+        QStringList scheduled;
+        if (d.scheduleAwake)
+            scheduled << "awake";
+        if (d.scheduleAwake2)
+            scheduled << "awake2";
+        QTEST(scheduled.join(' '), "scheduled");
+        QVERIFY(!d.resumePending);
+    }
+
+    void nativeMessagesAreDecodedAndNeverSwallowed()
+    {
+        FakePlatform fake;
+        MyEventFilter filter(fake.sleep, fake.scheduler);
+        long result = 0;
+        FakeSleepNotifier::Message device{powermsg::deviceMessage, 0};
+        FakeSleepNotifier::Message resume{powermsg::powerBroadcast, powermsg::resumeStandby};
+        FakeSleepNotifier::Message suspend{powermsg::powerBroadcast, powermsg::suspend};
+        QVERIFY(!filter.nativeEventFilter("fake", &device, &result));
+        QVERIFY(!filter.nativeEventFilter("fake", &resume, &result));
+        QVERIFY(!filter.nativeEventFilter("fake", &suspend, &result));
+        // An event the backend cannot read is no message at all.
+        QVERIFY(!filter.nativeEventFilter("xcb_generic_event_t", &resume, &result));
+        // Windows reports one resume twice; the actions are scheduled twice, as accepted.
+        emit fake.sleep->powerMessage(powermsg::powerBroadcast, powermsg::resumeSuspend);
+        QCOMPARE(fake.scheduler->history, QStringList({"2000 awake2", "3000 awake", "3000 awake"}));
+    }
+
+    // Whatever the boxes, a resume re-reads volume then brightness; the device message does not.
+    void runsTheActionsLater_data()
+    {
+        QTest::addColumn<bool>("boxes"); // the two fixes and the tuning re-apply
+        QTest::addColumn<quint32>("id");
+        QTest::addColumn<quintptr>("code");
+        const quint32 power = powermsg::powerBroadcast;
+        QTest::newRow("resume, no boxes") << false << power << quintptr(powermsg::resumeAutomatic);
+        QTest::newRow("resume") << true << power << quintptr(powermsg::resumeSuspend);
+        QTest::newRow("device message") << true << quint32(powermsg::deviceMessage) << quintptr(0);
+    }
+
+    void runsTheActionsLater()
+    {
+        QFETCH(bool, boxes);
+        QFETCH(quint32, id);
+        QFETCH(quintptr, code);
+        const bool device = id == powermsg::deviceMessage;
+        TestWindow p;
+        p.start();
+        for (QCheckBox *box :
+             {p.ui().checkBox_headphonefix, p.ui().checkBox_3, p.ui().checkBox_ReApply})
+            box->setChecked(boxes);
+        p.window->cpuTuning()->reapplyDone = true;
+        p.fake.audio->level = 0.73f;
+        p.fake.panel->level = 35;
+        p.fake.log->clear();
+        emit p.fake.sleep->powerMessage(id, code);
+        QCOMPARE(p.fake.scheduler->history, QStringList(device ? "2000 awake2" : "3000 awake"));
+        p.fake.scheduler->advance(device ? 1999 : 2999);
+        QVERIFY(p.fake.log->entries.isEmpty());
+
+        p.fake.scheduler->advance(1);
+        const QStringList done = p.fake.log->entries.filter(
+            QRegularExpression("^(run: |start: |shown |process: |detached: )"));
+        QCOMPARE(done.mid(0, 5), boxes ? kFixesInOrder : QStringList());
+        const int volume = p.fake.log->entries.indexOf(QRegularExpression("audio 1 .*"));
+        const int brightness = p.fake.log->indexOf("panel read");
+        if (device) {
+            QCOMPARE(done.size(), 5);
+            QCOMPARE(brightness, -1);
+            QCOMPARE(p.fake.log->withPrefix("audio ").size(), 0);
+            return;
+        }
+        QCOMPARE(p.ui().Slider_Volume->value(), 73);
+        QCOMPARE(p.ui().Slider_Brightness->value(), 35);
+        QVERIFY(p.fake.log->indexOf(kFixesInOrder.last()) < volume);
+        QVERIFY(volume < brightness);
+        const int tuning = p.fake.log->entries.indexOf(QRegularExpression("process: .*"));
+        QCOMPARE(brightness < tuning, boxes);
+        // The once-per-run re-apply may run again after a resume.
+        QCOMPARE(p.window->cpuTuning()->reapplyDone, !boxes);
     }
 };
 
