@@ -1,7 +1,10 @@
+#include "backlight.h"
 #include "desktoppower.h"
+#include "keyboardlight.h"
 #include "sleeplogind.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QThread>
@@ -42,6 +45,23 @@ public slots:
 
 signals:
     void PrepareForSleep(bool start);
+};
+
+// The caller's session, which sets a device's brightness for a user without root; a device
+// named "refused" is refused.
+class StandInSession : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Session")
+public:
+    QStringList calls;
+
+public slots:
+    void SetBrightness(const QString &subsystem, const QString &name, uint brightness)
+    {
+        calls << QStringLiteral("%1 %2 %3").arg(subsystem, name).arg(brightness);
+        if (name == QLatin1String("refused"))
+            sendErrorReply(QDBusError::AccessDenied, QStringLiteral("not this session's"));
+    }
 };
 
 // True once every holder of the lock's write end has closed it.
@@ -135,6 +155,27 @@ private slots:
             QTRY_VERIFY(released(logind.readEnds.first()));
         }
         service.unregisterObject("/org/freedesktop/login1");
+        thread.quit();
+        QVERIFY(thread.wait(5000));
+    }
+
+    void panelAndKeyboardLightGoThroughTheCallersSession()
+    {
+        QThread thread; // the writers wait for the answer
+        StandInSession session;
+        session.moveToThread(&thread);
+        thread.start();
+        QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+        const QString path = QStringLiteral("/org/freedesktop/login1/session/auto");
+        QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
+        QVERIFY(service.registerService("org.freedesktop.login1"));
+        QVERIFY(SysfsBacklight::logindSetBrightness(QStringLiteral("intel_backlight"), 1234));
+        QVERIFY(LedKeyboardLight::logindSetLed(QStringLiteral("tpacpi::kbd_backlight"), 2));
+        QVERIFY(!SysfsBacklight::logindSetBrightness(QStringLiteral("refused"), 1));
+        QCOMPARE(session.calls,
+                 (QStringList{"backlight intel_backlight 1234", "leds tpacpi::kbd_backlight 2",
+                              "backlight refused 1"}));
+        service.unregisterObject(path);
         thread.quit();
         QVERIFY(thread.wait(5000));
     }
