@@ -7,13 +7,19 @@
 #include "rfkillswitch.h"
 #include "touchpadpreference.h"
 
+#include <QDBusConnection>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 #include <QtTest>
+
+#include <atomic>
 
 namespace {
 
-const QString kKey = QLatin1String(TouchpadRegistry::key);
+// The window's touchpad key, which the native registry hands to the touchpad preference.
+const QString kKey = QStringLiteral(
+    "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\PrecisionTouchPad\\Status");
 
 // A key as the desktop's own command-line tool reads it from the settings store.
 QString stored(const char *schema, const char *key)
@@ -40,6 +46,18 @@ public:
     QList<bool> sets;
 };
 
+// Plasma's daemon as far as its touchpad module goes.
+class StandInKded : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.touchpad")
+public:
+    std::atomic<bool> on{true};
+public slots:
+    bool isEnabled() { return on; }
+    void enable() { on = true; }
+    void disable() { on = false; }
+};
+
 } // namespace
 
 // The Linux device backends: the wireless switch, the touchpad preference and the desktop's
@@ -54,6 +72,17 @@ private slots:
         // Before GLib looks anything up: a private, file-backed settings store.
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_config.path()));
         qputenv("GSETTINGS_BACKEND", "keyfile");
+        m_bus.start(QStringLiteral("dbus-daemon"),
+                    {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                     QStringLiteral("--print-address")});
+        QVERIFY(m_bus.waitForReadyRead(10000));
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
+    }
+
+    void cleanupTestCase()
+    {
+        m_bus.kill();
+        m_bus.waitForFinished(5000);
     }
 
     // index (4 bytes, host order), type, operation, soft block, hard block
@@ -102,6 +131,7 @@ private slots:
         auto preference = desktop ? std::make_shared<ScriptedPreference>() : nullptr;
         if (preference)
             preference->accepts = accepts;
+        QCOMPARE(QLatin1String(TouchpadRegistry::key), kKey);
         auto store = std::make_shared<UserStoreRegistry>();
         store->remove(kKey, QStringLiteral("Enabled"));
         TouchpadRegistry registry(preference, store);
@@ -135,6 +165,33 @@ private slots:
         QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("disabled")));
         QVERIFY(touchpad.setEnabled(true));
         QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("enabled")));
+    }
+
+    // Plasma's daemon wins over GNOME's settings when it runs, the newer daemon first.
+    void touchpadPreferenceOfTheRunningDesktop()
+    {
+        QVERIFY(dynamic_cast<GnomeTouchpad *>(TouchpadRegistry::sessionPreference().get()));
+        QThread thread; // the preference waits for the daemon's answer
+        StandInKded kded;
+        kded.moveToThread(&thread);
+        thread.start();
+        QDBusConnection bus = QDBusConnection::connectToBus(
+            QString::fromUtf8(qgetenv("DBUS_SESSION_BUS_ADDRESS")), QStringLiteral("kded"));
+        QVERIFY(bus.registerObject("/modules/touchpad", &kded, QDBusConnection::ExportAllSlots));
+        QCOMPARE(KdeTouchpad(QStringLiteral("org.kde.kded5")).enabled(), std::optional<bool>());
+        QVERIFY(bus.registerService(QStringLiteral("org.kde.kded5")));
+        SessionTouchpad session;
+        QCOMPARE(session.enabled(), std::optional<bool>(true));
+        QVERIFY(session.setEnabled(false));
+        QTRY_VERIFY(!kded.on);
+        QCOMPARE(session.enabled(), std::optional<bool>(false));
+        QVERIFY(session.setEnabled(true));
+        QTRY_VERIFY(kded.on);
+        QVERIFY(bus.registerService(QStringLiteral("org.kde.kded6")));
+        QCOMPARE(KdeTouchpad::runningService(), QStringLiteral("org.kde.kded6"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("kded"));
+        thread.quit();
+        QVERIFY(thread.wait(5000));
     }
 
     void gnomeTimeoutsAndSuperKey()
@@ -263,6 +320,7 @@ private slots:
 
 private:
     QTemporaryDir m_config;
+    QProcess m_bus; // a session bus of the test's own
 };
 
 QTEST_GUILESS_MAIN(TestLinuxDevices)
