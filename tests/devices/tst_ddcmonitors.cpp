@@ -1,4 +1,5 @@
 #include "ddcmonitors.h"
+#include "fakeddcutil.h"
 
 #include <QDir>
 #include <QFile>
@@ -7,6 +8,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <dlfcn.h>
 #include <utility>
 
 namespace {
@@ -196,6 +198,35 @@ private slots:
         QCOMPARE(ddc::connectorForBus(7, drm), QStringLiteral("HDMI-A-1"));
         QCOMPARE(ddc::connectorForBus(12, drm), QStringLiteral("DP-3"));
         QCOMPARE(ddc::connectorForBus(1, drm), QString());
+    }
+
+    // The library's own entry points, answered by a stand-in that carries its name.
+    void libraryExchanges()
+    {
+        void *library =
+            dlopen(VARNEL_TEST_BIN_DIR "/devices/fakeddcutil/libddcutil.so.5", RTLD_NOW);
+        QVERIFY2(library, dlerror());
+        const auto *script = static_cast<const FakeDdcScript *>(dlsym(library, "fakeDdc"));
+        LibDdcutilBus bus;
+        const QVector<DdcDisplay> displays = bus.displays();
+        QCOMPARE(displays.size(), 1); // the USB display is not spoken to over I2C
+        QCOMPARE(
+            (QStringList{QString::number(displays[0].bus), displays[0].model, displays[0].serial}),
+            (QStringList{"7", "DELL U2719D", "ABC123"}));
+        QCOMPARE(script->listsFreed, 1);
+        quint32 current = 0, maximum = 0;
+        QVERIFY(bus.read(displays[0], 0x10, &current, &maximum));
+        QCOMPARE((QList<quint32>{current, maximum}), (QList<quint32>{258, 300}));
+        QVERIFY(!bus.read(displays[0], 0x12, &current, &maximum));
+        QVERIFY(bus.write(displays[0], 0x10, 0x1234));
+        QCOMPARE(script->writes, 0x101234);
+        DdcDisplay gone = displays[0];
+        gone.bus = 9;
+        QVERIFY(!bus.write(gone, 0x10, 1));
+        // Every exchange opens the display once and lets go of it.
+        QCOMPARE((QList<int>{script->opens, script->closes, script->identifiersFreed}),
+                 (QList<int>{3, 3, 3}));
+        dlclose(library);
     }
 };
 
