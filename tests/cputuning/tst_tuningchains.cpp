@@ -81,20 +81,7 @@ struct ClientRig : TestWindow {
         return out;
     }
     QStringList writes() const { return runs().filter(QStringLiteral(" -v ")); }
-    QStringList reads() const
-    {
-        QStringList out;
-        for (const QString &run : runs())
-            out << (run.contains(QLatin1String(" -v ")) ? QString() : run);
-        out.removeAll(QString());
-        return out;
-    }
     void apply() const { QMetaObject::invokeMethod(window.get(), "on_Button_ApplyValues_clicked"); }
-    void clickApply() const
-    {
-        ui().Button_ApplyValues->setEnabled(true);
-        ui().Button_ApplyValues->click();
-    }
 
     // The tab as shown: undervolt, turbo power, turbo time (each slider, label and the last
     // read), then the ratios, a hidden box in parentheses.
@@ -142,23 +129,35 @@ private slots:
     {
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("whole rows") << QString() << kShownAtStart;
+        QTest::addColumn<bool>("prevent"); // saved: stop the services after a read (then flipped)
+        QTest::newRow("whole rows") << QString() << kShownAtStart << false;
         QTest::newRow("a client that prints nothing changes nothing")
             << "FAKE_XTU_SILENT=1"
-            << "0 -000mV  | 8 0000.000W  | 1 00.00 Sec 0 | 0 0 0 0 0 0 0 0";
+            << "0 -000mV  | 8 0000.000W  | 1 00.00 Sec 0 | 0 0 0 0 0 0 0 0" << true;
         // The rows that came whole are taken.
         QTest::newRow("a row split across two reads changes nothing")
             << "FAKE_XTU_SPLIT=48"
-            << "0 0mV 0 | 8 0000.000W  | 28 28Sec 28 | 51 51 49 49 47 47 46 46";
+            << "0 0mV 0 | 8 0000.000W  | 28 28Sec 28 | 51 51 49 49 47 47 46 46" << false;
     }
 
     void startupRead()
     {
         QFETCH(QString, script);
+        QFETCH(bool, prevent);
         ClientRig rig(script);
+        rig.setGeneral("PreventXTU", prevent);
         rig.startWindow();
+        // The choice is taken when the chain ends, and saved.
+        QCOMPARE(rig.ui().Check_PreventXTU->isChecked(), prevent);
+        rig.ui().Check_PreventXTU->click();
+        QCOMPARE(rig.generalValue("PreventXTU").toBool(), !prevent);
         QVERIFY(rig.waitForReadChains(1));
         QCOMPARE(rig.runs(), kAllReads);
+        const QString stop = QStringLiteral("run: ") + xtu::serviceStop;
+        QCOMPARE(rig.fake.log->withPrefix(stop).size(), prevent ? 0 : 1);
+        QCOMPARE(rig.fake.log->indexOf(stop) >
+                     rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 97"),
+                 !prevent);
         const int service = rig.fake.log->indexOf("process: " + xtu::serviceStart);
         QVERIFY(service >= 0);
         QVERIFY(service < rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 34"));
@@ -282,7 +281,7 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(rig.ui().Slider_TurboBoost->value(), 360,
                                   30000); // Wine: slow starts
         QVERIFY(rig.cpu()->readProcess2->isRunning());
-        QCOMPARE(rig.reads(), QStringList({"-t -id 34", "-t -id 48"}));
+        QCOMPARE(rig.runs(), QStringList({"-t -id 34", "-t -id 48"}));
         QCOMPARE(rig.chainEnds->count(), 0);
 
         // The window goes on answering.
@@ -297,7 +296,7 @@ private slots:
         // Once the client ends, the chain goes on from where it stood.
         QFile(release).open(QIODevice::WriteOnly);
         QVERIFY(rig.waitForReadChains(1));
-        QCOMPARE(rig.reads(), kAllReads);
+        QCOMPARE(rig.runs(), kAllReads);
     }
 
     void reapplyRunsAtMostOncePerRun_data()
@@ -378,7 +377,8 @@ private slots:
             QVERIFY(QMetaObject::invokeMethod(rig.window.get(), "ApplyPowerTurboBoost"));
         } else {
             rig.ui().undervolt_slider->setValue(90);
-            rig.clickApply();
+            rig.ui().Button_ApplyValues->setEnabled(true);
+            rig.ui().Button_ApplyValues->click();
         }
         QVERIFY(rig.waitForReadChains(2));
         QTEST(rig.writes(), "writes");
@@ -386,25 +386,6 @@ private slots:
         QCOMPARE(rig.generalValue("boostpower").toString(), QStringLiteral("45"));
         QCOMPARE(rig.generalValue("turbotime").toInt(), 28);
         QVERIFY(!rig.generalValue("core1multi").isValid());
-    }
-
-    void stopXtuServicesAfterEachRead()
-    {
-        ClientRig rig;
-        rig.setGeneral("PreventXTU", true);
-        rig.startWindow();
-        QVERIFY(rig.ui().Check_PreventXTU->isChecked());
-        QVERIFY(rig.waitForReadChains(1));
-        const QString stop = QStringLiteral("run: ") + xtu::serviceStop;
-        QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
-        QVERIFY(rig.fake.log->indexOf(stop) >
-                rig.fake.log->indexOf("process: " + xtu::clientProgram + " -t -id 97"));
-
-        rig.ui().Check_PreventXTU->click();
-        QCOMPARE(rig.generalValue("PreventXTU").toBool(), false);
-        rig.window->getxtuvalues();
-        QVERIFY(rig.waitForReadChains(2));
-        QCOMPARE(rig.fake.log->withPrefix(stop).size(), 1);
     }
 
     void manageCpuSwitchedOnAndOff()
