@@ -35,19 +35,17 @@ struct Setting {
     const char *name, *initial;
 };
 
-const std::map<int, Setting> kSettings = {
-    {34, {"Core Voltage Offset", "0"}},
-    {48, {"Turbo Boost Power Max", "45"}},
-    {66, {"Turbo Boost Power Time Window", "28"}},
-    {29, {"1 Active Core", "51"}},
-    {30, {"2 Active Cores", "51"}},
-    {31, {"3 Active Cores", "49"}},
-    {32, {"4 Active Cores", "49"}},
-    {42, {"5 Active Cores", "47"}},
-    {43, {"6 Active Cores", "47"}},
-    {96, {"7 Active Cores", "46"}},
-    {97, {"8 Active Cores", "46"}},
-};
+const std::map<int, Setting> kSettings = {{34, {"Core Voltage Offset", "0"}},
+                                          {48, {"Turbo Boost Power Max", "45"}},
+                                          {66, {"Turbo Boost Power Time Window", "28"}},
+                                          {29, {"1 Active Core", "51"}},
+                                          {30, {"2 Active Cores", "51"}},
+                                          {31, {"3 Active Cores", "49"}},
+                                          {32, {"4 Active Cores", "49"}},
+                                          {42, {"5 Active Cores", "47"}},
+                                          {43, {"6 Active Cores", "47"}},
+                                          {96, {"7 Active Cores", "46"}},
+                                          {97, {"8 Active Cores", "46"}}};
 const int kCoreIds[] = {29, 30, 31, 32, 42, 43, 96, 97};
 
 std::string env(const char *name)

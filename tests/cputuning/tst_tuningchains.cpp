@@ -181,41 +181,31 @@ private slots:
         QTest::addColumn<QString>("steps"); // "object=value" set in turn, "click:object" clicked
         QTest::addColumn<QStringList>("writes");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("nothing changed") << ""
-                                         << ""
-                                         << "" << QStringList() << kShownReadBack;
+        const QString none;
+        QTest::newRow("nothing changed") << none << none << none << QStringList() << kShownReadBack;
         QTest::newRow("changed values, in the chain's order")
-            << ""
-            << ""
-            << "Core8Spin=44 Slider_TurboBoost=301 undervolt_slider=80 Core3Spin=45"
+            << none << none << "Core8Spin=44 Slider_TurboBoost=301 undervolt_slider=80 Core3Spin=45"
             << QStringList{"-t -id 34 -v -80", "-t -id 48 -v 37.625", "-t -id 31 -v 45",
                            "-t -id 97 -v 44"}
             << "80 -80mV -80 | 301 37.625W 37,625 | 28 28.0Sec 28 | 51 51 45 49 47 47 46 44";
         QTest::newRow("undervolt at one is written as none")
-            << ""
-            << "34=-50"
+            << none << "34=-50"
             << "undervolt_slider=1" << QStringList{"-t -id 34 -v 0"} << kShownReadBack;
         // The 10875H profile's highest finite position is 1080 (135 W).
         QTest::newRow("the unlimited position writes the unlimited figure")
-            << ""
-            << ""
-            << "Slider_TurboBoost=1081" << QStringList{"-t -id 48 -v 4095.875"}
+            << none << none << "Slider_TurboBoost=1081" << QStringList{"-t -id 48 -v 4095.875"}
             << "0 0mV 0 | 1081 4095.875W 4095,875 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
         QTest::newRow("a client with decimal commas gets commas")
-            << "FAKE_XTU_COMMA=1"
-            << ""
-            << "Slider_TurboBoost=364" << QStringList{"-t -id 48 -v 45,5"}
+            << "FAKE_XTU_COMMA=1" << none << "Slider_TurboBoost=364"
+            << QStringList{"-t -id 48 -v 45,5"}
             << "0 0mV 0 | 364 45.5W 45,5 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
         // Hidden boxes are not disabled: they are skipped as unchanged.
         QTest::newRow("a four-core processor hides and skips cores five to eight")
-            << "FAKE_XTU_CORES=4"
-            << ""
-            << "Core1Spin=50" << QStringList{"-t -id 29 -v 50"}
+            << "FAKE_XTU_CORES=4" << none << "Core1Spin=50" << QStringList{"-t -id 29 -v 50"}
             << "0 0mV 0 | 360 45W 45 | 28 28.0Sec 28 | 50 51 49 49 (0) (0) (0) (0)";
         // Power modes still apply through the slot while the frames are disabled.
         QTest::newRow("boxes of an unmanaged processor are skipped as disabled")
-            << ""
-            << ""
+            << none << none
             << "click:checkBox_DontManageCPU Core2Spin=40 Core7Spin=40 undervolt_slider=50"
             << QStringList{"-t -id 34 -v -50"}
             << "50 -50mV -50 | 360 45W 45 | 28 28.0Sec 28 | 51 51 49 49 47 47 46 46";
