@@ -125,11 +125,10 @@ void print(int id, const std::string &text)
     if (env("FAKE_XTU_SILENT") == "1")
         return;
     // A split row is cut in the middle of its name, so that neither write names the row.
-    const std::string name = kSettings.count(id) ? kSettings.at(id).name : "";
-    const size_t at = name.empty() ? std::string::npos : text.find(name);
     size_t cut = 0;
-    if (scripted("FAKE_XTU_SPLIT", id) && at != std::string::npos) {
-        cut = at + name.size() / 2;
+    if (scripted("FAKE_XTU_SPLIT", id) && kSettings.count(id)) {
+        const std::string name = kSettings.at(id).name;
+        cut = text.find(name) + name.size() / 2;
         std::fwrite(text.data(), 1, cut, stdout);
         std::fflush(stdout);
         std::this_thread::sleep_for(std::chrono::milliseconds(300));

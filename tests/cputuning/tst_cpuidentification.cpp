@@ -18,34 +18,6 @@ QString wmicOutput(const QString &header, const QString &value)
     return header.leftJustified(width) + "\r\r\n" + value.leftJustified(width) + "\r\r\n\r\r\n";
 }
 
-// The window, start-up records kept, on a processor and model with one profile in its folder.
-struct CpuWindow : TestWindow {
-    // The profile is given as "key=value key=value".
-    CpuWindow(const QString &cpu, const QString &model, const QString &file, const QString &profile)
-    {
-        fake.commands->outputs[kCpuQuery] = wmicOutput(QStringLiteral("Name"), cpu);
-        fake.commands->outputs[kModelQuery] = wmicOutput(QStringLiteral("Model"), model);
-        for (const QString &pair : profile.split(' ', Qt::SkipEmptyParts))
-            folder.setIni(QStringLiteral("cpuprofiles/%1.ini").arg(file), pair.section('=', 0, 0),
-                          pair.section('=', 1));
-        window = std::make_unique<MainWindow>(fake.bundle());
-    }
-    QList<QSpinBox *> spins() const
-    {
-        return {ui().Core1Spin, ui().Core2Spin, ui().Core3Spin, ui().Core4Spin,
-                ui().Core5Spin, ui().Core6Spin, ui().Core7Spin, ui().Core8Spin};
-    }
-    // The tuning controls as shown: the three labels and the eight ratios.
-    QString shown() const
-    {
-        QStringList out = {ui().Label_UnderVolt_Value->text(), ui().Label_TurboPowerValue->text(),
-                           ui().Label_BoostTimeValue->text()};
-        for (QSpinBox *spin : spins())
-            out << QString::number(spin->value());
-        return out.join(' ');
-    }
-};
-
 } // namespace
 
 class CpuIdentificationTest : public QObject {
@@ -232,8 +204,25 @@ private slots:
         QFETCH(QString, profile);
         QFETCH(int, maximum);
         QFETCH(QString, recommended);
-        CpuWindow w(cpu, model, file, profile);
+        // The window, start-up records kept, with one profile ("key=value ...") in its folder.
+        TestWindow w;
+        w.fake.commands->outputs[kCpuQuery] = wmicOutput(QStringLiteral("Name"), cpu);
+        w.fake.commands->outputs[kModelQuery] = wmicOutput(QStringLiteral("Model"), model);
+        for (const QString &pair : profile.split(' ', Qt::SkipEmptyParts))
+            w.folder.setIni(QStringLiteral("cpuprofiles/%1.ini").arg(file), pair.section('=', 0, 0),
+                            pair.section('=', 1));
+        w.window = std::make_unique<MainWindow>(w.fake.bundle());
         Ui::MainWindow &ui = w.ui();
+        QSpinBox *const spins[] = {ui.Core1Spin, ui.Core2Spin, ui.Core3Spin, ui.Core4Spin,
+                                   ui.Core5Spin, ui.Core6Spin, ui.Core7Spin, ui.Core8Spin};
+        // The tuning controls as shown: the three labels and the eight ratios.
+        const auto shown = [&] {
+            QStringList out = {ui.Label_UnderVolt_Value->text(), ui.Label_TurboPowerValue->text(),
+                               ui.Label_BoostTimeValue->text()};
+            for (const QSpinBox *spin : spins)
+                out << QString::number(spin->value());
+            return out.join(' ');
+        };
         QCOMPARE(w.window->cpuTuning()->cpuName, cpu);
         QCOMPARE(w.window->cpuTuning()->laptopModel, model);
         QVERIFY(w.fake.log->indexOf("run: " + kCpuQuery) <
@@ -253,15 +242,15 @@ private slots:
         ui.undervolt_slider->setValue(60);
         ui.Slider_TurboBoost->setValue(300);
         ui.Slider_TurboTime->setValue(20);
-        for (QSpinBox *spin : w.spins())
+        for (QSpinBox *spin : spins)
             spin->setValue(45);
-        const QString before = w.shown();
+        const QString before = shown();
         QCOMPARE(before, QStringLiteral("-60mV 37.5W 20Sec 45 45 45 45 45 45 45 45"));
         ui.Button_ApplyValues->setEnabled(false);
         ui.pushButton->setEnabled(true);
         ui.pushButton->click();
 
-        QCOMPARE(w.shown(), recommended.isEmpty() ? before : recommended);
+        QCOMPARE(shown(), recommended.isEmpty() ? before : recommended);
         // The value handlers ran and enabled it again; a message leaves it off. A disabled tab
         // takes no click at all.
         QCOMPARE(ui.Button_ApplyValues->isEnabled(), ui.tab->isEnabled());
