@@ -23,6 +23,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -142,21 +143,18 @@ void print(int id, const std::string &text)
 int main(int argc, char **argv)
 {
     int id = -1;
-    bool writing = false;
-    std::string value;
+    std::optional<std::string> value; // a write
     for (int i = 1; i + 1 < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "-id")
             id = std::atoi(argv[++i]);
-        else if (arg == "-v") {
-            writing = true;
+        else if (arg == "-v")
             value = argv[++i];
-        }
     }
 
     if (const std::string log = env("FAKE_XTU_LOG"); !log.empty())
         std::ofstream(log, std::ios::app)
-            << (writing ? "write " : "read ") << id << (writing ? " " + value : "") << '\n';
+            << (value ? "write " : "read ") << id << (value ? " " + *value : "") << '\n';
 
     if (kSettings.count(id) == 0 || beyondCores(id)) {
         print(id, "Invalid Id\r\n");
@@ -169,8 +167,8 @@ int main(int argc, char **argv)
         if (const auto equals = line.find('='); equals != std::string::npos)
             state[std::stoi(line.substr(0, equals))] = line.substr(equals + 1);
     }
-    if (writing) {
-        state[id] = value;
+    if (value) {
+        state[id] = *value;
         if (const std::string path = env("FAKE_XTU_STATE"); !path.empty()) {
             std::ofstream out(path, std::ios::trunc);
             for (const auto &entry : state)

@@ -127,19 +127,17 @@ private slots:
         QTest::addColumn<QString>("file"); // empty: unsupported
         QTest::addColumn<int>("cores");
         QTest::addColumn<int>("turboRatio"); // the part's highest single-core turbo ratio
+        const char *i7 = "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz";
         const struct {
             const char *name, *cpu, *model, *file;
             int cores, turboRatio;
         } rows[] = {
             {"1 7700K", "Intel(R) Core(TM) i7-7700K CPU @ 4.20GHz", "", "7700K", 4, 45},
             {"2 7700HQ", "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz", "P750DM2", "7700HQ", 0, 38},
-            {"3 8750H", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P65_P67RGRERA", "8750H", 6,
-             41},
+            {"3 8750H", i7, "P65_P67RGRERA", "8750H", 6, 41},
             {"4 8850H", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz", "P75xTP1", "8850H", 6, 43},
-            {"5 8750H in a P95", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "P95_96_97Ex",
-             "8750H_P950", 6, 41},
-            {"6 8750H in an N8", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "N8xxEP6", "8750H_N8",
-             6, 41},
+            {"5 8750H in a P95", i7, "P95_96_97Ex", "8750H_P950", 6, 41},
+            {"6 8750H in an N8", i7, "N8xxEP6", "8750H_N8", 6, 41},
             {"7 8700K", "Intel(R) Core(TM) i7-8700K CPU @ 3.70GHz", "", "8700K", 6, 47},
             {"8 9900K", "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz", "", "9900K", 8, 50},
             {"9 8086K", "Intel(R) Core(TM) i7-8086K CPU @ 4.00GHz", "", "8086K", 6, 50},
@@ -149,8 +147,7 @@ private slots:
             {"13 9700K", "Intel(R) Core(TM) i7-9700K CPU @ 3.60GHz", "", "9700K", 8, 49},
             {"14 9750H", "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz", "", "9750H", 6, 45},
             {"15 10875H", "Intel(R) Core(TM) i7-10875H CPU @ 2.30GHz", "", "10875H", 8, 51},
-            {"8750H, model not known yet", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz", "", "8750H",
-             6, 41},
+            {"8750H, model not known yet", i7, "", "8750H", 6, 41},
             {"8850H in a P95 is left out", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz",
              "P95_96_97Ex", "", 0, 0},
             {"8700K is row 7, before row 12", "8700K CPU @ 3.20GHz", "", "8700K", 6, 47},
@@ -186,10 +183,8 @@ private slots:
         QStringList keys = {"max", "unlimited", "undervolt", "boostpower", "turbotime"};
         for (int n = 1; n <= cores; ++n)
             keys << QStringLiteral("core%1").arg(n);
-        QStringList held = profile.childKeys(), wanted = keys;
-        held.sort();
-        wanted.sort();
-        QCOMPARE(held, wanted);
+        const QStringList held = profile.childKeys();
+        QCOMPARE(QSet<QString>(held.begin(), held.end()), QSet<QString>(keys.begin(), keys.end()));
         // Power limits in 1/8 W steps, a conservative undervolt on the slider's scale.
         const auto value = [&profile](const QString &key) { return profile.value(key).toDouble(); };
         QVERIFY(value("max") >= 8 * 15 && value("max") <= 8 * 255);
@@ -307,8 +302,8 @@ private slots:
         ui.Slider_TurboTime->setValue(20);
         for (QSpinBox *spin : spins)
             spin->setValue(45);
-        const QString before = shown();
-        QCOMPARE(before, QStringLiteral("-60mV 37.5W 20Sec 45 45 45 45 45 45 45 45"));
+        const QString before = QStringLiteral("-60mV 37.5W 20Sec 45 45 45 45 45 45 45 45");
+        QCOMPARE(shown(), before);
         ui.Button_ApplyValues->setEnabled(false);
         ui.pushButton->setEnabled(true);
         ui.pushButton->click();

@@ -45,9 +45,7 @@ struct TsWindow : TestWindow {
         }
         fake.commands->outputs[QStringLiteral("tasklist")] = tasklist;
     }
-    void started() { window = std::make_unique<MainWindow>(fake.bundle()); }
     QString status() const { return ui().Label_TSstatus->text(); }
-    QString lastMessage() const { return fake.dialogs->shown.last().text; }
     QByteArray settingsFile() const
     {
         return readFile(folder.file("ThrottleStop/ThrottleStop.ini"));
@@ -109,7 +107,7 @@ private slots:
                          "================= =============== ======\r\nThrottleStop      N/A "
                          "            Ready\r\n"
                        : "ERROR: The system cannot find the file specified.\r\n";
-        w.started();
+        w.window = std::make_unique<MainWindow>(w.fake.bundle());
         QCheckBox *box = w.ui().Check_StartTScheck;
         QTEST(box->isChecked(), "checked");
         QCOMPARE(w.fake.log->withPrefix("run: " + kTaskQuery).size(), 1);
@@ -165,7 +163,7 @@ private slots:
         w.fake.log->clear();
         w.ui().Button_ResetTS->click();
         QVERIFY(!QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")));
-        QCOMPARE(w.lastMessage(),
+        QCOMPARE(w.fake.dialogs->shown.last().text,
                  QStringLiteral("Throttlestop settings deleted. Next time you open "
                                 "Throttlestop it will run as a first run.\n"));
         QCOMPARE(w.fake.log->entries, kKillAndRestart);
@@ -219,7 +217,7 @@ private slots:
         QCOMPARE(w.settingsFile(), chosen);
         QCOMPARE(QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")), !chosen.isEmpty());
         QVERIFY(!w.staged());
-        QCOMPARE(w.lastMessage(),
+        QCOMPARE(w.fake.dialogs->shown.last().text,
                  QStringLiteral("New settings loaded, we will now close ThrottleStop "
                                 "and re-launch it to apply the new settings.\n"));
         QCOMPARE(w.fake.log->entries, kKillAndRestart);
