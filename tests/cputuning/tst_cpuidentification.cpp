@@ -13,6 +13,7 @@ namespace {
 
 const QString kCpuQuery = QStringLiteral("wmic cpu get Name");
 const QString kModelQuery = QStringLiteral("wmic computersystem get model");
+const char *const k8750H = "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz";
 
 // wmic's 8-bit layout: padded header and value, each line ending in "\r\r\n".
 QString wmicOutput(const QString &header, const QString &value)
@@ -127,17 +128,16 @@ private slots:
         QTest::addColumn<QString>("file"); // empty: unsupported
         QTest::addColumn<int>("cores");
         QTest::addColumn<int>("turboRatio"); // the part's highest single-core turbo ratio
-        const char *i7 = "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz";
         const struct {
             const char *name, *cpu, *model, *file;
             int cores, turboRatio;
         } rows[] = {
             {"1 7700K", "Intel(R) Core(TM) i7-7700K CPU @ 4.20GHz", "", "7700K", 4, 45},
             {"2 7700HQ", "Intel(R) Core(TM) i7-7700HQ CPU @ 2.80GHz", "P750DM2", "7700HQ", 0, 38},
-            {"3 8750H", i7, "P65_P67RGRERA", "8750H", 6, 41},
+            {"3 8750H", k8750H, "P65_P67RGRERA", "8750H", 6, 41},
             {"4 8850H", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz", "P75xTP1", "8850H", 6, 43},
-            {"5 8750H in a P95", i7, "P95_96_97Ex", "8750H_P950", 6, 41},
-            {"6 8750H in an N8", i7, "N8xxEP6", "8750H_N8", 6, 41},
+            {"5 8750H in a P95", k8750H, "P95_96_97Ex", "8750H_P950", 6, 41},
+            {"6 8750H in an N8", k8750H, "N8xxEP6", "8750H_N8", 6, 41},
             {"7 8700K", "Intel(R) Core(TM) i7-8700K CPU @ 3.70GHz", "", "8700K", 6, 47},
             {"8 9900K", "Intel(R) Core(TM) i9-9900K CPU @ 3.60GHz", "", "9900K", 8, 50},
             {"9 8086K", "Intel(R) Core(TM) i7-8086K CPU @ 4.00GHz", "", "8086K", 6, 50},
@@ -147,7 +147,7 @@ private slots:
             {"13 9700K", "Intel(R) Core(TM) i7-9700K CPU @ 3.60GHz", "", "9700K", 8, 49},
             {"14 9750H", "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz", "", "9750H", 6, 45},
             {"15 10875H", "Intel(R) Core(TM) i7-10875H CPU @ 2.30GHz", "", "10875H", 8, 51},
-            {"8750H, model not known yet", i7, "", "8750H", 6, 41},
+            {"8750H, model not known yet", k8750H, "", "8750H", 6, 41},
             {"8850H in a P95 is left out", "Intel(R) Core(TM) i7-8850H CPU @ 2.60GHz",
              "P95_96_97Ex", "", 0, 0},
             {"8700K is row 7, before row 12", "8700K CPU @ 3.20GHz", "", "8700K", 6, 47},
@@ -211,7 +211,6 @@ private slots:
         QTest::addColumn<QString>("topAndFinite"); // the top position's label, the one below it
         QTest::addColumn<QString>("recommended");  // empty: unsupported, a message and no change
         const char *i7 = "Intel(R) Core(TM) i7-9750H CPU @ 2.60GHz";
-        const char *p95 = "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz";
         const char *none = "0mV 1W 1Sec 0 0 0 0 0 0 45 45"; // a profile without those values
         const struct {
             const char *name, *cpu, *model, *file, *profile;
@@ -230,9 +229,9 @@ private slots:
             {"max above a thousand watts", i7, "", "9750H", "max=8200", 8001, "4095.875W 1000W",
              none},
             // The model is read after the limits: the plain row gives them, not the model's.
-            {"8750H in a P95", p95, "P95_96_97Ex", "8750H", "max=360 unlimited=90", 361, "90W 45W",
-             none},
-            {"a 6-core row reads six ratios, from the model's profile", p95, "P95_96_97Ex",
+            {"8750H in a P95", k8750H, "P95_96_97Ex", "8750H", "max=360 unlimited=90", 361,
+             "90W 45W", none},
+            {"a 6-core row reads six ratios, from the model's profile", k8750H, "P95_96_97Ex",
              "8750H_P950",
              "max=720 undervolt=80 boostpower=320 turbotime=56 core1=43 core2=42 core3=41 core4=40 "
              "core5=40 core6=39 core7=38 core8=37",
