@@ -61,7 +61,7 @@ class ProcessCommandsTest : public QObject {
 
 private slots:
 
-    void identificationInWmicShape()
+    void identificationAndTaskListInWindowsShape()
     {
         Fixture fixture;
         const QString cpu = fixture.table.run("wmic cpu get Name").value_or(QString());
@@ -77,18 +77,6 @@ private slots:
         QVERIFY(!fixture.table.knows("wmic cpu get name"));
         QVERIFY(!fixture.table.knows("wmic cpu get Name,NumberOfCores"));
 
-        // Missing files give an empty value and an empty list.
-        CommandTable empty;
-        addProcessCommands(empty,
-                           {fixture.dir.filePath("none"), fixture.dir.filePath("none"), -1, {}});
-        QCOMPARE(cleanWmicText(*empty.run("wmic cpu get Name"), "Name"), QString());
-        QCOMPARE(cleanWmicText(*empty.run("wmic computersystem get model"), "Model"), QString());
-        QVERIFY(!empty.run("tasklist")->contains(".exe"));
-    }
-
-    void taskListNamesRunningImages()
-    {
-        Fixture fixture;
         const QString list = *fixture.table.run("tasklist");
         const QStringList lines = list.split("\r\n", Qt::SkipEmptyParts);
         QVERIFY(lines.value(0).startsWith("Image Name"));
@@ -101,6 +89,14 @@ private slots:
                                       "throttlestop.exe", "varnel-helper"}));
         QVERIFY(list.contains(QRegularExpression("ThrottleStop\\.exe +102 ")));
         QVERIFY(fixture.killed.isEmpty());
+
+        // Missing files give an empty value and an empty list.
+        CommandTable empty;
+        addProcessCommands(empty,
+                           {fixture.dir.filePath("none"), fixture.dir.filePath("none"), -1, {}});
+        QCOMPARE(cleanWmicText(*empty.run("wmic cpu get Name"), "Name"), QString());
+        QCOMPARE(cleanWmicText(*empty.run("wmic computersystem get model"), "Model"), QString());
+        QVERIFY(!empty.run("tasklist")->contains(".exe"));
     }
 
     void taskKill_data()

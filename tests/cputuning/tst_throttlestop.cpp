@@ -45,9 +45,7 @@ struct TsWindow : TestWindow {
         }
         fake.commands->outputs[QStringLiteral("tasklist")] = tasklist;
     }
-    void started() { window = std::make_unique<MainWindow>(fake.bundle()); }
     QString status() const { return ui().Label_TSstatus->text(); }
-    QString lastMessage() const { return fake.dialogs->shown.last().text; }
     QByteArray settingsFile() const
     {
         return readFile(folder.file("ThrottleStop/ThrottleStop.ini"));
@@ -62,66 +60,97 @@ class ThrottleStopTest : public QObject {
 
 private slots:
 
-    void missingProgramRemovesTheTabOnce()
+    // What start-up shows: the status and the log-on task, then again a minute later.
+    void startup_data()
     {
-        TsWindow w(false);
-        w.started();
-        QTabWidget *tabs = w.ui().tabWidget;
-        QCOMPARE(tabs->count(), 8);
-        QCOMPARE(tabs->indexOf(w.ui().tab_6), -1);
-        QCOMPARE(tabs->widget(2), w.ui().tab_10);
-        QVERIFY(w.window->throttleStop()->tsTabRemoved);
-        QVERIFY(w.fake.log->withPrefix("run: tasklist").isEmpty());
-
-        // The one-minute check after start finds it missing again and leaves the other tabs.
-        QVERIFY(w.fake.scheduler->history.contains(QStringLiteral("61000 tscheckstatus")));
-        w.fake.scheduler->advance(61000);
-        w.window->tscheckstatus();
-        QCOMPARE(tabs->count(), 8);
-        QCOMPARE(tabs->widget(2), w.ui().tab_10);
-    }
-
-    void statusFollowsTheProcessList_data()
-    {
+        QTest::addColumn<bool>("installed");
         QTest::addColumn<QString>("tasklist");
+        QTest::addColumn<QString>("cannotRun");
+        QTest::addColumn<bool>("saved"); // the task was wanted
+        QTest::addColumn<bool>("registered");
         QTest::addColumn<QString>("status");
         QTest::addColumn<bool>("killable");
-        QTest::addColumn<QString>("cannotRun");
-        QTest::newRow("running") << kRunning << "Status: TS is running!" << true << QString();
-        QTest::newRow("not running") << "\r\nImage Name  PID\r\nexplorer.exe  12\r\n"
-                                     << "Status: TS is not running!" << false << QString();
-        QTest::newRow("no process list") << ""
-                                         << "Status: TS is not running!" << false << QString();
+        QTest::addColumn<bool>("checked");
+        QTest::addColumn<bool>("created");
+        const QString notRunning = "Status: TS is not running!";
+        QTest::newRow("running, task registered and wanted")
+            << true << kRunning << QString() << true << true << "Status: TS is running!" << true
+            << true << false;
+        QTest::newRow("not running, task registered, not saved")
+            << true << "\r\nImage Name  PID\r\nexplorer.exe  12\r\n"
+            << QString() << false << true << notRunning << false << true << false;
+        QTest::newRow("no process list, task went missing but wanted")
+            << true << "" << QString() << true << false << notRunning << false << true << true;
+        // Every control is off: the box takes no click.
         QTest::newRow("a desktop that cannot run it")
-            << kRunning << "Status: TS is not running!" << false
-            << "ThrottleStop is a Windows program.";
+            << true << kRunning << "ThrottleStop is a Windows program." << true << true
+            << notRunning << false << true << false;
+        // Its tab goes, once; the process list is never asked.
+        QTest::newRow("not installed, no task")
+            << false << kRunning << QString() << false << false
+            << "ThrottleStop Status: checking..." << true << false << false;
     }
 
-    void statusFollowsTheProcessList()
+    void startup()
     {
+        QFETCH(bool, installed);
         QFETCH(QString, tasklist);
         QFETCH(QString, cannotRun);
-        TsWindow w(true, tasklist);
+        QFETCH(bool, saved);
+        QFETCH(bool, registered);
+        QFETCH(bool, created);
+        TsWindow w(installed, tasklist);
         w.fake.desktop->windowsTools = cannotRun;
-        w.started();
-        QCOMPARE(w.ui().tabWidget->count(), 9);
-        QCOMPARE(w.fake.log->withPrefix("run: tasklist").size(), cannotRun.isEmpty() ? 1 : 0);
-        QTEST(w.status(), "status");
-        QTEST(w.ui().Button_KillTS->isEnabled(), "killable");
-        QCOMPARE(w.ui().Button_OpenTS->isEnabled(), cannotRun.isEmpty());
-        QCOMPARE(w.ui().Button_OpenTS->toolTip(), cannotRun);
+        w.setGeneral("Check_StartTScheck", saved);
+        w.fake.commands->outputs[kTaskQuery] =
+            registered ? "\r\nFolder: \\\r\nTaskName          Next Run Time   Status\r\n"
+                         "================= =============== ======\r\nThrottleStop      N/A "
+                         "            Ready\r\n"
+                       : "ERROR: The system cannot find the file specified.\r\n";
+        w.window = std::make_unique<MainWindow>(w.fake.bundle());
+        QCheckBox *box = w.ui().Check_StartTScheck;
+        QTEST(box->isChecked(), "checked");
+        QCOMPARE(w.fake.log->withPrefix("run: " + kTaskQuery).size(), 1);
+        QCOMPARE(w.fake.log->withPrefix("start: " + kTaskCreate).size(), created ? 1 : 0);
+        QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), saved);
+
+        QVERIFY(w.fake.scheduler->history.contains(QStringLiteral("61000 tscheckstatus")));
+        const int runs = installed && cannotRun.isEmpty() ? 1 : 0;
+        for (int check = 1; check <= 2; ++check) {
+            QTabWidget *tabs = w.ui().tabWidget;
+            QCOMPARE(tabs->count(), installed ? 9 : 8);
+            QCOMPARE(tabs->widget(2), installed ? w.ui().tab_6 : w.ui().tab_10);
+            QCOMPARE(w.window->throttleStop()->tsTabRemoved, !installed);
+            QCOMPARE(w.fake.log->withPrefix("run: tasklist").size(), check * runs);
+            QTEST(w.status(), "status");
+            QTEST(w.ui().Button_KillTS->isEnabled(), "killable");
+            QCOMPARE(w.ui().Button_OpenTS->isEnabled(), cannotRun.isEmpty());
+            QCOMPARE(w.ui().Button_OpenTS->toolTip(), cannotRun);
+            w.fake.scheduler->advance(61000);
+        }
+
+        // Each click registers the task or deletes it, and saves the choice.
+        QCOMPARE(box->isEnabled(), cannotRun.isEmpty());
+        w.fake.log->clear();
+        QStringList toggles;
+        for (const bool on : {!box->isChecked(), box->isChecked()}) {
+            box->click();
+            if (box->isEnabled())
+                toggles << "start: " + (on ? kTaskCreate : kTaskDelete);
+            QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), box->isEnabled() ? on : saved);
+        }
+        QCOMPARE(w.fake.log->entries, toggles);
     }
 
-    void openAndKill()
+    void openKillAndReset()
     {
-        TsWindow w(true);
+        TsWindow w(true, kRunning);
         w.start();
+        QCOMPARE(w.status(), QStringLiteral("Status: TS is running!"));
         w.ui().Button_OpenTS->click();
         QCOMPARE(w.fake.log->entries, QStringList{"shown 1: ThrottleStop//ThrottleStop.exe"});
         QVERIFY(w.ui().Button_KillTS->isEnabled());
-        QCOMPARE(w.status(), QStringLiteral("Status: TS is not running!"));
 
-        // Killing when nothing runs still reports the kill.
         w.ui().Button_KillTS->click();
         QCOMPARE(w.fake.log->entries.mid(1),
                  QStringList({"start: taskkill /f /im ThrottleStop.exe", "message: ThrottleStop"}));
@@ -129,16 +158,12 @@ private slots:
                  "Information | ThrottleStop | All instances of ThrottleStop were killed.\n | Ok");
         QCOMPARE(w.status(), QStringLiteral("Status: TS is not running!"));
         QVERIFY(!w.ui().Button_KillTS->isEnabled());
-    }
 
-    void resetDeletesSettingsAndRestarts()
-    {
-        TsWindow w(true, kRunning);
-        w.start();
-        w.ui().Button_KillTS->setEnabled(false);
+        // Reset deletes the settings, kills and starts it again, then looks at the process list.
+        w.fake.log->clear();
         w.ui().Button_ResetTS->click();
         QVERIFY(!QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")));
-        QCOMPARE(w.lastMessage(),
+        QCOMPARE(w.fake.dialogs->shown.last().text,
                  QStringLiteral("Throttlestop settings deleted. Next time you open "
                                 "Throttlestop it will run as a first run.\n"));
         QCOMPARE(w.fake.log->entries, kKillAndRestart);
@@ -192,54 +217,11 @@ private slots:
         QCOMPARE(w.settingsFile(), chosen);
         QCOMPARE(QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")), !chosen.isEmpty());
         QVERIFY(!w.staged());
-        QCOMPARE(w.lastMessage(),
+        QCOMPARE(w.fake.dialogs->shown.last().text,
                  QStringLiteral("New settings loaded, we will now close ThrottleStop "
                                 "and re-launch it to apply the new settings.\n"));
         QCOMPARE(w.fake.log->entries, kKillAndRestart);
         QCOMPARE(w.fake.scheduler->history.last(), QStringLiteral("3000 restartts"));
-    }
-
-    void startupTask_data()
-    {
-        QTest::addColumn<bool>("saved");
-        QTest::addColumn<QString>("query");
-        QTest::addColumn<bool>("checked");
-        QTest::addColumn<bool>("created");
-        const QString registered =
-            "\r\nFolder: \\\r\nTaskName          Next Run Time   Status\r\n"
-            "================= =============== ======\r\nThrottleStop      N/A "
-            "            Ready\r\n";
-        const QString missing = "ERROR: The system cannot find the file specified.\r\n";
-        QTest::newRow("registered and wanted") << true << registered << true << false;
-        QTest::newRow("registered, not saved") << false << registered << true << false;
-        QTest::newRow("went missing but wanted") << true << missing << true << true;
-        QTest::newRow("neither") << false << missing << false << false;
-    }
-
-    void startupTask()
-    {
-        QFETCH(bool, saved);
-        QFETCH(QString, query);
-        QFETCH(bool, created);
-        TsWindow w(false);
-        w.setGeneral("Check_StartTScheck", saved);
-        w.fake.commands->outputs[kTaskQuery] = query;
-        w.started();
-        QTEST(w.ui().Check_StartTScheck->isChecked(), "checked");
-        QCOMPARE(w.fake.log->withPrefix("run: " + kTaskQuery).size(), 1);
-        QCOMPARE(w.fake.log->withPrefix("start: " + kTaskCreate).size(), created ? 1 : 0);
-        QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), saved);
-
-        // Each click registers the task or deletes it, and saves the choice.
-        w.fake.log->clear();
-        const bool checked = w.ui().Check_StartTScheck->isChecked();
-        w.ui().Check_StartTScheck->click();
-        QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), !checked);
-        w.ui().Check_StartTScheck->click();
-        QCOMPARE(w.generalValue("Check_StartTScheck").toBool(), checked);
-        const QStringList toggles = {"start: " + kTaskCreate, "start: " + kTaskDelete};
-        const QStringList order = checked ? QStringList{toggles[1], toggles[0]} : toggles;
-        QCOMPARE(w.fake.log->entries, order);
     }
 };
 
