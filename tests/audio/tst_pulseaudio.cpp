@@ -164,8 +164,9 @@ private slots:
         QCOMPARE(found, mayExist);
     }
 
-    // No server: no device at once. A server that accepts and never answers costs one time-out,
-    // then nothing until the retry.
+    // No server: no device at once, not after the time-out. A server that accepts and never
+    // answers costs the given time-out, then nothing until the retry. The time-outs are far
+    // from what is measured, so that a loaded machine cannot tip the comparisons.
     void noAnsweringServerMeansNoDevice()
     {
         const QByteArray saved = qgetenv("PULSE_SERVER");
@@ -173,7 +174,7 @@ private slots:
         QElapsedTimer timer;
         timer.start();
         {
-            PulseAudioEndpoint endpoint;
+            PulseAudioEndpoint endpoint(30s, 60s);
             QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
             QCOMPARE(
                 (QList<quint32>{endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false),
@@ -185,14 +186,14 @@ private slots:
         QLocalServer silent;
         QVERIFY(silent.listen(m_runtime.path() + QStringLiteral("/silent")));
         qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(silent.fullServerName()));
-        PulseAudioEndpoint endpoint(200ms, 60s);
+        PulseAudioEndpoint endpoint(2s, 60s);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
         const qint64 first = timer.restart();
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 0u);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
         qputenv("PULSE_SERVER", saved);
-        QVERIFY2(none < 1000, qPrintable(QString::number(none)));
-        QVERIFY2(first >= 150 && first < 1500, qPrintable(QString::number(first)));
+        QVERIFY2(none < 10000, qPrintable(QString::number(none)));
+        QVERIFY2(first >= 1900, qPrintable(QString::number(first))); // the default is 500 ms
         int attempts = 0;
         while (silent.waitForNewConnection(0) && silent.nextPendingConnection())
             ++attempts;
