@@ -342,6 +342,30 @@ private slots:
         QCOMPARE(reply->type(), QDBusMessage::ErrorMessage);
         QCOMPARE(helper.takeRefusal(), QStringLiteral("The system bus is not running."));
     }
+
+    void refusalsAreTold_data()
+    {
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QString>("told");
+        const QString missing =
+            QStringLiteral("Needs the system helper (varnel-helper), which is not installed.");
+        for (const char *error : {"org.freedesktop.DBus.Error.ServiceUnknown",
+                                  "org.freedesktop.DBus.Error.Spawn.ExecFailed",
+                                  "org.freedesktop.DBus.Error.Spawn.ChildExited"})
+            QTest::newRow(error) << error << missing;
+        QTest::newRow("not authorised") << "org.varnel.Helper.Error.NotAuthorized"
+                                        << "Not allowed: the reason";
+        QTest::newRow("no reply") << "org.freedesktop.DBus.Error.NoReply"
+                                  << "The system helper did not answer.";
+        QTest::newRow("the helper's own") << "org.varnel.Helper.Error.Failed"
+                                          << "the reason";
+    }
+
+    void refusalsAreTold()
+    {
+        QFETCH(QString, error);
+        QTEST(HelperClient::describe(QDBusMessage::createError(error, "the reason")), "told");
+    }
 };
 
 QTEST_GUILESS_MAIN(TestHelperVerbs)

@@ -68,9 +68,11 @@ private slots:
         QFile file(entry);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(file.readAll());
-        QVERIFY(text.startsWith("[Desktop Entry]\n"));
-        QVERIFY(text.contains(QStringLiteral("Exec=\"%1\"").arg(qApp->applicationFilePath())));
-        QVERIFY(text.contains("Path=" + QDir::currentPath()));
+        QCOMPARE(text, QStringLiteral("[Desktop Entry]\nType=Application\nName=Varnel\n"
+                                      "Comment=Laptop control centre\nExec=\"%1\"\nPath=%2\n"
+                                      "Icon=%2/branding/varnel_system_tray.png\nTerminal=false\n"
+                                      "X-GNOME-Autostart-enabled=true\n")
+                           .arg(qApp->applicationFilePath(), QDir::currentPath()));
         runner.start(R"(schtasks /Delete /tn "Varnrel" /f)");
         QVERIFY(!QFile::exists(entry));
 

@@ -165,16 +165,21 @@ private slots:
     void runValuesAreAutostartEntries()
     {
         const auto value = [this](const char *name) {
-            return m_registry.value(kRun, name, "none").toString();
+            return m_registry.value(kRunKey, name, "none").toString();
         };
         QCOMPARE(value("Fan Control"), QStringLiteral("none"));
-        QVERIFY(!m_registry.contains(kRun, "Fan Control"));
-        m_registry.setValue(kRun, "Fan Control", "/opt/helmsuite/fancontrol --tray");
-        QVERIFY(QFile::exists(entry("Fan Control.desktop")));
+        QVERIFY(!m_registry.contains(kRunKey, "Fan Control"));
+        m_registry.setValue(kRunKey, "Fan Control", "/opt/helmsuite/fancontrol --tray");
+        QFile written(entry("Fan Control.desktop"));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(written.readAll(),
+                 QByteArray("[Desktop Entry]\nType=Application\nName=Fan Control\n"
+                            "Exec=/opt/helmsuite/fancontrol --tray\n"
+                            "Terminal=false\n"));
         QCOMPARE(value("Fan Control"), QStringLiteral("/opt/helmsuite/fancontrol --tray"));
         // Case of the key path does not matter, as in the registry.
-        QVERIFY(m_registry.contains(kRun.toLower(), "Fan Control"));
-        m_registry.remove(kRun, "Fan Control");
+        QVERIFY(m_registry.contains(kRunKey.toLower(), "Fan Control"));
+        m_registry.remove(kRunKey, "Fan Control");
         QVERIFY(!QFile::exists(entry("Fan Control.desktop")));
         QCOMPARE(value("Fan Control"), QStringLiteral("none"));
 
@@ -182,7 +187,7 @@ private slots:
         // part of the entry.
         write("Updater.desktop", "[Desktop Entry]\nType=Application\nExec=updater\nHidden=true\n"
                                  "[Desktop Action x]\nExec=other\n");
-        QVERIFY(!m_registry.contains(kRun, "Updater"));
+        QVERIFY(!m_registry.contains(kRunKey, "Updater"));
         QCOMPARE(value("Updater"), QStringLiteral("none"));
         write("KeyboardLED.desktop", "[Desktop Entry]\nExec=kbd --min\nHidden=false\n"
                                      "[Desktop Action x]\nExec=other\n");
@@ -193,7 +198,7 @@ private slots:
             "x");
         QVERIFY(!QFile::exists(entry("Fan Control.desktop")));
         // A name cannot leave the autostart folder.
-        m_registry.setValue(kRun, "../escape", "x");
+        m_registry.setValue(kRunKey, "../escape", "x");
         QVERIFY(QFile::exists(entry(".._escape.desktop")));
     }
 
@@ -219,7 +224,6 @@ private:
         file.write(text);
     }
 
-    const QString kRun = AutostartEntries::runKey;
     LinuxRegistry m_registry;
     QScopedPointer<QTemporaryDir> m_home;
 };
