@@ -60,6 +60,7 @@ struct RegisterRow {
     int cores;     // -1 for the voltage offset
     QString error;
     quint64 ratios; // the ratio register afterwards
+    QString message = {};
 };
 
 } // namespace
@@ -246,20 +247,40 @@ private slots:
         QTest::newRow("-100 mV") << RegisterRow{"mailbox", -100, -1, none, start};
         QTest::newRow("-250 mV, the deepest") << RegisterRow{"mailbox", -250, -1, none, start};
         QTest::newRow("0 mV") << RegisterRow{"mailbox", 0, -1, none, start};
-        QTest::newRow("-251 mV") << RegisterRow{"mailbox", -251, -1, range, start};
-        QTest::newRow("overvolt +1 mV") << RegisterRow{"mailbox", 1, -1, range, start};
+        const QString offsets =
+            QStringLiteral("%1 mV is not a voltage offset between -250 and 0 mV.");
+        QTest::newRow("-251 mV") << RegisterRow{"mailbox", -251,  -1,
+                                                range,     start, offsets.arg(-251)};
+        QTest::newRow("overvolt +1 mV")
+            << RegisterRow{"mailbox", 1, -1, range, start, offsets.arg(1)};
         QTest::newRow("offset locked by firmware")
-            << RegisterRow{"locked", -80, -1, notAccepted, start};
+            << RegisterRow{"locked",
+                           -80,
+                           -1,
+                           notAccepted,
+                           start,
+                           "The processor kept its voltage offset at 0 mV; undervolting is locked "
+                           "on this machine."};
         QTest::newRow("no msr driver")
-            << RegisterRow{"none", -80, -1, helpererror::notSupported, 0};
+            << RegisterRow{"none",
+                           -80,
+                           -1,
+                           helpererror::notSupported,
+                           0,
+                           "The processor's registers cannot be reached here (the msr module is "
+                           "not loaded)."};
         QTest::newRow("1 core to 45") << RegisterRow{"mailbox", 45, 1, none, 0x2E2E2F2F3131332DULL};
         QTest::newRow("8 cores to 40")
             << RegisterRow{"mailbox", 40, 8, none, 0x282E2F2F31313333ULL};
-        QTest::newRow("0 cores") << RegisterRow{"mailbox", 45, 0, range, start};
-        QTest::newRow("9 cores") << RegisterRow{"mailbox", 45, 9, range, start};
-        QTest::newRow("ratio 7") << RegisterRow{"mailbox", 7, 3, range, start};
-        QTest::newRow("ratio 81") << RegisterRow{"mailbox", 81, 3, range, start};
-        QTest::newRow("locked ratios") << RegisterRow{"locked", 40, 3, notAccepted, start};
+        const QString cores = QStringLiteral("%1 is not a count of active cores between 1 and 8.");
+        const QString ratio = QStringLiteral("%1 is not a turbo ratio between 8 and 80.");
+        QTest::newRow("0 cores") << RegisterRow{"mailbox", 45, 0, range, start, cores.arg(0)};
+        QTest::newRow("9 cores") << RegisterRow{"mailbox", 45, 9, range, start, cores.arg(9)};
+        QTest::newRow("ratio 7") << RegisterRow{"mailbox", 7, 3, range, start, ratio.arg(7)};
+        QTest::newRow("ratio 81") << RegisterRow{"mailbox", 81, 3, range, start, ratio.arg(81)};
+        QTest::newRow("locked ratios") << RegisterRow{
+            "locked",    40,    3,
+            notAccepted, start, "The processor kept its turbo ratio at 49; its ratios are locked."};
     }
 
     void registers()
@@ -278,6 +299,7 @@ private slots:
         const Outcome outcome = row.cores >= 0 ? registers.setRatio(row.cores, row.value, &back)
                                                : registers.setOffset(row.value, &back);
         QCOMPARE(outcome.errorName, row.error);
+        QCOMPARE(outcome.message, row.message);
         if (row.error.isEmpty())
             QCOMPARE(back, row.value);
         QCOMPARE(tree.msr(0, CpuRegisters::kTurboRatioLimit), row.ratios);
