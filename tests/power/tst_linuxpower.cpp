@@ -23,8 +23,7 @@ class RecordingDesktop : public DesktopSettings {
 public:
     bool setAmbientBrightness(bool enabled) override
     {
-        calls << QStringLiteral("ambient %1").arg(enabled);
-        return true;
+        return (calls << QStringLiteral("ambient %1").arg(enabled), true);
     }
     bool openDisplaySettings() override { return (calls << QStringLiteral("display"), true); }
     bool openPowerSettings() override { return (calls << QStringLiteral("power"), true); }
@@ -66,10 +65,10 @@ void write(const QString &path, const QString &text)
 
 const QString kOtherProfile = QStringLiteral("[LowBattery][DPMSControl]\nidleTime=60\n");
 
-void write(const QTemporaryDir &dir, const QString &supply, const char *file, const QString &text)
+void write(const QTemporaryDir &dir, const QString &folder, const char *file, const QString &text)
 {
-    QDir(dir.path()).mkpath(supply);
-    write(dir.filePath(supply + QLatin1Char('/') + QLatin1String(file)), text + '\n');
+    QDir(dir.path()).mkpath(folder);
+    write(dir.filePath(folder + QLatin1Char('/') + QLatin1String(file)), text + '\n');
 }
 } // namespace
 
@@ -96,11 +95,7 @@ private slots:
     void absentSchemaLoadsNoGio()
     {
         QTemporaryDir data;
-        QDir(data.path()).mkpath(QStringLiteral("glib-2.0/schemas"));
-        QFile compiled(data.path() + QStringLiteral("/glib-2.0/schemas/gschemas.compiled"));
-        QVERIFY(compiled.open(QIODevice::WriteOnly));
-        compiled.write("GVariant org.gnome.desktop.session");
-        compiled.close();
+        write(data, "glib-2.0/schemas", "gschemas.compiled", "GVariant org.gnome.desktop.session");
         qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
         qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
         qunsetenv("GSETTINGS_SCHEMA_DIR");

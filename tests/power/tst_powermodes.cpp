@@ -245,21 +245,6 @@ private slots:
         QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 0%"));
     }
 
-    void loadWritesNothingBackButTheKeyboardLevel()
-    {
-        TestWindow p;
-        p.startWithPowerModes(QStringLiteral("battery"));
-        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
-        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
-        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
-
-        p.window->on_silent_mode_clicked();
-        QCOMPARE(p.userKeys(),
-                 (QStringList{"horizontalSlider_2_battery", "horizontalSlider_2_silent"}));
-        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
-        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
-    }
-
     void minimumAndMaximumPushEachOther_data()
     {
         QTest::addColumn<int>("minBefore");
@@ -443,16 +428,8 @@ private slots:
         QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
     }
 
-    void turboOverrideAppliesADifferingValueOnce_data()
-    {
-        QTest::addColumn<bool>("movedBack");
-        QTest::newRow("tuning tab read another value") << false;
-        QTest::newRow("mode's slider moved and back") << true;
-    }
-
     void turboOverrideAppliesADifferingValueOnce()
     {
-        QFETCH(bool, movedBack);
         TestWindow p;
         p.startWithPowerModes();
         Ui::MainWindow &ui = p.ui();
@@ -461,21 +438,21 @@ private slots:
         ui.power_mode_turbo_boost->setValue(300);
         p.window->ApplyPowerTurboBoost(); // settles the pending change
         p.clearRecords();
-        if (movedBack) {
-            ui.power_mode_turbo_boost->setValue(301);
-            ui.power_mode_turbo_boost->setValue(300); // back where the tuning slider already is
-            QVERIFY(p.window->powerModes()->turboOverridePending());
-            QCOMPARE(p.fake.scheduler->history,
-                     (QStringList{"4000 ApplyPowerTurboBoost", "4000 ApplyPowerTurboBoost"}));
-            p.fake.scheduler->runAll();
-            QVERIFY(!p.window->powerModes()->turboOverridePending());
-        } else {
-            ui.Slider_TurboBoost->setValue(100);
-            p.window->ApplyPowerValues();
-            QCOMPARE(ui.Slider_TurboBoost->value(), 300);
-            QCOMPARE(p.tuningApplies(), 1);
-            p.window->ApplyPowerTurboBoost();
-        }
+        ui.Slider_TurboBoost->setValue(100); // the tuning tab read another value
+        p.window->ApplyPowerValues();
+        QCOMPARE(ui.Slider_TurboBoost->value(), 300);
+        QCOMPARE(p.tuningApplies(), 1);
+        p.window->ApplyPowerTurboBoost();
+        QCOMPARE(p.tuningApplies(), 1);
+
+        p.clearRecords();
+        ui.power_mode_turbo_boost->setValue(301);
+        ui.power_mode_turbo_boost->setValue(300); // back where the tuning slider already is
+        QVERIFY(p.window->powerModes()->turboOverridePending());
+        QCOMPARE(p.fake.scheduler->history,
+                 (QStringList{"4000 ApplyPowerTurboBoost", "4000 ApplyPowerTurboBoost"}));
+        p.fake.scheduler->runAll();
+        QVERIFY(!p.window->powerModes()->turboOverridePending());
         QCOMPARE(p.tuningApplies(), 1);
     }
 
@@ -512,19 +489,15 @@ private slots:
         p.clearRecords();
         p.window->ApplyPowerValues();
         QCOMPARE(p.commands().mid(0, 3), schemeBrightness(80));
-    }
 
-    void ignoredPanelStillWritesTheSchemeBrightness()
-    {
-        TestWindow p;
-        p.setUser("ignore_lcd_bright_normal", true);
+        // An ignored panel is left alone, yet its level still goes to the scheme.
+        p.ui().ignore_lcd_bright->click();
         p.fake.panel->level = 64;
-        p.startWithPowerModes();
+        p.window->GetBrightness();
+        p.clearRecords();
         p.window->ApplyPowerValues();
         QCOMPARE(p.commands().mid(0, 3), schemeBrightness(64));
         QVERIFY(p.fake.scheduler->history.isEmpty());
-
-        // The delayed brightness apply still schedules the scheme, but leaves the panel alone.
         p.window->ApplyPowerBrightness();
         QVERIFY(p.fake.log->withPrefix("panel write").isEmpty());
         QCOMPARE(p.fake.scheduler->history, QStringList{"1000 ApplySchemeBright"});
@@ -596,17 +569,19 @@ private slots:
         QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
     }
 
-    void resetAppliesDefaultsAndTellsOnce()
+    void loadWritesOnlyTheKeyboardLevelAndResetTellsOnce()
     {
         TestWindow p;
         p.setUser("cpu_min_slider_battery", 44);
         p.setUser("cpu_min_slider_normal", 45);
         p.startWithPowerModes(QStringLiteral("battery"));
         QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
+        QCOMPARE(p.userKeys(), (QStringList{"cpu_min_slider_battery", "cpu_min_slider_normal",
+                                            "horizontalSlider_2_battery"}));
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
 
         p.ui().reset_power_modes->click();
-        QVERIFY(!p.userKeys().contains("cpu_min_slider_battery"));
-        QVERIFY(!p.userKeys().contains("cpu_min_slider_normal"));
         QCOMPARE(p.ui().silent_cpu_min->value(), 5);
         QCOMPARE(p.ui().silent_cpu_max->value(), 60);
         QCOMPARE(p.fake.dialogs->lines(),
@@ -616,6 +591,12 @@ private slots:
         const int applied = p.fake.log->indexOf(processor("PROCTHROTTLEMIN", 5).at(0));
         QVERIFY(applied >= 0);
         QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
+
+        p.clearRecords();
+        p.window->on_silent_mode_clicked(); // the reset left no user key behind
+        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_silent"});
+        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
+        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
     }
 
     void trayEntrySelectsAndMarksTheMode()
