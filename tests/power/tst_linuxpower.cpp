@@ -85,9 +85,9 @@ private slots:
         // Before anything in the process opens the session bus.
         qputenv("DBUS_SESSION_BUS_ADDRESS", m_daemon.readLine().trimmed());
     }
+    void cleanup() { QDBusConnection::disconnectFromBus(QStringLiteral("plasma")); }
     void cleanupTestCase()
     {
-        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
         m_daemon.kill();
         m_daemon.waitForFinished(5000);
     }
@@ -256,7 +256,6 @@ private slots:
         QCOMPARE(read(file), after);
         QTRY_COMPARE(powerManager.calls,
                      before.contains(QLatin1String("[AC][SuspendSession]")) ? 3 : 2);
-        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
     }
     void metaKeyIsClearedAndGivenBack_data()
     {
@@ -290,7 +289,6 @@ private slots:
         } // the program ends with the box checked: given back all the same
         QCOMPARE(read(file), before);
         QTRY_COMPARE(kwin.calls, 5);
-        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
     }
 
 private:
