@@ -330,7 +330,7 @@ private slots:
         QVERIFY(p.commands().isEmpty()); // nothing runs before the delay
     }
 
-    void codesFollowEditsAndScheduledCallsFire()
+    void editorControlsSaveSwitchAndSchedule()
     {
         TestWindow p;
         p.startWithPowerModes();
@@ -371,22 +371,6 @@ private slots:
         QCOMPARE(p.fake.log->entries.count(schemeBrightness(42).at(0)), 2);
         QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-dc 5"));
 
-        // With no mode checked, the profile keys end in the digit zero.
-        for (QRadioButton *radio :
-             {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
-            radio->setAutoExclusive(false);
-        ui.normal_mode->setChecked(false);
-        QCOMPARE(modes->currentPowerModeName(), QStringLiteral("0"));
-        ui.LidClose_Combo->setCurrentIndex(0);
-        QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
-    }
-
-    void clickHandlersSaveAndSwitchControls()
-    {
-        TestWindow p;
-        p.startWithPowerModes();
-        Ui::MainWindow &ui = p.ui();
-        PowerModes *modes = p.window->powerModes();
         manageCpu(p, true);
         ui.power_mode_turbo_boost->setValue(300);
         ui.Slider_TurboBoost->setValue(100);
@@ -424,7 +408,16 @@ private slots:
         QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",none"));
         ui.checkBox->click();
         QVERIFY(ui.horizontalSlider_2->isEnabled());
-        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",7"));
+
+        // With no mode checked, the profile keys end in the digit zero.
+        for (QRadioButton *radio :
+             {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
+            radio->setAutoExclusive(false);
+        ui.normal_mode->setChecked(false);
+        QCOMPARE(modes->currentPowerModeName(), QStringLiteral("0"));
+        ui.LidClose_Combo->setCurrentIndex(0);
+        QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
     }
 
     void turboOverrideAppliesADifferingValueOnce()
@@ -538,7 +531,7 @@ private slots:
         QTEST(p.commands(), "commands");
     }
 
-    void switchingTheFeatureMovesTrayEntries()
+    void featureSwitchAndTrayEntries()
     {
         TestWindow off;
         off.start();
@@ -550,7 +543,7 @@ private slots:
         QVERIFY(off.commands().isEmpty());
 
         TestWindow p;
-        p.startWithPowerModes();
+        start(p);
         Ui::MainWindow &ui = p.ui();
         QMenu *menu = p.window->trayMenu();
         QCOMPARE(menuTexts(menu), kTrayModes + kTrayEnd);
@@ -568,46 +561,12 @@ private slots:
         checkEditorEnabled(ui, true);
         // Turning the feature on loads and applies the checked mode.
         QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
-    }
 
-    void loadWritesOnlyTheKeyboardLevelAndResetTellsOnce()
-    {
-        TestWindow p;
-        p.setUser("cpu_min_slider_battery", 44);
-        p.setUser("cpu_min_slider_normal", 45);
-        p.startWithPowerModes(QStringLiteral("battery"));
-        QCOMPARE(p.ui().silent_cpu_min->value(), 44);
-        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
-        QCOMPARE(p.userKeys(), (QStringList{"cpu_min_slider_battery", "cpu_min_slider_normal",
-                                            "horizontalSlider_2_battery"}));
-        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
-
-        p.ui().reset_power_modes->click();
-        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
-        QCOMPARE(p.ui().silent_cpu_max->value(), 60);
-        QCOMPARE(p.fake.dialogs->lines(),
-                 QStringList("Information | Reset Power Modes | All Power "
-                             "Modes have been reset to default values.\n | Ok"));
-        // The message comes after the profile was applied.
-        const int applied = p.fake.log->indexOf(processor("PROCTHROTTLEMIN", 5).at(0));
-        QVERIFY(applied >= 0);
-        QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
-
-        p.clearRecords();
-        p.window->on_silent_mode_clicked(); // the reset left no user key behind
-        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_silent"});
-        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
-        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
-    }
-
-    void trayEntrySelectsAndMarksTheMode()
-    {
-        TestWindow p;
-        start(p);
         QVERIFY(imageOf(QIcon(QLatin1String(kSelected))) !=
                 imageOf(QIcon(QLatin1String(kNotSelected))));
         QCOMPARE(selectedEntries(p), QStringList{"Normal Mode"});
 
+        p.clearRecords();
         p.window->trayActions().silent->trigger();
         QVERIFY(p.ui().silent_mode->isChecked());
         QCOMPARE(selectedEntries(p), QStringList{"Silent Mode"});
@@ -640,6 +599,36 @@ private slots:
         QVERIFY(p.ui().maximum_mode->isChecked());
         QVERIFY(!p.commands().contains(processor("PROCTHROTTLEMAX", 60).at(0)));
         QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
+    }
+
+    void loadWritesOnlyTheKeyboardLevelAndResetTellsOnce()
+    {
+        TestWindow p;
+        p.setUser("cpu_min_slider_battery", 44);
+        p.setUser("cpu_min_slider_normal", 45);
+        p.startWithPowerModes(QStringLiteral("battery"));
+        QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
+        QCOMPARE(p.userKeys(), (QStringList{"cpu_min_slider_battery", "cpu_min_slider_normal",
+                                            "horizontalSlider_2_battery"}));
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
+
+        p.ui().reset_power_modes->click();
+        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+        QCOMPARE(p.ui().silent_cpu_max->value(), 60);
+        QCOMPARE(p.fake.dialogs->lines(),
+                 QStringList("Information | Reset Power Modes | All Power "
+                             "Modes have been reset to default values.\n | Ok"));
+        // The message comes after the profile was applied.
+        const int applied = p.fake.log->indexOf(processor("PROCTHROTTLEMIN", 5).at(0));
+        QVERIFY(applied >= 0);
+        QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
+
+        p.clearRecords();
+        p.window->on_silent_mode_clicked(); // the reset left no user key behind
+        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_silent"});
+        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
+        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
     }
 
     // Steps: a line status then a timer tick ("0", "1", "255"), the line status read alone ("r0"),
