@@ -190,10 +190,10 @@ private slots:
         p.startWithPowerModes(QStringLiteral("maximum"));
         Ui::MainWindow &ui = p.ui();
         QVERIFY(ui.maximum_mode->isChecked());
-        QCOMPARE(ui.silent_cpu_min->value(), 33);
-        QCOMPARE(ui.LidClose_Combo->currentIndex(), 2);
-        QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
-        QCOMPARE(ui.comboBox_5->currentIndex(), 6);
+        QCOMPARE((QList<int>{ui.silent_cpu_min->value(), ui.silent_cpu_max->value(),
+                             ui.LidClose_Combo->currentIndex(), ui.power_mode_turbo_boost->value(),
+                             ui.comboBox_5->currentIndex()}),
+                 (QList<int>{33, 100, 2, 720, 6}));
         QCOMPARE((QStringList{ui.Cpu_Minimum_Label->text(), ui.Cpu_Maximum_Label->text(),
                               ui.PowerModeBrightSlider_Label->text(), ui.label_26->text()}),
                  (QStringList{"CPU minimum: 33%", "CPU maximum: 100%",
