@@ -23,8 +23,7 @@ class RecordingDesktop : public DesktopSettings {
 public:
     bool setAmbientBrightness(bool enabled) override
     {
-        calls << QStringLiteral("ambient %1").arg(enabled);
-        return true;
+        return (calls << QStringLiteral("ambient %1").arg(enabled), true);
     }
     bool openDisplaySettings() override { return (calls << QStringLiteral("display"), true); }
     bool openPowerSettings() override { return (calls << QStringLiteral("power"), true); }
@@ -66,10 +65,10 @@ void write(const QString &path, const QString &text)
 
 const QString kOtherProfile = QStringLiteral("[LowBattery][DPMSControl]\nidleTime=60\n");
 
-void write(const QTemporaryDir &dir, const QString &supply, const char *file, const QString &text)
+void write(const QTemporaryDir &dir, const QString &folder, const char *file, const QString &text)
 {
-    QDir(dir.path()).mkpath(supply);
-    write(dir.filePath(supply + QLatin1Char('/') + QLatin1String(file)), text + '\n');
+    QDir(dir.path()).mkpath(folder);
+    write(dir.filePath(folder + QLatin1Char('/') + QLatin1String(file)), text + '\n');
 }
 } // namespace
 
@@ -86,9 +85,9 @@ private slots:
         // Before anything in the process opens the session bus.
         qputenv("DBUS_SESSION_BUS_ADDRESS", m_daemon.readLine().trimmed());
     }
+    void cleanup() { QDBusConnection::disconnectFromBus(QStringLiteral("plasma")); }
     void cleanupTestCase()
     {
-        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
         m_daemon.kill();
         m_daemon.waitForFinished(5000);
     }
@@ -96,11 +95,7 @@ private slots:
     void absentSchemaLoadsNoGio()
     {
         QTemporaryDir data;
-        QDir(data.path()).mkpath(QStringLiteral("glib-2.0/schemas"));
-        QFile compiled(data.path() + QStringLiteral("/glib-2.0/schemas/gschemas.compiled"));
-        QVERIFY(compiled.open(QIODevice::WriteOnly));
-        compiled.write("GVariant org.gnome.desktop.session");
-        compiled.close();
+        write(data, "glib-2.0/schemas", "gschemas.compiled", "GVariant org.gnome.desktop.session");
         qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
         qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
         qunsetenv("GSETTINGS_SCHEMA_DIR");
@@ -261,7 +256,6 @@ private slots:
         QCOMPARE(read(file), after);
         QTRY_COMPARE(powerManager.calls,
                      before.contains(QLatin1String("[AC][SuspendSession]")) ? 3 : 2);
-        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
     }
     void metaKeyIsClearedAndGivenBack_data()
     {
@@ -295,7 +289,6 @@ private slots:
         } // the program ends with the box checked: given back all the same
         QCOMPARE(read(file), before);
         QTRY_COMPARE(kwin.calls, 5);
-        QDBusConnection::disconnectFromBus(QStringLiteral("plasma"));
     }
 
 private:

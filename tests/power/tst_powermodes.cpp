@@ -1,6 +1,9 @@
-// Power modes on the real window: the editor (reading profiles, saving edits, the delays each edit
-// schedules, the clamps, the feature switch with its tray entries, the reset), and switching modes
-// by radio button, tray entry and the automatic battery mode over a scripted power source.
+// Power modes: the power-scheme command catalogue, then the real window: the editor (reading
+// profiles, saving edits, the delays each edit schedules, the clamps, the feature switch with its
+// tray entries, the reset), applying a mode (the exact commands in order, the brightness delays,
+// the companion codes, the turbo override), and switching modes by radio button, tray entry and
+// the automatic battery mode over a scripted power source.
+#include "powercommands.h"
 #include "powermodes.h"
 #include "testwindow.h"
 
@@ -10,6 +13,53 @@
 #include <QtTest>
 
 namespace {
+const QString kActivate = QStringLiteral("shown 0: powercfg -SetActive SCHEME_CURRENT");
+const QString kDisplay = QStringLiteral("SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
+const QString kLid = QStringLiteral("SCHEME_CURRENT 4f971e89-eebd-4455-a8de-9e59040e7347 "
+                                    "5ca83367-6e45-459f-a27b-476b1d01c936 ");
+
+QStringList pair(const QString &ac, const QString &dc)
+{
+    return {"run: " + ac, "run: " + dc, kActivate};
+}
+
+// One setting for mains and battery; `verb` is "powercfg -set" or "powercfg set".
+QStringList both(const char *verb, const QString &setting)
+{
+    return pair(verb + QStringLiteral("acvalueindex ") + setting,
+                verb + QStringLiteral("dcvalueindex ") + setting);
+}
+
+QStringList schemeBrightness(int value)
+{
+    return both("powercfg -set",
+                kDisplay + "aded5e82-b909-4619-9949-f5d71dac0bcb " + QString::number(value));
+}
+
+QStringList processor(const char *limit, int value)
+{
+    return both(
+        "powercfg -set",
+        QStringLiteral("SCHEME_CURRENT SUB_PROCESSOR %1 %2").arg(QLatin1String(limit)).arg(value));
+}
+
+QStringList lid(int value)
+{
+    return both("powercfg set", kLid + QString::number(value));
+}
+
+const QStringList kScreen20 =
+    pair("powercfg -change -monitor-timeout-ac 20", "powercfg -change -monitor-timeout-dc 20");
+const QStringList kSleep60 = pair("powercfg -change -x -standby-timeout-ac 60",
+                                  "powercfg -change -x -standby-timeout-dc 60");
+
+// "Manage CPU" on without running its handler, which would talk to the tuning service.
+void manageCpu(TestWindow &p, bool on)
+{
+    p.ui().checkBox_DontManageCPU->setChecked(on);
+    p.ui().turbo_override->setEnabled(on);
+}
+
 QStringList menuTexts(QMenu *menu)
 {
     QStringList out;
@@ -61,31 +111,117 @@ QString stored(const TestWindow &p)
 {
     return p.generalValue("powermode").toString();
 }
-
-const QString kBatteryMax = QStringLiteral(
-    "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 60");
 } // namespace
 
 class PowerModesTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void userKeyWinsAndRemovedKeyShowsDefault()
+    // Timeouts by combo index (short sleep timeouts use "-x" alone), and the lid's action values.
+    void catalogueRows_data()
+    {
+        QTest::addColumn<char>("kind");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("ac");
+        QTest::addColumn<QString>("dc");
+        const int minutes[] = {0, 5, 10, 15, 20, 30, 60, 120, 300};
+        for (int index = 0; index < 9; ++index) {
+            const QString m = QString::number(minutes[index]);
+            const QString sleep = index <= 3 ? "powercfg -x -standby-timeout-"
+                                             : "powercfg -change -x -standby-timeout-";
+            QTest::addRow("screen %d", index)
+                << 's' << index << "powercfg -change -monitor-timeout-ac " + m
+                << "powercfg -change -monitor-timeout-dc " + m;
+            QTest::addRow("sleep %d", index)
+                << 'z' << index << sleep + "ac " + m << sleep + "dc " + m;
+        }
+        for (int index : {-1, 9}) {
+            QTest::addRow("screen %d", index) << 's' << index << QString() << QString();
+            QTest::addRow("sleep %d", index) << 'z' << index << QString() << QString();
+        }
+        for (int index : {0, 1, 2}) {
+            const QString value = QString::number(index == 2 ? 3 : index); // shutdown is 3
+            QTest::addRow("lid %d", index)
+                << 'l' << index << "powercfg setacvalueindex " + kLid + value
+                << "powercfg setdcvalueindex " + kLid + value;
+        }
+        for (int index : {-1, 3})
+            QTest::addRow("lid %d", index) << 'l' << index << QString() << QString();
+    }
+
+    void catalogueRows()
+    {
+        QFETCH(char, kind);
+        QFETCH(int, index);
+        const powercmd::Pair pair = kind == 's'   ? powercmd::screenOff(index)
+                                    : kind == 'z' ? powercmd::sleepAfter(index)
+                                                  : powercmd::lidClose(index);
+        QTEST(pair.ac, "ac");
+        QTEST(pair.dc, "dc");
+    }
+
+    void fanCodes_data()
+    {
+        QTest::addColumn<int>("index");
+        QTest::addColumn<QString>("current");
+        QTest::addColumn<QString>("code");
+        QTest::newRow("No Change") << 0 << "3" << QString("none");
+        for (int index = 1; index <= 6; ++index)
+            QTest::addRow("%d", index) << index << "none" << QString::number(index);
+        QTest::newRow("no selection keeps the code") << -1 << "5" << QString("5");
+        QTest::newRow("beyond the list keeps the code") << 7 << "2" << QString("2");
+    }
+
+    void fanCodes()
+    {
+        QFETCH(int, index);
+        QFETCH(QString, current);
+        QTEST(powercmd::fanProfileCode(index, current), "code");
+    }
+
+    void loadShowsTheProfileUserKeysFirst()
     {
         TestWindow p;
-        QCOMPARE(p.defaultValue("cpu_min_slider_normal").toInt(), 5);
-        p.setUser("cpu_min_slider_normal", 33);
-        p.setUser("LidClose_Combo_normal", 2);
-        p.startWithPowerModes();
-        QCOMPARE(p.ui().silent_cpu_min->value(), 33);
-        QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
-        QCOMPARE(p.ui().silent_cpu_max->value(), p.defaultValue("cpu_max_slider_normal").toInt());
+        for (const char *key :
+             {"turbo_override_maximum", "ignore_lcd_bright_maximum", "checkBox_maximum"})
+            p.setUser(key, true);
+        p.setUser("cpu_min_slider_maximum", 33);
+        p.setUser("LidClose_Combo_maximum", 2);
+        p.startWithPowerModes(QStringLiteral("maximum"));
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(ui.maximum_mode->isChecked());
+        QCOMPARE((QList<int>{ui.silent_cpu_min->value(), ui.silent_cpu_max->value(),
+                             ui.LidClose_Combo->currentIndex(), ui.power_mode_turbo_boost->value(),
+                             ui.comboBox_5->currentIndex()}),
+                 (QList<int>{33, 100, 2, 720, 6}));
+        QCOMPARE((QStringList{ui.Cpu_Minimum_Label->text(), ui.Cpu_Maximum_Label->text(),
+                              ui.PowerModeBrightSlider_Label->text(), ui.label_26->text()}),
+                 (QStringList{"CPU minimum: 33%", "CPU maximum: 100%",
+                              "Initial LCD Brightness: 100%", "Keyboard Brightness: 100%"}));
+        QCOMPARE(ui.turbo_override->text(),
+                 QStringLiteral("Turbo Power Override: ") + ui.Label_TurboPowerValue->text());
+        // Turbo override on: the mode's slider replaces the tuning tab's.
+        QVERIFY(ui.power_mode_turbo_boost->isEnabled());
+        QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+        QCOMPARE(ui.Slider_TurboBoost->toolTip(),
+                 QStringLiteral(" Currently being replaced by Power Mode Override value. "));
+        QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
+        QVERIFY(!ui.horizontalSlider_2->isEnabled());
+        checkEditorEnabled(ui, true);
+        // The keyboard is ignored, so its code stays unset.
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",none"));
+        QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
 
         QSettings(p.folder.file(TestWindow::user), QSettings::IniFormat)
-            .remove(QStringLiteral("settings/cpu_min_slider_normal"));
+            .remove(QStringLiteral("settings/cpu_min_slider_maximum"));
         p.window->loadPowerModeValues();
-        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
-        QCOMPARE(p.ui().LidClose_Combo->currentIndex(), 2);
+        QCOMPARE(ui.silent_cpu_min->value(), 10);
+        QCOMPARE(ui.LidClose_Combo->currentIndex(), 2);
+
+        // A stored mode that names none of the four leaves the radio buttons alone.
+        p.setGeneral("powermode", "Silent");
+        p.window->loadPowerModeValues();
+        QVERIFY(ui.maximum_mode->isChecked());
     }
 
     void keysMissingEverywhereShowTheMinimums()
@@ -106,57 +242,6 @@ private slots:
         QVERIFY(!ui.checkBox->isChecked());
         // The label shows the number read, not the clamped slider.
         QCOMPARE(ui.Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: 0%"));
-    }
-
-    void loadShowsTheProfileWithLabels()
-    {
-        TestWindow p;
-        for (const char *key :
-             {"turbo_override_maximum", "ignore_lcd_bright_maximum", "checkBox_maximum"})
-            p.setUser(key, true);
-        p.startWithPowerModes(QStringLiteral("maximum"));
-        Ui::MainWindow &ui = p.ui();
-        QVERIFY(ui.maximum_mode->isChecked());
-        QCOMPARE(ui.silent_cpu_min->value(), 10);
-        QCOMPARE(ui.power_mode_turbo_boost->value(), 720);
-        QCOMPARE(ui.comboBox_5->currentIndex(), 6);
-        QCOMPARE((QStringList{ui.Cpu_Minimum_Label->text(), ui.Cpu_Maximum_Label->text(),
-                              ui.PowerModeBrightSlider_Label->text(), ui.label_26->text()}),
-                 (QStringList{"CPU minimum: 10%", "CPU maximum: 100%",
-                              "Initial LCD Brightness: 100%", "Keyboard Brightness: 100%"}));
-        QCOMPARE(ui.turbo_override->text(),
-                 QStringLiteral("Turbo Power Override: ") + ui.Label_TurboPowerValue->text());
-        // Turbo override on: the mode's slider replaces the tuning tab's.
-        QVERIFY(ui.power_mode_turbo_boost->isEnabled());
-        QVERIFY(!ui.Slider_TurboBoost->isEnabled());
-        QCOMPARE(ui.Slider_TurboBoost->toolTip(),
-                 QStringLiteral(" Currently being replaced by Power Mode Override value. "));
-        QVERIFY(!ui.PowerModeBrightSlider->isEnabled());
-        QVERIFY(!ui.horizontalSlider_2->isEnabled());
-        checkEditorEnabled(ui, true);
-        // The keyboard is ignored, so its code stays unset.
-        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",none"));
-        QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
-
-        // A stored mode that names none of the four leaves the radio buttons alone.
-        p.setGeneral("powermode", "Silent");
-        p.window->loadPowerModeValues();
-        QVERIFY(ui.maximum_mode->isChecked());
-    }
-
-    void loadWritesNothingBackButTheKeyboardLevel()
-    {
-        TestWindow p;
-        p.startWithPowerModes(QStringLiteral("battery"));
-        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
-        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_battery"});
-        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
-
-        p.window->on_silent_mode_clicked();
-        QCOMPARE(p.userKeys(),
-                 (QStringList{"horizontalSlider_2_battery", "horizontalSlider_2_silent"}));
-        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
-        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
     }
 
     void minimumAndMaximumPushEachOther_data()
@@ -193,10 +278,10 @@ private slots:
         p.setUser("cpu_max_slider_normal", maxBefore);
         p.startWithPowerModes();
         p.window->findChild<QSlider *>(moved)->setValue(value);
-        QCOMPARE(p.ui().silent_cpu_min->value(), min);
-        QCOMPARE(p.ui().silent_cpu_max->value(), max);
-        QCOMPARE(p.userValue("cpu_min_slider_normal").toInt(), min);
-        QCOMPARE(p.userValue("cpu_max_slider_normal").toInt(), max);
+        QCOMPARE((QList<int>{p.ui().silent_cpu_min->value(), p.ui().silent_cpu_max->value(),
+                             p.userValue("cpu_min_slider_normal").toInt(),
+                             p.userValue("cpu_max_slider_normal").toInt()}),
+                 (QList<int>{min, max, min, max}));
         QCOMPARE(p.ui().Cpu_Maximum_Label->text(), QStringLiteral("CPU maximum: %1%").arg(max));
         QTEST(p.fake.scheduler->history, "scheduled");
     }
@@ -245,12 +330,26 @@ private slots:
         QVERIFY(p.commands().isEmpty()); // nothing runs before the delay
     }
 
-    void scheduledCallsFireInOrder()
+    void editorControlsSaveSwitchAndSchedule()
     {
         TestWindow p;
         p.startWithPowerModes();
         Ui::MainWindow &ui = p.ui();
         PowerModes *modes = p.window->powerModes();
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+        // Moved while loading (no handler saves), the apply must not pick the new level up.
+        ui.horizontalSlider_2->blockSignals(true);
+        ui.horizontalSlider_2->setValue(5);
+        ui.horizontalSlider_2->blockSignals(false);
+        p.window->ApplyPowerValues();
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
+        // The slot on its own does pick it up, and sets the keyboard where the machine can.
+        p.clearRecords();
+        p.window->ApplyPowerKBLED();
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",5"));
+        QCOMPARE(p.fake.log->entries, QStringList{"keyboard light 5"});
+
+        p.clearRecords();
         ui.TurnOffScreen_combo->setCurrentIndex(1);
         ui.PowerModeBrightSlider->setValue(41);
         ui.PowerModeBrightSlider->setValue(42); // a drag queues one call per value
@@ -269,25 +368,26 @@ private slots:
 
         p.fake.log->clear();
         p.fake.scheduler->advance(4000);
-        const QString schemeAc = "run: powercfg -setacvalueindex SCHEME_CURRENT "
-                                 "7516b95f-f776-4464-8c53-06167f40cc99 "
-                                 "aded5e82-b909-4619-9949-f5d71dac0bcb 42";
-        QCOMPARE(p.fake.log->entries.count(schemeAc), 2);
+        QCOMPARE(p.fake.log->entries.count(schemeBrightness(42).at(0)), 2);
         QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-dc 5"));
-    }
 
-    void clickHandlersSaveAndSwitchControls()
-    {
-        TestWindow p;
-        p.startWithPowerModes();
-        Ui::MainWindow &ui = p.ui();
-        PowerModes *modes = p.window->powerModes();
+        manageCpu(p, true);
+        ui.power_mode_turbo_boost->setValue(300);
+        ui.Slider_TurboBoost->setValue(100);
+        p.window->ApplyPowerTurboBoost(); // override off
+        QCOMPARE(p.tuningApplies(), 0);
 
-        ui.turbo_override->setEnabled(true); // as "Manage CPU" does
         ui.turbo_override->click();
         QCOMPARE(p.userValue("turbo_override_normal").toBool(), true);
         QVERIFY(ui.power_mode_turbo_boost->isEnabled());
         QVERIFY(!ui.Slider_TurboBoost->isEnabled());
+        manageCpu(p, false); // the override needs a managed CPU too
+        p.window->ApplyPowerTurboBoost();
+        p.window->ApplyPowerValues();
+        QCOMPARE(p.tuningApplies(), 0);
+        QCOMPARE(ui.Slider_TurboBoost->value(), 100);
+        manageCpu(p, true);
+        p.clearRecords();
         ui.turbo_override->click();
         QCOMPARE(p.userValue("turbo_override_normal").toBool(), false);
         QVERIFY(!ui.power_mode_turbo_boost->isEnabled());
@@ -308,24 +408,130 @@ private slots:
         QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",none"));
         ui.checkBox->click();
         QVERIFY(ui.horizontalSlider_2->isEnabled());
-        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",60"));
-    }
+        QCOMPARE(modes->keyboardLedCode(), QStringLiteral(",7"));
 
-    void noModeCheckedUsesTheDigitZero()
-    {
-        TestWindow p;
-        p.startWithPowerModes();
-        Ui::MainWindow &ui = p.ui();
+        // With no mode checked, the profile keys end in the digit zero.
         for (QRadioButton *radio :
              {ui.battery_mode, ui.silent_mode, ui.normal_mode, ui.maximum_mode})
             radio->setAutoExclusive(false);
         ui.normal_mode->setChecked(false);
-        QCOMPARE(p.window->powerModes()->currentPowerModeName(), QStringLiteral("0"));
+        QCOMPARE(modes->currentPowerModeName(), QStringLiteral("0"));
         ui.LidClose_Combo->setCurrentIndex(0);
         QVERIFY(p.userKeys().contains("LidClose_Combo_0"));
     }
 
-    void switchingTheFeatureMovesTrayEntries()
+    void turboOverrideAppliesADifferingValueOnce()
+    {
+        TestWindow p;
+        p.startWithPowerModes();
+        Ui::MainWindow &ui = p.ui();
+        manageCpu(p, true);
+        ui.turbo_override->click();
+        ui.power_mode_turbo_boost->setValue(300);
+        p.window->ApplyPowerTurboBoost(); // settles the pending change
+        p.clearRecords();
+        ui.Slider_TurboBoost->setValue(100); // the tuning tab read another value
+        p.window->ApplyPowerValues();
+        QCOMPARE(ui.Slider_TurboBoost->value(), 300);
+        QCOMPARE(p.tuningApplies(), 1);
+        p.window->ApplyPowerTurboBoost();
+        QCOMPARE(p.tuningApplies(), 1);
+
+        p.clearRecords();
+        ui.power_mode_turbo_boost->setValue(301);
+        ui.power_mode_turbo_boost->setValue(300); // back where the tuning slider already is
+        QVERIFY(p.window->powerModes()->turboOverridePending());
+        QCOMPARE(p.fake.scheduler->history,
+                 (QStringList{"4000 ApplyPowerTurboBoost", "4000 ApplyPowerTurboBoost"}));
+        p.fake.scheduler->runAll();
+        QVERIFY(!p.window->powerModes()->turboOverridePending());
+        QCOMPARE(p.tuningApplies(), 1);
+    }
+
+    void applyRunsTheProfileThenThePanelAndScheme()
+    {
+        TestWindow p;
+        p.fake.panel->level = 37;
+        p.startWithPowerModes();
+        p.window->ApplyPowerValues();
+        // The scheme keeps the panel's present brightness; then the normal profile of the defaults.
+        QCOMPARE(p.commands(), schemeBrightness(37) + processor("PROCTHROTTLEMIN", 5) +
+                                   processor("PROCTHROTTLEMAX", 100) + kScreen20 + kSleep60 +
+                                   lid(1));
+        QVERIFY(!p.window->powerModes()->powerModeLoading());
+        QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("1"));
+
+        // A panel that cannot be read has no present level: the scheme gets the mode's own.
+        p.fake.panel->level = -1;
+        p.window->GetBrightness();
+        p.clearRecords();
+        p.window->ApplyPowerValues();
+        QCOMPARE(p.commands().mid(0, 3), schemeBrightness(80));
+
+        // Readable again, the panel follows after two seconds, the scheme one second later.
+        p.fake.panel->level = 37;
+        p.window->GetBrightness();
+        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
+        p.fake.log->clear();
+        p.fake.scheduler->history.clear();
+        p.fake.scheduler->advance(1999);
+        QVERIFY(p.fake.log->entries.isEmpty());
+        p.fake.scheduler->advance(1);
+        QCOMPARE(p.fake.log->entries, QStringList{"panel write 80"});
+        QCOMPARE(p.ui().Slider_Brightness->value(), 80);
+        QCOMPARE(p.ui().Label_Brightness->text(), QStringLiteral("Brightness: 80%"));
+        QCOMPARE(p.fake.scheduler->history, QStringList{"1000 ApplySchemeBright"});
+        p.fake.scheduler->advance(1000);
+        QCOMPARE(p.commands(), schemeBrightness(80));
+
+        // An ignored panel is left alone, yet its level still goes to the scheme.
+        p.ui().ignore_lcd_bright->click();
+        p.fake.panel->level = 64;
+        p.window->GetBrightness();
+        p.clearRecords();
+        p.window->ApplyPowerValues();
+        QCOMPARE(p.commands().mid(0, 3), schemeBrightness(64));
+        QVERIFY(p.fake.scheduler->history.isEmpty());
+        p.window->ApplyPowerBrightness();
+        QVERIFY(p.fake.log->withPrefix("panel write").isEmpty());
+        QCOMPARE(p.fake.scheduler->history, QStringList{"1000 ApplySchemeBright"});
+    }
+
+    void singleFieldSlotsRunOnePairEach_data()
+    {
+        QTest::addColumn<QString>("slot");
+        QTest::addColumn<QStringList>("commands");
+        QTest::addColumn<QString>("userKey"); // a damaged figure in the user's file, or none
+        QTest::addColumn<QVariant>("userValue");
+        QTest::newRow("screen off")
+            << "turnoffScreenPowerMode" << kScreen20 << QString() << QVariant();
+        // Damaged figures give way to the shipped defaults instead of becoming commands.
+        QTest::newRow("minimum of 4000 %") << "ApplyCpuMin" << processor("PROCTHROTTLEMIN", 5)
+                                           << "cpu_min_slider_normal" << QVariant(4000);
+        QTest::newRow("maximum as text") << "ApplyCpuMax" << processor("PROCTHROTTLEMAX", 100)
+                                         << "cpu_max_slider_normal" << QVariant("abc");
+        QTest::newRow("sleep entry past the list")
+            << "ApplySleepAfterPowerMode" << kSleep60 << "Sleep_After_Combo_normal" << QVariant(12);
+        QTest::newRow("lid as text")
+            << "ApplyLidClosePowerMode" << lid(1) << "LidClose_Combo_normal" << QVariant("x");
+        QTest::newRow("negative brightness") << "ApplySchemeBright" << schemeBrightness(80)
+                                             << "PowerModeBrightSlider_normal" << QVariant(-5);
+    }
+
+    void singleFieldSlotsRunOnePairEach()
+    {
+        QFETCH(QString, slot);
+        QFETCH(QString, userKey);
+        QFETCH(QVariant, userValue);
+        TestWindow p;
+        if (!userKey.isEmpty())
+            p.setUser(userKey, userValue);
+        p.startWithPowerModes();
+        QVERIFY(QMetaObject::invokeMethod(p.window.get(), slot.toLatin1().constData()));
+        QTEST(p.commands(), "commands");
+    }
+
+    void featureSwitchAndTrayEntries()
     {
         TestWindow off;
         off.start();
@@ -337,7 +543,7 @@ private slots:
         QVERIFY(off.commands().isEmpty());
 
         TestWindow p;
-        p.startWithPowerModes();
+        start(p);
         Ui::MainWindow &ui = p.ui();
         QMenu *menu = p.window->trayMenu();
         QCOMPARE(menuTexts(menu), kTrayModes + kTrayEnd);
@@ -355,46 +561,18 @@ private slots:
         checkEditorEnabled(ui, true);
         // Turning the feature on loads and applies the checked mode.
         QVERIFY(p.commands().contains("run: powercfg -change -monitor-timeout-ac 20"));
-    }
 
-    void resetAppliesDefaultsAndTellsOnce()
-    {
-        TestWindow p;
-        p.setUser("cpu_min_slider_battery", 44);
-        p.setUser("cpu_min_slider_normal", 45);
-        p.startWithPowerModes(QStringLiteral("battery"));
-        QCOMPARE(p.ui().silent_cpu_min->value(), 44);
-
-        p.ui().reset_power_modes->click();
-        QVERIFY(!p.userKeys().contains("cpu_min_slider_battery"));
-        QVERIFY(!p.userKeys().contains("cpu_min_slider_normal"));
-        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
-        QCOMPARE(p.ui().silent_cpu_max->value(), 60);
-        QCOMPARE(p.fake.dialogs->lines(),
-                 QStringList("Information | Reset Power Modes | All Power "
-                             "Modes have been reset to default values.\n | Ok"));
-        // The message comes after the profile was applied.
-        const int applied = p.fake.log->indexOf(
-            "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMIN 5");
-        QVERIFY(applied >= 0);
-        QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
-    }
-
-    void trayEntrySelectsAndMarksTheMode()
-    {
-        TestWindow p;
-        start(p);
         QVERIFY(imageOf(QIcon(QLatin1String(kSelected))) !=
                 imageOf(QIcon(QLatin1String(kNotSelected))));
         QCOMPARE(selectedEntries(p), QStringList{"Normal Mode"});
 
+        p.clearRecords();
         p.window->trayActions().silent->trigger();
         QVERIFY(p.ui().silent_mode->isChecked());
         QCOMPARE(selectedEntries(p), QStringList{"Silent Mode"});
         QCOMPARE(stored(p), QStringLiteral("silent"));
         QCOMPARE(p.ui().silent_cpu_max->value(), 80);
-        QVERIFY(p.commands().contains(
-            "run: powercfg -setacvalueindex SCHEME_CURRENT SUB_PROCESSOR PROCTHROTTLEMAX 80"));
+        QVERIFY(p.commands().contains(processor("PROCTHROTTLEMAX", 80).at(0)));
         // The same mode again is applied again.
         QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
         p.window->trayActions().silent->trigger();
@@ -404,12 +582,8 @@ private slots:
         QCOMPARE(selectedEntries(p), QStringList{"Maximum Mode"});
         QCOMPARE(stored(p), QStringLiteral("maximum"));
         QCOMPARE(p.window->powerModes()->fanProfileCode(), QStringLiteral("6"));
-    }
 
-    void selectionDuringAnApplyOnlyRecordsIt()
-    {
-        TestWindow p;
-        start(p);
+        // A selection during an apply is only recorded.
         bool cutIn = false;
         p.fake.commands->onRun = [&](const QString &line) {
             if (!cutIn && line.contains(QLatin1String("PROCTHROTTLEMIN"))) {
@@ -417,13 +591,44 @@ private slots:
                 p.window->trayActions().battery->trigger();
             }
         };
+        p.clearRecords();
         p.window->ApplyPowerValues();
         QVERIFY(cutIn);
         QCOMPARE(stored(p), QStringLiteral("battery"));
         QCOMPARE(selectedEntries(p), QStringList{"Battery Mode"});
-        QVERIFY(p.ui().normal_mode->isChecked());
-        QVERIFY(!p.commands().contains(kBatteryMax));
+        QVERIFY(p.ui().maximum_mode->isChecked());
+        QVERIFY(!p.commands().contains(processor("PROCTHROTTLEMAX", 60).at(0)));
         QCOMPARE(p.fake.log->withPrefix("run: ").size(), 12);
+    }
+
+    void loadWritesOnlyTheKeyboardLevelAndResetTellsOnce()
+    {
+        TestWindow p;
+        p.setUser("cpu_min_slider_battery", 44);
+        p.setUser("cpu_min_slider_normal", 45);
+        p.startWithPowerModes(QStringLiteral("battery"));
+        QCOMPARE(p.ui().silent_cpu_min->value(), 44);
+        // The keyboard slider moved from 0 to the profile's level, and its handler ran in full.
+        QCOMPARE(p.userKeys(), (QStringList{"cpu_min_slider_battery", "cpu_min_slider_normal",
+                                            "horizontalSlider_2_battery"}));
+        QCOMPARE(p.window->powerModes()->keyboardLedCode(), QStringLiteral(",20"));
+
+        p.ui().reset_power_modes->click();
+        QCOMPARE(p.ui().silent_cpu_min->value(), 5);
+        QCOMPARE(p.ui().silent_cpu_max->value(), 60);
+        QCOMPARE(p.fake.dialogs->lines(),
+                 QStringList("Information | Reset Power Modes | All Power "
+                             "Modes have been reset to default values.\n | Ok"));
+        // The message comes after the profile was applied.
+        const int applied = p.fake.log->indexOf(processor("PROCTHROTTLEMIN", 5).at(0));
+        QVERIFY(applied >= 0);
+        QVERIFY(p.fake.log->indexOf("message: Reset Power Modes") > applied);
+
+        p.clearRecords();
+        p.window->on_silent_mode_clicked(); // the reset left no user key behind
+        QCOMPARE(p.userKeys(), QStringList{"horizontalSlider_2_silent"});
+        // Handlers fired by the load neither save nor schedule: only the apply's own delay is left.
+        QCOMPARE(p.fake.scheduler->history, QStringList{"2000 ApplyPowerBrightness"});
     }
 
     // Steps: a line status then a timer tick ("0", "1", "255"), the line status read alone ("r0"),
@@ -504,27 +709,21 @@ private slots:
         TestWindow p;
         p.startWithPowerModes();
         const QString query = QStringLiteral("powercfg /getactivescheme");
-        p.fake.commands->outputs[query] = QStringLiteral("GUID: balanced");
-        p.window->GetPowerSchemeName();
-        QCOMPARE(p.commands(), QStringList{"run: " + query}); // the first answer is only remembered
-        p.window->GetPowerSchemeName();
-        QCOMPARE(p.commands().size(), 2);
-
-        const QString setting =
-            QStringLiteral(" SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 "
-                           "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ");
-        for (const char *value : {"0", "1"}) {
+        const QString setting = kDisplay + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ";
+        // The first answer is only remembered, the same one again changes nothing; a new scheme
+        // gets the adaptive brightness of the box.
+        for (const char *value : {"", "", "0", "1"}) {
             p.clearRecords();
             p.ui().Check_Adaptive->setChecked(*value == '0');
-            p.fake.commands->outputs[query] =
-                QStringLiteral("GUID: ") + (*value == '0' ? "x" : "y");
+            p.fake.commands->outputs[query] = QStringLiteral("GUID: ") + (*value ? value : "a");
             p.window->GetPowerSchemeName();
-            QCOMPARE(p.commands(),
-                     (QStringList{"run: " + query,
-                                  "shown 0: powercfg -setdcvalueindex" + setting + value,
-                                  "shown 0: powercfg -setacvalueindex" + setting + value,
-                                  "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
-            QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), *value == '0');
+            QStringList expected{"run: " + query};
+            if (*value)
+                expected << "shown 0: powercfg -setdcvalueindex " + setting + value
+                         << "shown 0: powercfg -setacvalueindex " + setting + value << kActivate;
+            QCOMPARE(p.commands(), expected);
+            if (*value)
+                QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), *value == '0');
         }
     }
 };
