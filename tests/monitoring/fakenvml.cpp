@@ -97,17 +97,7 @@ EXPORT int nvmlDeviceGetTemperatureV(void *device, TemperatureV1 *reading)
 }
 EXPORT const char *nvmlErrorString(int status)
 {
-    switch (status) {
-    case 0:
-        return "Success";
-    case 2:
-        return "Invalid Argument";
-    case 3:
-        return "Not Supported";
-    case 9:
-        return "Driver Not Loaded";
-    }
-    return "Unknown Error";
+    return status == 9 ? "Driver Not Loaded" : "Unknown Error";
 }
 
 } // extern "C"
