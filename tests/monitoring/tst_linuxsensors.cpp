@@ -1,4 +1,5 @@
 #include "fakenvml.h"
+#include "fakesystree.h"
 #include "linuxsampler.h"
 #include "nvidia_api.h"
 #include "nvmlgpu.h"
@@ -101,18 +102,14 @@ private slots:
     void awakeGpuIsReadEveryCycleAndASleepingOneIsNeverTouched()
     {
         // A copy of the awake tree whose power state the test changes between cycles.
-        QTemporaryDir sys;
+        FakeSysTree sys;
         QCOMPARE(QProcess::execute(QStringLiteral("cp"),
-                                   {QStringLiteral("-R"), tree("gpu-awake") + "/.", sys.path()}),
+                                   {QStringLiteral("-R"), tree("gpu-awake") + "/.", sys.root()}),
                  0);
-        const QString device = sys.filePath(QStringLiteral("bus/pci/devices/0000:01:00.0/"));
-        auto setPowerState = [&](const QByteArray &state) {
-            QFile file(device + QStringLiteral("power/runtime_status"));
-            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-            file.write(state + '\n');
-        };
+        const QString device = QStringLiteral("bus/pci/devices/0000:01:00.0/");
+        const QString power = device + QStringLiteral("power/runtime_status");
 
-        auto gpu = std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.path());
+        auto gpu = std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.root());
         nvidia_api loop(gpu);
         QSignalSpy load(&loop, &nvidia_api::GPU1LOAD);
         QSignalSpy core(&loop, &nvidia_api::GPU1CORECLOCK);
@@ -126,9 +123,9 @@ private slots:
         QCOMPARE(m_script->initCalls, 2);
         QCOMPARE(m_script->shutdownCalls, 2);
 
-        setPowerState("suspended");
+        sys.put(power, "suspended\n");
         // The bus was listed in the first cycle; later cycles read only the GPU's power state.
-        QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
+        QVERIFY(QFile::remove(sys.root() + '/' + device + QStringLiteral("vendor")));
         const int queries = m_script->queries;
         // Asleep: one GPU whose memory clock reads 0, which the loop takes for zeros.
         QCOMPARE(pollTemperatures(loop), QList<int>{0});
@@ -141,7 +138,7 @@ private slots:
         gpu->unload();
         QCOMPARE(m_script->initCalls, 2);
         QCOMPARE(m_script->queries, queries);
-        setPowerState("active");
+        sys.put(power, "active\n");
         QCOMPARE(pollTemperatures(loop), QList<int>{61});
         QCOMPARE(m_script->initCalls, 3);
     }
@@ -213,12 +210,9 @@ private slots:
         QCOMPARE(table.at(1).outOctets, 200000u);
 
         // Without MemAvailable there is no figure.
-        QTemporaryDir dir;
-        QFile meminfo(dir.filePath(QStringLiteral("meminfo")));
-        QVERIFY(meminfo.open(QIODevice::WriteOnly));
-        meminfo.write("MemTotal:       16303412 kB\nMemFree:         2044108 kB\n");
-        meminfo.close();
-        QVERIFY(!LinuxSampler(dir.path(), dir.path()).memoryStatus(&total, &available));
+        FakeSysTree proc;
+        proc.put(QStringLiteral("meminfo"), "MemTotal:       16303412 kB\nMemFree:  2044108 kB\n");
+        QVERIFY(!LinuxSampler(proc.root(), proc.root()).memoryStatus(&total, &available));
     }
 
     void processorTimesFromTheFirstStatLine()
