@@ -9,10 +9,6 @@ extern "C" {
 EXPORT FakeNvmlScript fakeNvml = {};
 
 namespace {
-void *handleOf(unsigned index)
-{
-    return reinterpret_cast<void *>(index + 1ul);
-}
 unsigned indexOf(void *handle)
 {
     return unsigned(reinterpret_cast<unsigned long>(handle) - 1);
@@ -51,7 +47,7 @@ EXPORT int nvmlDeviceGetHandleByIndex_v2(unsigned index, void **device)
     ++fakeNvml.queries;
     if (index >= fakeNvml.count)
         return 2;
-    *device = handleOf(index);
+    *device = reinterpret_cast<void *>(index + 1ul); // never null
     return 0;
 }
 EXPORT int nvmlDeviceGetClockInfo(void *device, unsigned type, unsigned *mhz)

@@ -188,7 +188,7 @@ private slots:
         QCOMPARE(m_script->shutdownCalls, 1);
     }
 
-    void samplerMemoryAndInterfaces()
+    void samplerTreesAndFreeSpace()
     {
         LinuxSampler sampler(laptop() + QStringLiteral("/proc"), laptop() + QStringLiteral("/sys"));
         quint64 total = 0, available = 0;
@@ -213,6 +213,26 @@ private slots:
         FakeSysTree proc;
         proc.put(QStringLiteral("meminfo"), "MemTotal:       16303412 kB\nMemFree:  2044108 kB\n");
         QVERIFY(!LinuxSampler(proc.root(), proc.root()).memoryStatus(&total, &available));
+
+        LinuxSampler missing(QStringLiteral("/nonexistent/proc"),
+                             QStringLiteral("/nonexistent/sys"), QStringLiteral("/nonexistent"));
+        QVERIFY(!missing.memoryStatus(&total, &available));
+        QVERIFY(!missing.systemTimes(&idle, &kernel, &user));
+        QVERIFY(missing.interfaceTable().isEmpty());
+        QCOMPARE(missing.freeBytesForUser(), quint64(0));
+
+        // This machine's own tree, where the sampler looks by default.
+        LinuxSampler live;
+        QVERIFY(live.memoryStatus(&total, &available) && total > 0 && available <= total);
+        QVERIFY(live.systemTimes(&idle, &kernel, &user) && kernel >= idle);
+        QVERIFY(live.freeBytesForUser() > 0);
+
+        struct statvfs info {};
+        QCOMPARE(statvfs(QFile::encodeName(proc.root()).constData(), &info), 0);
+        const quint64 free = LinuxSampler(laptop(), laptop(), proc.root()).freeBytesForUser();
+        // Other processes write meanwhile; a few MiB either way is the same figure.
+        QVERIFY(qAbs(qint64(free) - qint64(quint64(info.f_bavail) * info.f_frsize)) < (16ll << 20));
+        QVERIFY(free <= quint64(info.f_bfree) * info.f_frsize);
     }
 
     void processorTimesFromTheFirstStatLine()
@@ -235,31 +255,6 @@ private slots:
             QCOMPARE(kernel, row.kernel * 100000);
             QCOMPARE(user, row.user * 100000);
         }
-    }
-
-    void missingTreeLiveTreeAndFreeSpace()
-    {
-        LinuxSampler missing(QStringLiteral("/nonexistent/proc"),
-                             QStringLiteral("/nonexistent/sys"), QStringLiteral("/nonexistent"));
-        quint64 a = 0, b = 0, c = 0;
-        QVERIFY(!missing.memoryStatus(&a, &b));
-        QVERIFY(!missing.systemTimes(&a, &b, &c));
-        QVERIFY(missing.interfaceTable().isEmpty());
-        QCOMPARE(missing.freeBytesForUser(), quint64(0));
-
-        // This machine's own tree, where the sampler looks by default.
-        LinuxSampler live;
-        QVERIFY(live.memoryStatus(&a, &b) && a > 0 && b <= a);
-        QVERIFY(live.systemTimes(&a, &b, &c) && b >= a);
-        QVERIFY(live.freeBytesForUser() > 0);
-
-        QTemporaryDir dir;
-        struct statvfs info {};
-        QCOMPARE(statvfs(QFile::encodeName(dir.path()).constData(), &info), 0);
-        const quint64 user = LinuxSampler(laptop(), laptop(), dir.path()).freeBytesForUser();
-        // Other processes write meanwhile; a few MiB either way is the same figure.
-        QVERIFY(qAbs(qint64(user) - qint64(quint64(info.f_bavail) * info.f_frsize)) < (16ll << 20));
-        QVERIFY(user <= quint64(info.f_bfree) * info.f_frsize);
     }
 };
 
