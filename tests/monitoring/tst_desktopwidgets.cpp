@@ -243,14 +243,11 @@ private slots:
     {
         QFETCH(bool, translucent);
         TestWindow t;
-        const QList<QPair<const char *, int>> stored = {{"resorceswidget", 1},
-                                                        {"resorceswidgetfontsize", 14},
-                                                        {"resources_color", 1},
-                                                        {"batterywidget", 1},
-                                                        {"batterywidgetfontsize", 6}};
-        for (const auto &setting : stored)
-            t.folder.setIni(QLatin1String(kWidgetFile), QLatin1String(setting.first),
-                            setting.second);
+        for (const QString &stored :
+             {"resorceswidget=1", "resorceswidgetfontsize=14", "resources_color=1",
+              "batterywidget=1", "batterywidgetfontsize=6"})
+            t.folder.setIni(QLatin1String(kWidgetFile), stored.section('=', 0, 0),
+                            stored.section('=', 1).toInt());
         t.fake.desktop->translucent = translucent;
         t.start();
         Ui::MainWindow &ui = t.ui();

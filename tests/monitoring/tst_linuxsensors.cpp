@@ -52,13 +52,8 @@ private slots:
     {
         m_script = script("fakenvml");
         QVERIFY2(m_script, "the stand-in library is built with the tests");
-        *m_script = FakeNvmlScript{};
-        m_script->count = 1;
-        m_script->graphicsMHz[0] = 1530;
-        m_script->memoryMHz[0] = 7001;
-        m_script->utilization[0] = 42;
-        m_script->pstate[0] = 2;
-        m_script->temperature[0] = 61;
+        // One GPU: 1530 MHz graphics and 7001 MHz memory clocks, 42 % busy, P2 at 61 °C.
+        *m_script = FakeNvmlScript{0, 1, {1530}, {7001}, 0, {42}, {2}, {61}};
     }
 
     void cleanup()
