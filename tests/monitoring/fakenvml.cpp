@@ -9,10 +9,6 @@ extern "C" {
 EXPORT FakeNvmlScript fakeNvml = {};
 
 namespace {
-void *handleOf(unsigned index)
-{
-    return reinterpret_cast<void *>(index + 1ul);
-}
 unsigned indexOf(void *handle)
 {
     return unsigned(reinterpret_cast<unsigned long>(handle) - 1);
@@ -51,7 +47,7 @@ EXPORT int nvmlDeviceGetHandleByIndex_v2(unsigned index, void **device)
     ++fakeNvml.queries;
     if (index >= fakeNvml.count)
         return 2;
-    *device = handleOf(index);
+    *device = reinterpret_cast<void *>(index + 1ul); // never null
     return 0;
 }
 EXPORT int nvmlDeviceGetClockInfo(void *device, unsigned type, unsigned *mhz)
@@ -97,17 +93,7 @@ EXPORT int nvmlDeviceGetTemperatureV(void *device, TemperatureV1 *reading)
 }
 EXPORT const char *nvmlErrorString(int status)
 {
-    switch (status) {
-    case 0:
-        return "Success";
-    case 2:
-        return "Invalid Argument";
-    case 3:
-        return "Not Supported";
-    case 9:
-        return "Driver Not Loaded";
-    }
-    return "Unknown Error";
+    return status == 9 ? "Driver Not Loaded" : "Unknown Error";
 }
 
 } // extern "C"

@@ -5,16 +5,13 @@
 struct FakeNvmlScript {
     int initResult;
     unsigned count;
-    unsigned graphicsMHz[2];
-    unsigned memoryMHz[2];
+    unsigned graphicsMHz[2], memoryMHz[2];
     int utilizationResult;
     unsigned utilization[2];
     int pstate[2];
     unsigned temperature[2];
     int temperatureResult;
     // what happened
-    int initCalls;
-    int shutdownCalls;
-    int queries;
+    int initCalls, shutdownCalls, queries;
     unsigned lastTemperatureVersion;
 };

@@ -41,7 +41,7 @@ private slots:
 
     void outputsAreParsed_data()
     {
-        QTest::addColumn<QString>("output");
+        QTest::addColumn<QByteArray>("output");
         QTest::addColumn<QString>("status"); // null: not a status answer
         QTest::addColumn<QString>("charge"); // null: not a charge answer
         const struct {
@@ -49,7 +49,6 @@ private slots:
         } rows[] = {
             {"status, blank lines", "BatteryStatus  \r\r\n2              \r\r\n\r\r\n", "AC Power",
              nullptr},
-            {"charging", "BatteryStatus\r\n6\r\n", "Battery Charging", nullptr},
             {"code 10 shows nothing new", "BatteryStatus  \r\r\n10  \r\r\n", "...", nullptr},
             {"two batteries run together", "BatteryStatus\r\n2\r\n1\r\n", "...", nullptr},
             {"an error text", "No Instance(s) Available.\r\n", "...", nullptr},
@@ -58,34 +57,28 @@ private slots:
             {"charge header only", "EstimatedChargeRemaining  \r\r\n", nullptr, "%"},
             {"charge", "EstimatedChargeRemaining  \r\r\n87                        \r\r\n\r\r\n",
              nullptr, "87%"},
-            {"charge full", "EstimatedChargeRemaining\r\n100\r\n", nullptr, "100%"},
             {"charge not checked for a number", "Error:\r\nnone\r\n", nullptr, "Error:none%"},
         };
         for (const auto &row : rows)
-            QTest::newRow(row.name)
-                << QString::fromLatin1(row.output) << QString::fromLatin1(row.status)
-                << QString::fromLatin1(row.charge);
+            QTest::newRow(row.name) << QByteArray(row.output) << QString::fromLatin1(row.status)
+                                    << QString::fromLatin1(row.charge);
+        // Redirected, the tool writes UTF-16 after a byte order mark.
+        const QString wide = QStringLiteral("BatteryStatus  \r\r\n3  \r\r\n");
+        QTest::newRow("UTF-16") << QByteArray("\xff\xfe", 2) +
+                                       QByteArray(reinterpret_cast<const char *>(wide.utf16()),
+                                                  wide.size() * 2)
+                                << QString("Full Battery") << QString();
     }
 
     void outputsAreParsed()
     {
-        QFETCH(QString, output);
+        QFETCH(QByteArray, output);
         QFETCH(QString, status);
         QFETCH(QString, charge);
         if (!status.isNull())
-            QCOMPARE(parseBatteryStatus(output), status);
+            QCOMPARE(parseBatteryStatus(toolOutputText(output)), status);
         if (!charge.isNull())
-            QCOMPARE(parseBatteryCharge(output), charge);
-    }
-
-    void utf16OutputIsDecoded()
-    {
-        const QString text = QStringLiteral("BatteryStatus  \r\r\n3  \r\r\n");
-        QByteArray bytes("\xff\xfe", 2);
-        bytes.append(reinterpret_cast<const char *>(text.utf16()), text.size() * 2);
-        QCOMPARE(toolOutputText(bytes), text);
-        QCOMPARE(toolOutputText("BatteryStatus\r\n2\r\n"),
-                 QStringLiteral("BatteryStatus\r\n2\r\n"));
+            QCOMPARE(parseBatteryCharge(toolOutputText(output)), charge);
     }
 
     void linuxRowsAnswerInTheToolsShape_data()

@@ -8,10 +8,11 @@ namespace {
 
 using Card = FakeGpu::Card;
 
-Card runningCard(int celsius, unsigned load, unsigned coreMHz, unsigned memoryMHz, int pstate)
+Card runningCard(int celsius, unsigned load, unsigned coreMHz, unsigned memoryMHz, int pstate,
+                 bool loadPresent = true)
 {
     // kHz are cut, not rounded
-    return {0, coreMHz * 1000 + 999, memoryMHz * 1000, 0, true, load, pstate, 0, celsius};
+    return {0, coreMHz * 1000 + 999, memoryMHz * 1000, 0, loadPresent, load, pstate, 0, celsius};
 }
 
 // The signals one GPU's pass emits, in order.
@@ -119,10 +120,6 @@ private slots:
         QTest::addColumn<QStringList>("signalLog");
         const Card first = runningCard(65, 40, 1500, 7001, 0);
         const Card second = runningCard(50, 10, 300, 405, 8);
-        Card noLoad = first;
-        noLoad.loadPresent = false;
-        Card secondNoLoad = second;
-        secondNoLoad.loadPresent = false;
         const QStringList firstPass = pass(1, 65, 40, 1500, 7001, 0);
         const QStringList secondPass = pass(2, 50, 10, 300, 405, 8);
         QTest::newRow("two GPUs on their own signals")
@@ -131,10 +128,10 @@ private slots:
         QTest::newRow("sleeping second GPU")
             << QVector<Card>{first, runningCard(50, 10, 300, 200, 8)} << firstPass + kZeros;
         QTest::newRow("missing load suppresses later GPUs")
-            << QVector<Card>{noLoad, second}
+            << QVector<Card>{runningCard(65, 40, 1500, 7001, 0, false), second}
             << QStringList{"GPU1PSTATE 0", "GPU1TEMP 65", "GPU2PSTATE 8", "GPU2TEMP 50"};
         QTest::newRow("the flag starts afresh with each GPU")
-            << QVector<Card>{first, secondNoLoad}
+            << QVector<Card>{first, runningCard(50, 10, 300, 405, 8, false)}
             << firstPass + QStringList{"GPU2PSTATE 8", "GPU2TEMP 50"};
         QTest::newRow("a third GPU is polled but not reported")
             << QVector<Card>{first, second, runningCard(70, 90, 1800, 9000, 0)}

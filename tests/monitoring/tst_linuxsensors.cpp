@@ -1,4 +1,5 @@
 #include "fakenvml.h"
+#include "fakesystree.h"
 #include "linuxsampler.h"
 #include "nvidia_api.h"
 #include "nvmlgpu.h"
@@ -51,13 +52,8 @@ private slots:
     {
         m_script = script("fakenvml");
         QVERIFY2(m_script, "the stand-in library is built with the tests");
-        *m_script = FakeNvmlScript{};
-        m_script->count = 1;
-        m_script->graphicsMHz[0] = 1530;
-        m_script->memoryMHz[0] = 7001;
-        m_script->utilization[0] = 42;
-        m_script->pstate[0] = 2;
-        m_script->temperature[0] = 61;
+        // One GPU: 1530 MHz graphics and 7001 MHz memory clocks, 42 % busy, P2 at 61 °C.
+        *m_script = FakeNvmlScript{0, 1, {1530}, {7001}, 0, {42}, {2}, {61}};
     }
 
     void cleanup()
@@ -76,71 +72,40 @@ private slots:
         QVERIFY(NvmlGpuSensors::scanPci(tree("gpu-asleep")).anySleeping);
         QVERIFY(NvmlGpuSensors::scanPci(tree("no-nvidia")).devices.isEmpty());
 
-        NvmlGpuSensors gpu(library("fakenvml"), tree("no-nvidia"));
-        QVERIFY(!gpu.absentForGood()); // nothing is known before the first look
-        QVERIFY(gpu.initialize() != 0);
-        gpu.unload();
-        QCOMPARE(m_script->initCalls, 0);
-        QCOMPARE(m_script->shutdownCalls, 0);
-        QVERIFY(gpu.absentForGood());
-
+        auto gpu = std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("no-nvidia"));
+        QVERIFY(!gpu->absentForGood()); // nothing is known before the first look
         // The thread shows the zeros once and then ends by itself instead of polling for nothing.
-        nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("no-nvidia")));
+        nvidia_api loop(gpu);
         QSignalSpy temperature(&loop, &nvidia_api::GPU1TEMP);
         loop.start();
         QVERIFY(loop.wait(10000));
         QCOMPARE(temperature.size(), 1);
         QCOMPARE(temperature.at(0).at(0).toInt(), 0);
+        QVERIFY(gpu->absentForGood());
+        QCOMPARE(gpu->initialize(), 6);
+        QCOMPARE(m_script->initCalls, 0);
+        QCOMPARE(m_script->shutdownCalls, 0);
 
         NvmlGpuSensors missing(QStringLiteral("libnvidia-ml-missing.so.1"), tree("gpu-awake"));
         const int status = missing.initialize();
-        QVERIFY(status != 0);
-        QVERIFY(!missing.errorMessage(status).isEmpty());
+        QCOMPARE(missing.errorMessage(status), QStringLiteral("NVML library not found"));
         int count = -1;
         QVERIFY(missing.enumeratePhysicalGpus(&count) != 0);
         missing.unload();
     }
 
-    void sleepingGpuIsNeverTouched()
-    {
-        NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-asleep"));
-        QCOMPARE(gpu.initialize(), 0);
-        int count = 0;
-        QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
-        QCOMPARE(count, 1);
-        unsigned graphics = 99, memory = 99;
-        QCOMPARE(gpu.allClockFrequencies(0, &graphics, &memory), 0);
-        QCOMPARE(memory, 0u);
-        gpu.unload();
-
-        // The loop takes that as asleep: zeros, and no further query.
-        nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), tree("gpu-asleep")));
-        QSignalSpy pstate(&loop, &nvidia_api::GPU1PSTATE);
-        QCOMPARE(pollTemperatures(loop), QList<int>{0});
-        QCOMPARE(pstate.size(), 0);
-        QCOMPARE(m_script->initCalls, 0);
-        QCOMPARE(m_script->queries, 0);
-    }
-
-    void awakeGpuIsReadAndShutDownEveryCycleUntilItSleeps()
+    void awakeGpuIsReadEveryCycleAndASleepingOneIsNeverTouched()
     {
         // A copy of the awake tree whose power state the test changes between cycles.
-        QTemporaryDir sys;
-        const QDir from(tree("gpu-awake"));
-        QDirIterator files(from.path(), QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext()) {
-            const QString target = sys.filePath(from.relativeFilePath(files.next()));
-            QVERIFY(QDir().mkpath(QFileInfo(target).path()));
-            QVERIFY(QFile::copy(files.filePath(), target));
-        }
-        const QString device = sys.filePath(QStringLiteral("bus/pci/devices/0000:01:00.0/"));
-        auto setPowerState = [&](const QByteArray &state) {
-            QFile file(device + QStringLiteral("power/runtime_status"));
-            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-            file.write(state + '\n');
-        };
+        FakeSysTree sys;
+        QCOMPARE(QProcess::execute(QStringLiteral("cp"),
+                                   {QStringLiteral("-R"), tree("gpu-awake") + "/.", sys.root()}),
+                 0);
+        const QString device = QStringLiteral("bus/pci/devices/0000:01:00.0/");
+        const QString power = device + QStringLiteral("power/runtime_status");
 
-        nvidia_api loop(std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.path()));
+        auto gpu = std::make_shared<NvmlGpuSensors>(library("fakenvml"), sys.root());
+        nvidia_api loop(gpu);
         QSignalSpy load(&loop, &nvidia_api::GPU1LOAD);
         QSignalSpy core(&loop, &nvidia_api::GPU1CORECLOCK);
         QSignalSpy memory(&loop, &nvidia_api::GPU1MEMCLOCK);
@@ -153,12 +118,22 @@ private slots:
         QCOMPARE(m_script->initCalls, 2);
         QCOMPARE(m_script->shutdownCalls, 2);
 
-        setPowerState("suspended");
+        sys.put(power, "suspended\n");
         // The bus was listed in the first cycle; later cycles read only the GPU's power state.
-        QVERIFY(QFile::remove(device + QStringLiteral("vendor")));
+        QVERIFY(QFile::remove(sys.root() + '/' + device + QStringLiteral("vendor")));
+        const int queries = m_script->queries;
+        // Asleep: one GPU whose memory clock reads 0, which the loop takes for zeros.
         QCOMPARE(pollTemperatures(loop), QList<int>{0});
+        QCOMPARE(pstate.size(), 2);
+        int count = 0;
+        unsigned graphics = 99, megahertz = 99;
+        QVERIFY(gpu->initialize() == 0 && gpu->enumeratePhysicalGpus(&count) == 0 && count == 1);
+        QCOMPARE(gpu->allClockFrequencies(0, &graphics, &megahertz), 0);
+        QCOMPARE(megahertz, 0u);
+        gpu->unload();
         QCOMPARE(m_script->initCalls, 2);
-        setPowerState("active");
+        QCOMPARE(m_script->queries, queries);
+        sys.put(power, "active\n");
         QCOMPARE(pollTemperatures(loop), QList<int>{61});
         QCOMPARE(m_script->initCalls, 3);
     }
@@ -170,9 +145,8 @@ private slots:
         QVERIFY(versioned);
         *versioned = *m_script;
         NvmlGpuSensors newer(library("fakenvml_v"), tree("gpu-awake"));
-        QCOMPARE(newer.initialize(), 0);
         int count = 0;
-        QCOMPARE(newer.enumeratePhysicalGpus(&count), 0);
+        QVERIFY(newer.initialize() == 0 && newer.enumeratePhysicalGpus(&count) == 0);
         int celsius = 0;
         QCOMPARE(newer.thermalSensor0(0, &celsius), 0);
         QCOMPARE(celsius, 61);
@@ -180,8 +154,7 @@ private slots:
         newer.unload();
 
         NvmlGpuSensors gpu(library("fakenvml"), tree("gpu-awake"));
-        QCOMPARE(gpu.initialize(), 0);
-        QCOMPARE(gpu.enumeratePhysicalGpus(&count), 0);
+        QVERIFY(gpu.initialize() == 0 && gpu.enumeratePhysicalGpus(&count) == 0);
         // Utilisation not supported: not present; a real failure leaves the previous figures.
         bool present = true;
         unsigned percent = 77;
@@ -210,7 +183,7 @@ private slots:
         QCOMPARE(m_script->shutdownCalls, 1);
     }
 
-    void samplerMemoryAndInterfaces()
+    void samplerTreesAndFreeSpace()
     {
         LinuxSampler sampler(laptop() + QStringLiteral("/proc"), laptop() + QStringLiteral("/sys"));
         quint64 total = 0, available = 0;
@@ -232,12 +205,29 @@ private slots:
         QCOMPARE(table.at(1).outOctets, 200000u);
 
         // Without MemAvailable there is no figure.
-        QTemporaryDir dir;
-        QFile meminfo(dir.filePath(QStringLiteral("meminfo")));
-        QVERIFY(meminfo.open(QIODevice::WriteOnly));
-        meminfo.write("MemTotal:       16303412 kB\nMemFree:         2044108 kB\n");
-        meminfo.close();
-        QVERIFY(!LinuxSampler(dir.path(), dir.path()).memoryStatus(&total, &available));
+        FakeSysTree proc;
+        proc.put(QStringLiteral("meminfo"), "MemTotal:       16303412 kB\nMemFree:  2044108 kB\n");
+        QVERIFY(!LinuxSampler(proc.root(), proc.root()).memoryStatus(&total, &available));
+
+        LinuxSampler missing(QStringLiteral("/nonexistent/proc"),
+                             QStringLiteral("/nonexistent/sys"), QStringLiteral("/nonexistent"));
+        QVERIFY(!missing.memoryStatus(&total, &available));
+        QVERIFY(!missing.systemTimes(&idle, &kernel, &user));
+        QVERIFY(missing.interfaceTable().isEmpty());
+        QCOMPARE(missing.freeBytesForUser(), quint64(0));
+
+        // This machine's own tree, where the sampler looks by default.
+        LinuxSampler live;
+        QVERIFY(live.memoryStatus(&total, &available) && total > 0 && available <= total);
+        QVERIFY(live.systemTimes(&idle, &kernel, &user) && kernel >= idle);
+        QVERIFY(live.freeBytesForUser() > 0);
+
+        struct statvfs info {};
+        QCOMPARE(statvfs(QFile::encodeName(proc.root()).constData(), &info), 0);
+        const quint64 free = LinuxSampler(laptop(), laptop(), proc.root()).freeBytesForUser();
+        // Other processes write meanwhile; a few MiB either way is the same figure.
+        QVERIFY(qAbs(qint64(free) - qint64(quint64(info.f_bavail) * info.f_frsize)) < (16ll << 20));
+        QVERIFY(free <= quint64(info.f_bfree) * info.f_frsize);
     }
 
     void processorTimesFromTheFirstStatLine()
@@ -245,49 +235,21 @@ private slots:
         // user nice system idle iowait irq softirq; 100 ticks a second = 100000 units of 100 ns.
         const struct {
             const char *stat;
-            bool ok;
-            quint64 idle, kernel, user;
+            quint64 idle, kernel, user; // all 0: refused, and nothing written
         } rows[] = {
-            {"cpu  10 2 30 400 5 6 7 8 0 0\ncpu0 1 1 1 1 1 1 1\n", true, 405, 30 + 6 + 7 + 405, 12},
-            {"cpu 1 0 1 100 0 0 0\n", true, 100, 101, 1}, // an older kernel's seven fields
-            {"cpu0 1 2 3 4 5 6 7\n", false, 0, 0, 0},     // a per-processor line first
-            {"cpu  a b c d e f g\n", false, 0, 0, 0},
-            {"", false, 0, 0, 0},
+            {"cpu  10 2 30 400 5 6 7 8 0 0\ncpu0 1 1 1 1 1 1 1\n", 405, 30 + 6 + 7 + 405, 12},
+            {"cpu 1 0 1 100 0 0 0\n", 100, 101, 1}, // an older kernel's seven fields
+            {"cpu0 1 2 3 4 5 6 7\n", 0, 0, 0},      // a per-processor line first
+            {"cpu  a b c d e f g\n", 0, 0, 0},
+            {"", 0, 0, 0},
         };
         for (const auto &row : rows) {
             quint64 idle = 0, kernel = 0, user = 0;
-            QCOMPARE(parseProcStat(row.stat, 100, &idle, &kernel, &user), row.ok);
-            if (row.ok) {
-                QCOMPARE(idle, row.idle * 100000);
-                QCOMPARE(kernel, row.kernel * 100000);
-                QCOMPARE(user, row.user * 100000);
-            }
+            QCOMPARE(parseProcStat(row.stat, 100, &idle, &kernel, &user), row.idle > 0);
+            QCOMPARE(idle, row.idle * 100000);
+            QCOMPARE(kernel, row.kernel * 100000);
+            QCOMPARE(user, row.user * 100000);
         }
-    }
-
-    void missingTreeLiveTreeAndFreeSpace()
-    {
-        LinuxSampler missing(QStringLiteral("/nonexistent/proc"),
-                             QStringLiteral("/nonexistent/sys"), QStringLiteral("/nonexistent"));
-        quint64 a = 0, b = 0, c = 0;
-        QVERIFY(!missing.memoryStatus(&a, &b));
-        QVERIFY(!missing.systemTimes(&a, &b, &c));
-        QVERIFY(missing.interfaceTable().isEmpty());
-        QCOMPARE(missing.freeBytesForUser(), quint64(0));
-
-        // This machine's own tree, where the sampler looks by default.
-        LinuxSampler live;
-        QVERIFY(live.memoryStatus(&a, &b) && a > 0 && b <= a);
-        QVERIFY(live.systemTimes(&a, &b, &c) && b >= a);
-        QVERIFY(live.freeBytesForUser() > 0);
-
-        QTemporaryDir dir;
-        struct statvfs info {};
-        QCOMPARE(statvfs(QFile::encodeName(dir.path()).constData(), &info), 0);
-        const quint64 user = LinuxSampler(laptop(), laptop(), dir.path()).freeBytesForUser();
-        // Other processes write meanwhile; a few MiB either way is the same figure.
-        QVERIFY(qAbs(qint64(user) - qint64(quint64(info.f_bavail) * info.f_frsize)) < (16ll << 20));
-        QVERIFY(user <= quint64(info.f_bfree) * info.f_frsize);
     }
 };
 
