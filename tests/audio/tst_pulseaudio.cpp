@@ -1,5 +1,6 @@
 #include "pulseaudioendpoint.h"
 #include "pulselibrary.h"
+#include "textfile.h"
 
 #include <QElapsedTimer>
 #include <QLocalServer>
@@ -147,10 +148,8 @@ private slots:
         if (where == QLatin1String("PULSE_SERVER")) {
             qputenv("PULSE_SERVER", "tcp:localhost");
         } else if (!where.isEmpty()) {
-            QVERIFY(QDir(home.path()).mkpath(QFileInfo(home.filePath(where)).path()));
-            QFile file(home.filePath(where));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("; a comment\ndefault-server = unix:/somewhere/native\n");
+            writeFile(home.filePath(where),
+                      "; a comment\ndefault-server = unix:/somewhere/native\n");
         }
         const bool found = PulseLibrary::serverMayExist();
         for (const QString &name : names) {

@@ -2,18 +2,11 @@
 #include "commandtable.h"
 #include "cpuidentification.h"
 #include "processcommands.h"
+#include "textfile.h"
 
 #include <QtTest>
 
 namespace {
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
 
 // A /proc and DMI tree: the user (1000) runs the helper and two copies of ThrottleStop; root
 // runs another and a kernel thread.

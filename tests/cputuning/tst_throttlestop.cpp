@@ -1,6 +1,7 @@
 // The ThrottleStop tab over the fake bundle: presence, status, kill, reset, settings files and
 // the log-on task.
 #include "testwindow.h"
+#include "textfile.h"
 #include "throttlestop.h"
 
 #include <QtTest>
@@ -19,26 +20,12 @@ const QString kRunning =
 const QStringList kKillAndRestart = {"message: ThrottleStop",
                                      "run: taskkill /im ThrottleStop.exe /f"};
 
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 // The window, start-up records kept, over an install folder that holds ThrottleStop, its
 // settings file and a staged settings file, or none of them.
 struct TsWindow : TestWindow {
     explicit TsWindow(bool installed, const QString &tasklist = QString())
     {
         if (installed) {
-            folder.mkdir(QStringLiteral("ThrottleStop"));
             writeFile(folder.file("ThrottleStop/ThrottleStop.exe"), "program");
             writeFile(folder.file("ThrottleStop/ThrottleStop.ini"), "[ThrottleStop]\nold=1\n");
             writeFile(folder.file("ThrottleStop.ini"), "[staged]\n");

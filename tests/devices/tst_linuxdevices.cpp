@@ -4,7 +4,9 @@
 #include "devicecommands.h"
 #include "gsettingskey.h"
 #include "linuxregistry.h"
+#include "privatesystembus.h"
 #include "rfkillswitch.h"
+#include "textfile.h"
 #include "touchpadpreference.h"
 
 #include <QDBusConnection>
@@ -72,17 +74,7 @@ private slots:
         // Before GLib looks anything up: a private, file-backed settings store.
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_config.path()));
         qputenv("GSETTINGS_BACKEND", "keyfile");
-        m_bus.start(QStringLiteral("dbus-daemon"),
-                    {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                     QStringLiteral("--print-address")});
-        QVERIFY(m_bus.waitForReadyRead(10000));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.readLine().trimmed());
-    }
-
-    void cleanupTestCase()
-    {
-        m_bus.kill();
-        m_bus.waitForFinished(5000);
+        QVERIFY(m_bus.start());
     }
 
     // index (4 bytes, host order), type, operation, soft block, hard block
@@ -103,12 +95,10 @@ private slots:
         QFETCH(int, value);
         QFETCH(QByteArray, bytes);
         QTemporaryDir dir;
-        QFile file(dir.filePath(QStringLiteral("rfkill")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.close();
-        LinuxDeviceSwitches(file.fileName()).setSwitch(switchId, value);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), bytes);
+        const QString device = dir.filePath(QStringLiteral("rfkill"));
+        writeFile(device, QByteArray());
+        LinuxDeviceSwitches(device).setSwitch(switchId, value);
+        QCOMPARE(readFile(device), bytes);
         // A missing device fails quietly.
         const QString missing = QStringLiteral("/nonexistent/rfkill");
         QVERIFY(!rfkill::write(missing, rfkill::changeAllEvent(1, true)));
@@ -175,8 +165,8 @@ private slots:
         StandInKded kded;
         kded.moveToThread(&thread);
         thread.start();
-        QDBusConnection bus = QDBusConnection::connectToBus(
-            QString::fromUtf8(qgetenv("DBUS_SESSION_BUS_ADDRESS")), QStringLiteral("kded"));
+        QDBusConnection bus =
+            QDBusConnection::connectToBus(m_bus.address(), QStringLiteral("kded"));
         QVERIFY(bus.registerObject("/modules/touchpad", &kded, QDBusConnection::ExportAllSlots));
         QCOMPARE(KdeTouchpad(QStringLiteral("org.kde.kded5")).enabled(), std::optional<bool>());
         QVERIFY(bus.registerService(QStringLiteral("org.kde.kded5")));
@@ -276,13 +266,11 @@ private slots:
         QFETCH(QString, started);
         QTemporaryDir bin;
         const QString log = bin.filePath(QStringLiteral("started"));
-        for (const QString &name : installed) {
-            QFile program(bin.filePath(name));
-            QVERIFY(program.open(QIODevice::WriteOnly));
-            program.write("#!/bin/sh\necho \"${0##*/} $*\" > \"$0.log\"\n/bin/mv \"$0.log\" \"" +
-                          QFile::encodeName(log) + "\"\n");
-            program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
-        }
+        for (const QString &name : installed)
+            writeFile(bin.filePath(name),
+                      "#!/bin/sh\necho \"${0##*/} $*\" > \"$0.log\"\n/bin/mv \"$0.log\" \"" +
+                          QFile::encodeName(log) + "\"\n",
+                      /*executable=*/true);
         const QByteArray path = qgetenv("PATH");
         qputenv("PATH", QFile::encodeName(bin.path()));
         bool ran = false;
@@ -300,9 +288,7 @@ private slots:
         QCOMPARE(ran, !started.isEmpty());
         if (ran) {
             QTRY_VERIFY(QFile::exists(log));
-            QFile file(log);
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            QCOMPARE(QString::fromUtf8(file.readAll()), started + '\n');
+            QCOMPARE(QString::fromUtf8(readFile(log)), started + '\n');
         }
     }
 
@@ -320,7 +306,7 @@ private slots:
 
 private:
     QTemporaryDir m_config;
-    QProcess m_bus; // a session bus of the test's own
+    PrivateSessionBus m_bus;
 };
 
 QTEST_GUILESS_MAIN(TestLinuxDevices)

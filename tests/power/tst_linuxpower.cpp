@@ -10,11 +10,11 @@
 #include "powercfgcommands.h"
 #include "powercommands.h"
 #include "powersupply.h"
+#include "privatesystembus.h"
+#include "textfile.h"
 
 #include <QDBusConnection>
-#include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -50,25 +50,11 @@ public slots:
     void reconfigure() { ++calls; }
 };
 
-QString read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-void write(const QString &path, const QString &text)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(text.toUtf8());
-}
-
 const QString kOtherProfile = QStringLiteral("[LowBattery][DPMSControl]\nidleTime=60\n");
 
 void write(const QTemporaryDir &dir, const QString &folder, const char *file, const QString &text)
 {
-    QDir(dir.path()).mkpath(folder);
-    write(dir.filePath(folder + QLatin1Char('/') + QLatin1String(file)), text + '\n');
+    writeFile(dir.filePath(folder + QLatin1Char('/') + QLatin1String(file)), text.toUtf8() + '\n');
 }
 } // namespace
 
@@ -76,21 +62,8 @@ class LinuxPowerTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                        QStringLiteral("--print-address")});
-        QVERIFY(m_daemon.waitForReadyRead(10000));
-        // Before anything in the process opens the session bus.
-        qputenv("DBUS_SESSION_BUS_ADDRESS", m_daemon.readLine().trimmed());
-    }
+    void initTestCase() { QVERIFY(m_bus.start()); }
     void cleanup() { QDBusConnection::disconnectFromBus(QStringLiteral("plasma")); }
-    void cleanupTestCase()
-    {
-        m_daemon.kill();
-        m_daemon.waitForFinished(5000);
-    }
     // Before any other case: GIO stays unloaded only while nothing has asked for a key.
     void absentSchemaLoadsNoGio()
     {
@@ -237,7 +210,7 @@ private slots:
         QFETCH(QString, before);
         QFETCH(QString, after);
         const QString file = m_config.filePath(QStringLiteral("powermanagementprofilesrc"));
-        write(file, before);
+        writeFile(file, before.toUtf8());
         StandInPowerManager powerManager;
         QVERIFY(
             serve("org.kde.Solid.PowerManagement", "/org/kde/Solid/PowerManagement", powerManager));
@@ -253,7 +226,7 @@ private slots:
             if (before.contains(QLatin1String("[AC][SuspendSession]")))
                 QVERIFY(timeouts.setSleepAfter(false, 0));
         }
-        QCOMPARE(read(file), after);
+        QCOMPARE(readFile(file), after.toUtf8());
         QTRY_COMPARE(powerManager.calls,
                      before.contains(QLatin1String("[AC][SuspendSession]")) ? 3 : 2);
     }
@@ -273,7 +246,7 @@ private slots:
         const QString file = m_config.filePath(QStringLiteral("kwinrc"));
         QFile::remove(file);
         if (!before.isEmpty())
-            write(file, before);
+            writeFile(file, before.toUtf8());
         StandInKwin kwin;
         QVERIFY(serve("org.kde.KWin", "/KWin", kwin));
         {
@@ -284,22 +257,22 @@ private slots:
                                              QStringLiteral("Meta")),
                      std::optional<QString>(QString()));
             blocker.uninstall();
-            QCOMPARE(read(file), before);
+            QCOMPARE(readFile(file), before.toUtf8());
             QVERIFY(blocker.install());
         } // the program ends with the box checked: given back all the same
-        QCOMPARE(read(file), before);
+        QCOMPARE(readFile(file), before.toUtf8());
         QTRY_COMPARE(kwin.calls, 5);
     }
 
 private:
     bool serve(const char *service, const char *path, StandInService &standIn)
     {
-        QDBusConnection bus = QDBusConnection::connectToBus(
-            QString::fromUtf8(qgetenv("DBUS_SESSION_BUS_ADDRESS")), QStringLiteral("plasma"));
+        QDBusConnection bus =
+            QDBusConnection::connectToBus(m_bus.address(), QStringLiteral("plasma"));
         return bus.registerObject(QLatin1String(path), &standIn, QDBusConnection::ExportAllSlots) &&
                bus.registerService(QLatin1String(service));
     }
-    QProcess m_daemon;
+    PrivateSessionBus m_bus;
     QTemporaryDir m_config;
 };
 

@@ -2,6 +2,7 @@
 #include "companions.h"
 #include "linuxregistry.h"
 #include "testwindow.h"
+#include "textfile.h"
 
 #include <QtTest>
 
@@ -13,12 +14,7 @@ const QString kRunKey =
 // The log entries that concern the companions: task-list queries and program starts.
 QStringList companionEntries(const OperationLog &log)
 {
-    QStringList out;
-    for (const QString &e : log.entries) {
-        if (e == QLatin1String("run: tasklist") || e.contains(QLatin1String(".exe")))
-            out << e;
-    }
-    return out;
+    return log.matching(QStringLiteral("^run: tasklist$|\\.exe"));
 }
 
 } // namespace
@@ -46,14 +42,11 @@ private slots:
         p.start();
         // A stand-in companion that reports where it runs and what it was given.
         const QString appFolder = m_home->path() + "/Programs/Fan Control";
-        QDir().mkpath(appFolder);
         const QString report = m_home->path() + "/report.txt";
-        QFile program(appFolder + "/FanControl.exe");
-        QVERIFY(program.open(QIODevice::WriteOnly));
-        program.write(
-            QStringLiteral("#!/bin/sh\n{ pwd; echo \"$#:[$1]\"; } > '%1'\n").arg(report).toUtf8());
-        program.close();
-        program.setPermissions(program.permissions() | QFileDevice::ExeOwner);
+        writeFile(
+            appFolder + "/FanControl.exe",
+            QStringLiteral("#!/bin/sh\n{ pwd; echo \"$#:[$1]\"; } > '%1'\n").arg(report).toUtf8(),
+            /*executable=*/true);
         writeLocator(R"(\Helmsuite\FanControl\fancontrol.ini)", appFolder + "/FanControl.exe");
 
         p.ui().Button_FanControl->click();
@@ -61,9 +54,7 @@ private slots:
         QCOMPARE(companionEntries(*p.fake.log),
                  QStringList({"process: " + appFolder + "//FanControl.exe "}));
         QTRY_VERIFY(QFileInfo(report).size() > 0);
-        QFile result(report);
-        QVERIFY(result.open(QIODevice::ReadOnly));
-        QCOMPARE(QString::fromUtf8(result.readAll()), appFolder + "\n1:[]\n");
+        QCOMPARE(QString::fromUtf8(readFile(report)), appFolder + "\n1:[]\n");
     }
 
     void withoutItsFileTheBareNameIsStarted_data()
@@ -170,9 +161,7 @@ private slots:
         QCOMPARE(value("Fan Control"), QStringLiteral("none"));
         QVERIFY(!m_registry.contains(kRunKey, "Fan Control"));
         m_registry.setValue(kRunKey, "Fan Control", "/opt/helmsuite/fancontrol --tray");
-        QFile written(entry("Fan Control.desktop"));
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QCOMPARE(written.readAll(),
+        QCOMPARE(readFile(entry("Fan Control.desktop")),
                  QByteArray("[Desktop Entry]\nType=Application\nName=Fan Control\n"
                             "Exec=/opt/helmsuite/fancontrol --tray\n"
                             "Terminal=false\n"));
@@ -185,12 +174,13 @@ private slots:
 
         // Switched off in the desktop's settings: removed. Actions after the main group are no
         // part of the entry.
-        write("Updater.desktop", "[Desktop Entry]\nType=Application\nExec=updater\nHidden=true\n"
-                                 "[Desktop Action x]\nExec=other\n");
+        writeFile(entry("Updater.desktop"),
+                  "[Desktop Entry]\nType=Application\nExec=updater\nHidden=true\n"
+                  "[Desktop Action x]\nExec=other\n");
         QVERIFY(!m_registry.contains(kRunKey, "Updater"));
         QCOMPARE(value("Updater"), QStringLiteral("none"));
-        write("KeyboardLED.desktop", "[Desktop Entry]\nExec=kbd --min\nHidden=false\n"
-                                     "[Desktop Action x]\nExec=other\n");
+        writeFile(entry("KeyboardLED.desktop"), "[Desktop Entry]\nExec=kbd --min\nHidden=false\n"
+                                                "[Desktop Action x]\nExec=other\n");
         QCOMPARE(value("KeyboardLED"), QStringLiteral("kbd --min"));
 
         m_registry.setValue(
@@ -215,13 +205,6 @@ private:
     QString entry(const QString &name) const
     {
         return m_home->path() + "/.config/autostart/" + name;
-    }
-    void write(const QString &name, const QByteArray &text)
-    {
-        QDir().mkpath(m_home->path() + "/.config/autostart");
-        QFile file(entry(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(text);
     }
 
     LinuxRegistry m_registry;

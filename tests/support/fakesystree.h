@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include "textfile.h"
+
 #include <QTemporaryDir>
 
 // A laptop's /sys and /dev as files under a temporary root, for the system helper's verbs.
@@ -12,17 +11,11 @@ public:
 
     void put(const QString &relative, const QByteArray &content) const
     {
-        const QString path = m_dir.filePath(relative);
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        file.open(QIODevice::WriteOnly | QIODevice::Truncate);
-        file.write(content);
+        writeFile(m_dir.filePath(relative), content);
     }
     QByteArray get(const QString &relative) const
     {
-        QFile file(m_dir.filePath(relative));
-        file.open(QIODevice::ReadOnly);
-        return file.readAll().trimmed();
+        return readFile(m_dir.filePath(relative)).trimmed();
     }
 
     // A register of /dev/cpu/N/msr: the register number is the offset.

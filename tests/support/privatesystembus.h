@@ -1,5 +1,7 @@
 #pragma once
 
+#include "textfile.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -44,22 +46,24 @@ public:
     {
         const QString socket = m_dir.filePath(QStringLiteral("bus"));
         const QString services = m_dir.filePath(QStringLiteral("services"));
-        QDir().mkpath(services);
-        write(m_dir.filePath(QStringLiteral("bus.conf")),
-              QStringLiteral(
-                  "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus "
-                  "Configuration 1.0//EN\" "
-                  "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-                  "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
-                  "<servicedir>%2</servicedir><policy context=\"default\">"
-                  "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
-                  "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy>"
-                  "</busconfig>\n")
-                  .arg(socket, services));
-        write(services + QStringLiteral("/org.varnel.Helper.service"),
-              QStringLiteral("[D-BUS Service]\nName=org.varnel.Helper\n"
-                             "Exec=%1 --root %2 --idle-exit-ms 20000\n")
-                  .arg(QStringLiteral(VARNEL_HELPER_BIN), treeRoot));
+        writeFile(
+            m_dir.filePath(QStringLiteral("bus.conf")),
+            QStringLiteral(
+                "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus "
+                "Configuration 1.0//EN\" "
+                "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
+                "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
+                "<servicedir>%2</servicedir><policy context=\"default\">"
+                "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
+                "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy>"
+                "</busconfig>\n")
+                .arg(socket, services)
+                .toUtf8());
+        writeFile(services + QStringLiteral("/org.varnel.Helper.service"),
+                  QStringLiteral("[D-BUS Service]\nName=org.varnel.Helper\n"
+                                 "Exec=%1 --root %2 --idle-exit-ms 20000\n")
+                      .arg(QStringLiteral(VARNEL_HELPER_BIN), treeRoot)
+                      .toUtf8());
         // The helper inherits this from the daemon that starts it.
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", QByteArray("unix:path=") + QFile::encodeName(socket));
 
@@ -97,12 +101,6 @@ public:
     }
 
 private:
-    static void write(const QString &path, const QString &text)
-    {
-        QFile file(path);
-        file.open(QIODevice::WriteOnly);
-        file.write(text.toUtf8());
-    }
     static void mock(const QString &method, const QVariantList &arguments)
     {
         QDBusMessage call =
@@ -116,4 +114,31 @@ private:
     QTemporaryDir m_dir;
     QProcess m_daemon;
     QProcess m_polkit;
+};
+
+// A session bus of the test's own; start() puts its address into the given variable, before
+// anything in the process connects to the bus that variable names.
+class PrivateSessionBus {
+public:
+    ~PrivateSessionBus()
+    {
+        m_daemon.kill();
+        m_daemon.waitForFinished(5000);
+    }
+    bool start(const char *addressVariable = "DBUS_SESSION_BUS_ADDRESS")
+    {
+        m_daemon.start(QStringLiteral("dbus-daemon"),
+                       {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                        QStringLiteral("--print-address")});
+        if (!m_daemon.waitForReadyRead(10000))
+            return false;
+        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        qputenv(addressVariable, m_address.toUtf8());
+        return !m_address.isEmpty();
+    }
+    QString address() const { return m_address; }
+
+private:
+    QProcess m_daemon;
+    QString m_address;
 };
