@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -12,14 +13,13 @@ struct OperationLog {
     void add(const QString &entry) { entries << entry; }
     void clear() { entries.clear(); }
     int indexOf(const QString &entry) const { return entries.indexOf(entry); }
+    QStringList matching(const QString &pattern) const
+    {
+        return entries.filter(QRegularExpression(pattern));
+    }
     QStringList withPrefix(const QString &prefix) const
     {
-        QStringList out;
-        for (const QString &e : entries) {
-            if (e.startsWith(prefix))
-                out << e;
-        }
-        return out;
+        return matching(QLatin1Char('^') + QRegularExpression::escape(prefix));
     }
 };
 

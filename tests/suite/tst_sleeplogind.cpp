@@ -1,11 +1,11 @@
 #include "backlight.h"
 #include "desktoppower.h"
 #include "keyboardlight.h"
+#include "privatesystembus.h"
 #include "sleeplogind.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QThread>
 #include <QtTest>
@@ -81,33 +81,26 @@ private slots:
     {
         if (QStandardPaths::findExecutable("dbus-daemon").isEmpty())
             QSKIP("dbus-daemon is not installed");
-        // A private bus of the test's own: nothing on the machine's system bus is touched.
-        m_daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-        QVERIFY(m_daemon.waitForReadyRead(10000));
-        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        QVERIFY(!m_address.isEmpty());
-        // The lid switch asks the system bus itself.
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_address.toUtf8());
+        // The lid switch asks the system bus itself: a private one, so the machine's is untouched.
+        QVERIFY(m_bus.start("DBUS_SYSTEM_BUS_ADDRESS"));
     }
 
     void cleanupTestCase()
     {
         QDBusConnection::disconnectFromBus("logind");
         QDBusConnection::disconnectFromBus("varnel");
-        m_daemon.kill();
-        m_daemon.waitForFinished(5000);
     }
 
     void holdsADelayLockWhileAwakeAndReportsResume()
     {
-        QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
         StandInLogind logind;
         QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
                                        QDBusConnection::ExportAllSlots |
                                            QDBusConnection::ExportAllSignals));
         QVERIFY(service.registerService("org.freedesktop.login1"));
 
-        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_address, "varnel"));
+        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_bus.address(), "varnel"));
         QStringList messages; // "id code"
         connect(&notifier, &SleepNotifier::powerMessage, this,
                 [&messages](quint32 id, quintptr code) {
@@ -139,7 +132,7 @@ private slots:
         StandInLogind logind;
         logind.moveToThread(&thread);
         thread.start();
-        QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
         QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
                                        QDBusConnection::ExportAllSlots));
         QVERIFY(service.registerService("org.freedesktop.login1"));
@@ -165,7 +158,7 @@ private slots:
         StandInSession session;
         session.moveToThread(&thread);
         thread.start();
-        QDBusConnection service = QDBusConnection::connectToBus(m_address, "logind");
+        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
         const QString path = QStringLiteral("/org/freedesktop/login1/session/auto");
         QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
         QVERIFY(service.registerService("org.freedesktop.login1"));
@@ -197,8 +190,7 @@ private slots:
     }
 
 private:
-    QProcess m_daemon;
-    QString m_address;
+    PrivateSessionBus m_bus;
 };
 
 QTEST_GUILESS_MAIN(TestSleepLogind)

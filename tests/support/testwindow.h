@@ -77,13 +77,7 @@ struct TestWindow {
     // Entries of the log that are command runs, started or waited for.
     QStringList commands() const
     {
-        QStringList out;
-        for (const QString &e : fake.log->entries) {
-            if (e.startsWith(QLatin1String("run: ")) || e.startsWith(QLatin1String("start: ")) ||
-                e.startsWith(QLatin1String("shown ")))
-                out << e;
-        }
-        return out;
+        return fake.log->matching(QStringLiteral("^(run: |start: |shown )"));
     }
 
     // How many times the tuning tab's Apply ran: each apply starts the tuning service first.
