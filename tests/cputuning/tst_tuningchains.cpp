@@ -2,6 +2,7 @@
 // child processes, and the tab shows what the client holds.
 #include "cputuning.h"
 #include "testwindow.h"
+#include "textfile.h"
 #include "xtuclient.h"
 
 #include <QSignalSpy>
@@ -50,9 +51,8 @@ struct ClientRig : TestWindow {
     // What the processor holds before the program starts.
     void holds(int id, const QString &value) const
     {
-        QFile state(folder.file(QStringLiteral("xtu-state")));
-        state.open(QIODevice::Append);
-        state.write(QStringLiteral("%1=%2\n").arg(id).arg(value).toUtf8());
+        const QString state = folder.file(QStringLiteral("xtu-state"));
+        writeFile(state, readFile(state) + QStringLiteral("%1=%2\n").arg(id).arg(value).toUtf8());
     }
     void startWindow()
     {
@@ -282,7 +282,7 @@ private slots:
         QVERIFY(rig.cpu()->readProcess2->isRunning());
 
         // Once the client ends, the chain goes on from where it stood.
-        QFile(release).open(QIODevice::WriteOnly);
+        writeFile(release, QByteArray());
         QVERIFY(rig.waitForReadChains(1));
         QCOMPARE(rig.runs(), kAllReads);
     }

@@ -51,11 +51,6 @@ public slots:
 };
 
 const QString kOtherProfile = QStringLiteral("[LowBattery][DPMSControl]\nidleTime=60\n");
-
-void write(const QTemporaryDir &dir, const QString &folder, const char *file, const QString &text)
-{
-    writeFile(dir.filePath(folder + QLatin1Char('/') + QLatin1String(file)), text.toUtf8() + '\n');
-}
 } // namespace
 
 class LinuxPowerTest : public QObject {
@@ -68,19 +63,18 @@ private slots:
     void absentSchemaLoadsNoGio()
     {
         QTemporaryDir data;
-        write(data, "glib-2.0/schemas", "gschemas.compiled", "GVariant org.gnome.desktop.session");
+        writeFile(data.filePath("glib-2.0/schemas/gschemas.compiled"),
+                  "GVariant org.gnome.desktop.session\n");
         qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
         qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
         qunsetenv("GSETTINGS_SCHEMA_DIR");
         QVERIFY(!GSettingsKey("org.gnome.settings-daemon.plugins.power", "ambient-enabled")
                      .available());
-        QFile maps(QStringLiteral("/proc/self/maps"));
-        QVERIFY(maps.open(QIODevice::ReadOnly));
-        QVERIFY(!maps.readAll().contains("libgio"));
+        const QString maps = QStringLiteral("/proc/self/maps");
+        QVERIFY(!readFile(maps).contains("libgio"));
         // Named by a compiled file, the schema is looked up through GIO itself.
         GSettingsKey("org.gnome.desktop.session", "idle-delay").available();
-        maps.seek(0);
-        QVERIFY(maps.readAll().contains("libgio"));
+        QVERIFY(readFile(maps).contains("libgio"));
     }
     void acLineStatus_data()
     {
@@ -103,9 +97,9 @@ private slots:
         for (const QString &s : supplies) {
             const QStringList parts = s.split(':');
             const QString name = parts.mid(0, parts.size() - 2).join(':');
-            write(dir, name, "type", parts.at(parts.size() - 2));
+            writeFile(dir.filePath(name + "/type"), parts.at(parts.size() - 2).toUtf8() + '\n');
             if (parts.last() != "-")
-                write(dir, name, "online", parts.last());
+                writeFile(dir.filePath(name + "/online"), parts.last().toUtf8() + '\n');
         }
         QTEST(SysfsPowerSupply(dir.path()).acLineStatus(), "status");
     }
@@ -115,14 +109,14 @@ private slots:
     {
         QTemporaryDir dir;
         for (const char *name : {"AC", "ADP2"}) {
-            write(dir, name, "type", "Mains");
-            write(dir, name, "online", "0");
+            writeFile(dir.filePath(name + QStringLiteral("/type")), "Mains\n");
+            writeFile(dir.filePath(name + QStringLiteral("/online")), "0\n");
         }
         SysfsPowerSupply supply(dir.path());
         QList<int> seen{supply.acLineStatus()};
-        write(dir, "AC", "online", "1");
+        writeFile(dir.filePath("AC/online"), "1\n");
         seen << supply.acLineStatus();
-        write(dir, "AC", "online", "0");
+        writeFile(dir.filePath("AC/online"), "0\n");
         seen << supply.acLineStatus();
         QVERIFY(QDir(dir.filePath(QStringLiteral("AC"))).removeRecursively());
         QVERIFY(QDir(dir.filePath(QStringLiteral("ADP2"))).removeRecursively());
