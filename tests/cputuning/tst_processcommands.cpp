@@ -1,8 +1,8 @@
 // The Linux command rows for identification and the process list, over fixture trees.
 #include "commandtable.h"
 #include "cpuidentification.h"
+#include "fakesystree.h"
 #include "processcommands.h"
-#include "textfile.h"
 
 #include <QtTest>
 
@@ -10,39 +10,37 @@ namespace {
 
 // A /proc and DMI tree: the user (1000) runs the helper and two copies of ThrottleStop; root
 // runs another and a kernel thread.
-struct Fixture {
+struct Fixture : FakeSysTree {
     Fixture()
     {
-        writeFile(proc("cpuinfo"), "processor\t: 0\nvendor_id\t: GenuineIntel\nmodel name\t: "
-                                   "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz\nflags\t\t: fpu\n\n"
-                                   "processor\t: 1\nmodel name\t: Intel(R) Core(TM) i7-8750H CPU "
-                                   "@ 2.20GHz\n");
-        writeFile(dir.filePath("dmi/product_name"), "P95_96_97Ex\n");
+        put(QStringLiteral("proc/cpuinfo"),
+            "processor\t: 0\nvendor_id\t: GenuineIntel\nmodel name\t: Intel(R) Core(TM) i7-8750H "
+            "CPU @ 2.20GHz\nflags\t\t: fpu\n\nprocessor\t: 1\nmodel name\t: Intel(R) Core(TM) "
+            "i7-8750H CPU @ 2.20GHz\n");
+        put(QStringLiteral("dmi/product_name"), "P95_96_97Ex\n");
         process(101, QByteArray("/usr/bin/varnel-helper\0--quiet\0", 31), 1000, "helper");
         process(102, QByteArray("C:\\Varnel\\ThrottleStop\\ThrottleStop.exe\0", 41), 1000,
                 "ThrottleStop.ex");
         process(103, QByteArray("/opt/ts/throttlestop.exe\0", 25), 1000, "throttlestop.ex");
         process(104, QByteArray("ThrottleStop.exe\0", 17), 0, "ThrottleStop.ex");
         process(105, QByteArray(), 0, "kworker/0:1");
-        writeFile(proc("sys/kernel"), "not a process");
-        ProcessRoots roots{dir.filePath("proc"), dir.filePath("dmi"), 1000, [this](long long pid) {
+        put(QStringLiteral("proc/sys/kernel"), "not a process");
+        ProcessRoots roots{root() + "/proc", root() + "/dmi", 1000, [this](long long pid) {
                                killed << pid;
                                return true;
                            }};
         addProcessCommands(table, roots);
     }
-    QString proc(const QString &relative) const { return dir.filePath("proc/" + relative); }
     void process(int pid, const QByteArray &commandLine, int uid, const QByteArray &comm)
     {
-        const QString at = QString::number(pid) + '/';
+        const QString at = QStringLiteral("proc/%1/").arg(pid);
         const QByteArray id = QByteArray::number(uid) + '\t';
-        writeFile(proc(at + "cmdline"), commandLine);
-        writeFile(proc(at + "comm"), comm + '\n');
-        writeFile(proc(at + "status"),
-                  "Name:\t" + comm + "\nUid:\t" + id + id + id + id + "\nVmRSS:\t    2048 kB\n");
+        put(at + "cmdline", commandLine);
+        put(at + "comm", comm + '\n');
+        put(at + "status",
+            "Name:\t" + comm + "\nUid:\t" + id + id + id + id + "\nVmRSS:\t    2048 kB\n");
     }
 
-    QTemporaryDir dir;
     CommandTable table;
     QList<long long> killed;
 };
@@ -85,8 +83,7 @@ private slots:
 
         // Missing files give an empty value and an empty list.
         CommandTable empty;
-        addProcessCommands(empty,
-                           {fixture.dir.filePath("none"), fixture.dir.filePath("none"), -1, {}});
+        addProcessCommands(empty, {fixture.root() + "/none", fixture.root() + "/none", -1, {}});
         QCOMPARE(cleanWmicText(*empty.run("wmic cpu get Name"), "Name"), QString());
         QCOMPARE(cleanWmicText(*empty.run("wmic computersystem get model"), "Model"), QString());
         QVERIFY(!empty.run("tasklist")->contains(".exe"));

@@ -198,8 +198,7 @@ private:
     {
         const QString path = localPath(Companions::documentsFolder() + relative);
         QVERIFY(path.startsWith(m_home->path() + "/Documents/Helmsuite/"));
-        QDir().mkpath(QFileInfo(path).path());
-        QSettings ini(path, QSettings::IniFormat);
+        QSettings ini(path, QSettings::IniFormat); // makes its folder
         ini.setValue("settings/appurl", appUrl);
     }
     QString entry(const QString &name) const

@@ -21,8 +21,7 @@ public:
     // Writes key=value into the [settings] group of an INI file under this folder.
     void setIni(const QString &relative, const QString &key, const QVariant &value) const
     {
-        QDir(m_dir.path()).mkpath(QFileInfo(file(relative)).path());
-        QSettings ini(file(relative), QSettings::IniFormat);
+        QSettings ini(file(relative), QSettings::IniFormat); // makes its folder
         ini.setValue(QStringLiteral("settings/") + key, value);
     }
     QVariant ini(const QString &relative, const QString &key) const
