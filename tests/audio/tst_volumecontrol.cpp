@@ -214,7 +214,7 @@ private slots:
         p.setGeneral(keys::volumeStartCheck, check);
         p.setGeneral(keys::startVolumeValue, 25);
         p.setGeneral(keys::sliderVolumeHeadphones, 35);
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         Ui::MainWindow &ui = p.ui();
         QTEST(audioWrites(p.fake.log), "writes");
         QCOMPARE(ui.Check_ApplyVolumeStart->isChecked(), check == 1);

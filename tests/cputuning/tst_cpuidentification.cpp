@@ -205,7 +205,7 @@ private slots:
         for (const QString &pair : profile.split(' ', Qt::SkipEmptyParts))
             w.folder.setIni(QStringLiteral("cpuprofiles/%1.ini").arg(file), pair.section('=', 0, 0),
                             pair.section('=', 1));
-        w.window = std::make_unique<MainWindow>(w.fake.bundle());
+        w.start(/*keepRecords=*/true);
         Ui::MainWindow &ui = w.ui();
         QSpinBox *const spins[] = {ui.Core1Spin, ui.Core2Spin, ui.Core3Spin, ui.Core4Spin,
                                    ui.Core5Spin, ui.Core6Spin, ui.Core7Spin, ui.Core8Spin};

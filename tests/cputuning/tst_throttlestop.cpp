@@ -94,7 +94,7 @@ private slots:
                          "================= =============== ======\r\nThrottleStop      N/A "
                          "            Ready\r\n"
                        : "ERROR: The system cannot find the file specified.\r\n";
-        w.window = std::make_unique<MainWindow>(w.fake.bundle());
+        w.start(/*keepRecords=*/true);
         QCheckBox *box = w.ui().Check_StartTScheck;
         QTEST(box->isChecked(), "checked");
         QCOMPARE(w.fake.log->withPrefix("run: " + kTaskQuery).size(), 1);

@@ -56,7 +56,7 @@ struct ClientRig : TestWindow {
     }
     void startWindow()
     {
-        window = std::make_unique<MainWindow>(fake.bundle());
+        start(/*keepRecords=*/true);
         chainEnds = std::make_unique<QSignalSpy>(cpu(), &CpuTuning::readChainFinished);
     }
     CpuTuning *cpu() const { return window->cpuTuning(); }

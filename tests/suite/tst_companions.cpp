@@ -129,7 +129,7 @@ private slots:
         TestWindow p;
         p.setGeneral("checkstart", true);
         p.fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         QVERIFY(!p.ui().checkstart->isChecked());
         p.fake.log->clear();
         p.fake.scheduler->advance(9999);

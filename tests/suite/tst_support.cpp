@@ -256,7 +256,7 @@ private slots:
             server.close();
 
         p.fake.dialogs->answers = {QMessageBox::Yes, QMessageBox::No};
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         Ui::MainWindow &ui = p.ui();
         auto *updates = p.window->findChild<UpdateChecker *>();
         QVERIFY(checkAndWait(updates, [] {}));
@@ -315,7 +315,7 @@ private slots:
     {
         TestWindow p;
         p.folder.copyShipped(kBranding);
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         auto *updates = p.window->findChild<UpdateChecker *>();
 
         QVERIFY(updates->versionUrl().isEmpty());
@@ -342,7 +342,7 @@ private slots:
         });
         release.start(3000);
 
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         constructing = false;
         QVERIFY(!waitedInside);
         auto *updates = p.window->findChild<UpdateChecker *>();

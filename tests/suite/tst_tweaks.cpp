@@ -152,7 +152,7 @@ private slots:
              {"TDRdelay", "hotkeyfilter", "FastStartDisabled", "brightfix", "applyheadphone"})
             p.setGeneral(key, true);
         p.fake.registry->values.insert(kKeyboardFilters, QStringList{"HKKbdFltr"});
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         const Ui::MainWindow &ui = p.ui();
         for (QCheckBox *box : {ui.CheckTDRdelay, ui.check_hkfilter, ui.CheckDisableFastStartup,
                                ui.checkBox_3, ui.checkBox_headphonefix})

@@ -5,6 +5,7 @@
 #include <QSettings>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTest>
 
 // A fresh install folder as the working directory for one test case; the previous working
 // directory comes back when it goes out of scope.
@@ -34,7 +35,8 @@ public:
     void copyShipped(const QString &relative) const
     {
         mkdir(QFileInfo(relative).path());
-        QFile::copy(QStringLiteral(VARNEL_DIST_DIR "/") + relative, file(relative));
+        QVERIFY2(QFile::copy(QStringLiteral(VARNEL_DIST_DIR "/") + relative, file(relative)),
+                 qPrintable(relative));
     }
 
 private:

@@ -32,11 +32,13 @@ struct TestWindow {
         start();
     }
 
-    void start()
+    // keepRecords: what the start-up itself logged and scheduled stays for the test to check.
+    void start(bool keepRecords = false)
     {
         window.reset(); // a restart: the old window is gone before the new one reads the settings
         window = std::make_unique<MainWindow>(fake.bundle());
-        clearRecords();
+        if (!keepRecords)
+            clearRecords();
     }
 
     void clearRecords()
