@@ -48,6 +48,22 @@ private slots:
                  (QStringList{"panel write 65", "shown 1: explorer ms-settings:display",
                               "shown 1: control.exe /name Microsoft.PowerOptions /page  "
                               "pagePlanSettings"}));
+
+        // A refresh in the middle of a power mode's apply changes nothing.
+        p.window->GetBrightness();
+        ui.checkBox_2->click();
+        p.fake.panel->level = 90;
+        p.fake.commands->onRun = [&](const QString &line) {
+            if (line.contains("PROCTHROTTLEMAX"))
+                p.window->GetBrightness();
+        };
+        p.clearRecords();
+        p.window->ApplyPowerValues();
+        QCOMPARE(ui.Slider_Brightness->value(), 65);
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 65%"));
+        QCOMPARE(p.window->panel()->currentBrightness(), 65);
+        QCOMPARE(p.window->panel()->lastBrightness(), 65);
+        QVERIFY(p.fake.log->entries.contains("panel read"));
     }
 
     void unreadablePanelDisablesTheSliderSayingWhy_data()
@@ -89,24 +105,6 @@ private slots:
         QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 30%"));
     }
 
-    void refreshDuringAPowerModeApplyChangesNothing()
-    {
-        TestWindow p;
-        p.fake.panel->level = 42;
-        p.startWithPowerModes();
-        p.fake.panel->level = 90;
-        p.fake.commands->onRun = [&](const QString &line) {
-            if (line.contains("PROCTHROTTLEMAX"))
-                p.window->GetBrightness(); // a tick in the middle of the apply
-        };
-        p.window->ApplyPowerValues();
-        QCOMPARE(p.ui().Slider_Brightness->value(), 42);
-        QCOMPARE(p.ui().Label_Brightness->text(), QStringLiteral("Brightness: 42%"));
-        QCOMPARE(p.window->panel()->currentBrightness(), 42);
-        QCOMPARE(p.window->panel()->lastBrightness(), 42);
-        QVERIFY(p.fake.log->entries.contains("panel read"));
-    }
-
     void adaptiveBrightnessCommands_data()
     {
         QTest::addColumn<bool>("checked");
@@ -141,11 +139,24 @@ private slots:
         QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), checked);
     }
 
-    void providerInstallRunsItsStepsThenLoads()
+    // Declined, the window closes; accepted at the next start, the install runs its steps and the
+    // settings load as a normal start does.
+    void missingProviderIsInstalledOnlyWhenAccepted()
     {
         TestWindow p;
         p.fake.panel->provider = false;
         p.setGeneral("enable_power_modes", true);
+        p.fake.dialogs->answers << QMessageBox::No;
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        QVERIFY(!p.fake.log->entries.contains("run: net stop winmgmt /y"));
+        QVERIFY(!p.window->trayMenu()); // the settings were never loaded
+        p.window->show();
+        p.fake.scheduler->advance(0);
+        QVERIFY(!p.window->isVisible());
+
+        p.window.reset();
+        p.clearRecords();
+        p.fake.dialogs->shown.clear();
         p.window = std::make_unique<MainWindow>(p.fake.bundle());
         QCOMPARE(
             p.fake.dialogs->lines(),
@@ -153,13 +164,13 @@ private slots:
                         "Control Center. For this software to work we need to install a small "
                         "dll for it to work. Can we install it?.\n | Yes|No"));
         const QStringList steps = {
-            "message: Control Center not installed", "run: net stop winmgmt /y",
+            "message: Control Center not installed",
+            "run: net stop winmgmt /y",
             "copy: installer//CLEVOMOF.dll -> C://Windows//SysWOW64//clevomof.dll",
             "run: regsvr32 /s C:/Windows/SysWOW64/clevomof.dll",
             "registry set: HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\WmiAcpi "
             "MofImagePath = syswow64\\clevomof.dll",
             "run: net start winmgmt",
-            // Then the settings load as a normal start does: the mode is applied.
             "run: powercfg -change -monitor-timeout-ac 20"};
         int at = -1;
         for (const QString &step : steps) {
@@ -169,19 +180,6 @@ private slots:
         }
         QVERIFY(p.window->trayMenu());
         QVERIFY(p.ui().checkBox_2->isChecked());
-    }
-
-    void providerDeclinedClosesTheWindow()
-    {
-        TestWindow p;
-        p.fake.panel->provider = false;
-        p.fake.dialogs->answers << QMessageBox::No;
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
-        QVERIFY(!p.fake.log->entries.contains("run: net stop winmgmt /y"));
-        QVERIFY(!p.window->trayMenu()); // the settings were never loaded
-        p.window->show();
-        p.fake.scheduler->advance(0);
-        QVERIFY(!p.window->isVisible());
     }
 };
 

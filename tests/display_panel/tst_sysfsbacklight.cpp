@@ -52,13 +52,24 @@ private slots:
         QTest::newRow("unknown type last") << QStringList{"odd:other", "z:raw"} << "z";
     }
 
+    // The session writer is tried first, with the chosen device.
     void choosesFirmwareOverPlatformOverRaw()
     {
         QFETCH(QStringList, devices);
+        QFETCH(QString, chosen);
         Fixture f;
         for (const QString &d : devices)
-            f.device(d.section(':', 0, 0), d.section(':', 1), 100, 10);
-        QTEST(SysfsBacklight(f.dir.path(), noSession).deviceName(), "chosen");
+            f.device(d.section(':', 0, 0), d.section(':', 1), 255, 10);
+        QStringList calls;
+        SysfsBacklight panel(f.dir.path(), [&](const QString &device, quint32 raw) {
+            calls << QStringLiteral("%1 %2").arg(device).arg(raw);
+            f.write(device + "/brightness", QString::number(raw)); // as logind would
+            return true;
+        });
+        QCOMPARE(panel.deviceName(), chosen);
+        panel.write(40);
+        QCOMPARE(calls, QStringList{chosen + " 102"});
+        QCOMPARE(panel.read(), 40);
     }
 
     // Reading raw as a share of max, and writing a share, never below raw level 1.
@@ -96,21 +107,6 @@ private slots:
             percent = 0;
         }
         QCOMPARE(panel.read(), percent);
-    }
-
-    void sessionWriterIsTriedFirst()
-    {
-        Fixture f;
-        f.device("amdgpu_bl1", "raw", 255, 10);
-        QStringList calls;
-        SysfsBacklight panel(f.dir.path(), [&](const QString &device, quint32 raw) {
-            calls << QStringLiteral("%1 %2").arg(device).arg(raw);
-            f.write(device + "/brightness", QString::number(raw)); // as logind would
-            return true;
-        });
-        panel.write(40);
-        QCOMPARE(calls, QStringList{"amdgpu_bl1 102"});
-        QCOMPARE(panel.read(), 40);
     }
 
     void noDeviceReadsMinusOneAndIgnoresWrites()

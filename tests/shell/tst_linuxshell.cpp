@@ -58,7 +58,7 @@ class LinuxShellTest : public QObject {
 private slots:
     void initTestCase() { qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8()); }
 
-    void logOnTaskBecomesAnAutostartEntry()
+    void logOnTaskAndTableRowsOverTheRunner()
     {
         auto table = std::make_shared<CommandTable>();
         addStartupCommands(*table);
@@ -81,14 +81,11 @@ private slots:
         QVERIFY(!table->run(R"(schtasks /Delete /tn "Varnrel")").has_value());
         QVERIFY(runner.runAndRead("definitely-not-a-program --flag", 30000).isEmpty());
         QVERIFY(!LinuxIdentity().userName().isEmpty());
-    }
 
-    void tableRowsAnswerAsynchronouslyWithoutAProcess()
-    {
-        auto table = std::make_shared<CommandTable>();
+        // A table row answers an asynchronous process without starting one.
         table->add("echo (\\w+)",
                    [](const QRegularExpressionMatch &m) { return m.captured(1) + "\r\n"; });
-        AsyncProcess *process = LinuxCommandRunner(table).createProcess(this);
+        AsyncProcess *process = runner.createProcess(this);
         QSignalSpy finished(process, &AsyncProcess::finished);
         QSignalSpy output(process, &AsyncProcess::readyReadStandardOutput);
         process->startCommand("echo hello");
@@ -271,20 +268,11 @@ private slots:
             ++asked;
             return probesSay;
         };
-        LinuxAvailability machine({answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   answer,
-                                   {}},
-                                  nullptr);
+        LinuxAvailability::Probes p;
+        p.backlight = p.nvidiaGpu = p.nvidiaLibrary = p.systemHelper = p.superKeySetting =
+            p.desktopTimeouts = p.touchpadSetting = p.ambientSetting = p.monitorChannel =
+                p.eventSounds = p.keyboardLight = p.systemTray = answer;
+        LinuxAvailability machine(p, nullptr);
         QCOMPARE(machine.whyUnavailable(feature), reason);
         const int first = asked;
         QCOMPARE(machine.whyUnavailable(feature), reason);

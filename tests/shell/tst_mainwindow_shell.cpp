@@ -1,9 +1,12 @@
 // The window's own behaviour over the fake bundle (settings boxes, tray, closing, sizing, controls
-// the machine cannot back), and the pure pieces under it: settings files and screen fitting.
+// the machine cannot back, a start hidden in the tray), and the pure pieces under it: settings
+// files and screen fitting.
+#include "darkstyle.h"
 #include "densityfont.h"
 #include "densitysizing.h"
 #include "screenfit.h"
 #include "settingsfiles.h"
+#include "stylesheethold.h"
 #include "testwindow.h"
 #include "unavailablecontrols.h"
 
@@ -15,14 +18,6 @@
 #include <QtTest>
 
 namespace {
-
-QStringList menuTexts(QMenu *menu)
-{
-    QStringList texts;
-    for (QAction *a : menu->actions())
-        texts << (a->isSeparator() ? QStringLiteral("---") : a->text());
-    return texts;
-}
 
 // Counts close events (the application reports the last window closing only from its loop).
 struct CloseCounter : QObject {
@@ -48,23 +43,37 @@ bool stillUntouched(const QString &path)
     return file.open(QIODevice::ReadOnly) && file.readAll().contains("; untouched");
 }
 
+void holdWithNoSheet()
+{
+    StyleSheetHold::holdUntilShown();
+    QApplication::setStyle(new DarkStyle);
+    qApp->setStyleSheet(QString()); // re-polishes: held, the style sets nothing
+    QCOMPARE(qApp->styleSheet(), QString());
+}
+
 } // namespace
 
 class TestMainWindowShell : public QObject {
     Q_OBJECT
 
 private slots:
+    // Without settings, power modes are off and the first tab with them: the window opens on
+    // the first tab that works.
     void firstStartWithoutSettingsFolder()
     {
         TestFolder folder;
         FakePlatform fake;
+        for (Feature f : {Feature::NvidiaGpu, Feature::CpuTuning, Feature::WindowsOnlyFix,
+                          Feature::SuperKeyBlocker})
+            fake.availability->features[f] = QStringLiteral("missing");
+        for (const char *program : {R"(Libs\AuxSwitch.exe)", R"(Libs\InitHeadphone.exe)"})
+            fake.availability->programs[program] = QStringLiteral("missing");
         MainWindow w(fake.bundle());
         Ui::MainWindow *ui = w.form();
         for (QCheckBox *box :
              {ui->Check_CloseHides, ui->Check_ExitDialog, ui->Check_Startwithwindows,
               ui->Check_StartHidden, ui->Check_DisableAudio, ui->checkBox_2})
             QVERIFY2(!box->isChecked(), qPrintable(box->objectName()));
-        QCOMPARE(menuTexts(w.trayMenu()), QStringList({"---", "Show Window Center", "Exit"}));
         QCOMPARE(w.generalTimer()->interval(), 2500);
         QVERIFY(w.generalTimer()->isActive());
         QVERIFY(!w.isHiddenToTray());
@@ -73,6 +82,12 @@ private slots:
         const QStringList &history = fake.scheduler->history;
         const int startApps = history.indexOf("10000 StartApps");
         QVERIFY(startApps >= 0 && history.indexOf("61000 tscheckstatus") > startApps);
+        w.show();
+        QTabWidget &tabs = *ui->tabWidget;
+        QVERIFY(!tabs.isTabEnabled(tabs.indexOf(ui->tab_10)));
+        QCOMPARE(tabs.currentWidget(), ui->tab_3);
+        QVERIFY(tabWorks(tabs, tabs.currentIndex()));
+        QVERIFY(!tabWorks(tabs, tabs.indexOf(ui->tab_7)));
     }
 
     void settingsBoxesRestoredAndWritten_data()
@@ -149,17 +164,29 @@ private slots:
         p.start();
         MainWindow &w = *p.window;
         w.show();
-        w.show_hide(QSystemTrayIcon::Trigger);
-        QVERIFY(w.isVisible());
-        w.show_hide(QSystemTrayIcon::DoubleClick);
-        QVERIFY(!w.isVisible() && w.isHiddenToTray());
-        w.show_hide(QSystemTrayIcon::Unknown);
-        QVERIFY(w.isVisible() && !w.isHiddenToTray());
-        w.show_hide(QSystemTrayIcon::Context);
-        QVERIFY(w.isVisible());
-        w.show_hide(QSystemTrayIcon::DoubleClick);
+        for (auto [reason, shown] : {std::pair{QSystemTrayIcon::Trigger, true},
+                                     {QSystemTrayIcon::DoubleClick, false},
+                                     {QSystemTrayIcon::Unknown, true},
+                                     {QSystemTrayIcon::Context, true},
+                                     {QSystemTrayIcon::DoubleClick, false}}) {
+            w.show_hide(reason);
+            QVERIFY(w.isVisible() == shown && w.isHiddenToTray() == !shown);
+        }
         w.wakeFromSecondStart();
         QVERIFY(w.isVisible() && !w.isMinimized() && !w.isHiddenToTray());
+
+        // Dragged down past the screen, the window stays on it.
+        w.setMinimumSize(100, 100);
+        w.resize(300, 200);
+        const int bottom = w.screen()->size().height();
+        w.move(10, 10);
+        QTest::mousePress(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+        QMouseEvent move(QEvent::MouseMove, QPointF(5, bottom), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(&w, &move);
+        QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, bottom));
+        QVERIFY(w.geometry().bottom() < bottom);
+        QVERIFY(w.geometry().top() >= 0);
 
         // Each way out asks with its own text; only a yes closes.
         p.ui().closeButton->click();
@@ -202,25 +229,6 @@ private slots:
         QCOMPARE(p.ui().Title->text(), QStringLiteral("Reseller Center"));
     }
 
-    void draggingKeepsTheWindowOnScreen()
-    {
-        TestWindow p;
-        p.start();
-        MainWindow &w = *p.window;
-        w.setMinimumSize(100, 100);
-        w.resize(300, 200);
-        w.show();
-        const int bottom = w.screen()->size().height();
-        w.move(10, 10);
-        QTest::mousePress(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
-        QMouseEvent move(QEvent::MouseMove, QPointF(5, bottom), Qt::NoButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(&w, &move);
-        QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, bottom));
-        QVERIFY(w.geometry().bottom() < bottom);
-        QVERIFY(w.geometry().top() >= 0);
-    }
-
     void windowHoldsUnavailableControlsDisabled()
     {
         TestWindow p;
@@ -231,10 +239,7 @@ private slots:
         p.fake.availability->programs["Remote.exe"] = QStringLiteral("no Remote");
         p.fake.availability->programs["FanControl.exe"] = QStringLiteral("no fans");
         p.startWithPowerModes();
-        // Power modes on: the tray offers them; the menu has no parent, the actions the tray's.
-        QCOMPARE(menuTexts(p.window->trayMenu()),
-                 QStringList({"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode", "---",
-                              "Show Window Center", "Exit"}));
+        // The tray menu has no parent, its actions have the tray's.
         QCOMPARE(p.window->trayActions().exit->parent(), p.window->trayIcon());
         QVERIFY(!p.window->trayMenu()->parent());
         Ui::MainWindow &ui = p.ui();
@@ -265,23 +270,6 @@ private slots:
         QVERIFY(!lid->item(2)->isEnabled());
         QCOMPARE(lid->item(2)->toolTip(), helper);
         QVERIFY(ui.LidClose_Combo->isEnabled());
-    }
-
-    void firstStartOpensOnAWorkingTab()
-    {
-        TestWindow p;
-        for (Feature f : {Feature::NvidiaGpu, Feature::CpuTuning, Feature::WindowsOnlyFix,
-                          Feature::SuperKeyBlocker})
-            p.fake.availability->features[f] = QStringLiteral("missing");
-        for (const char *program : {R"(Libs\AuxSwitch.exe)", R"(Libs\InitHeadphone.exe)"})
-            p.fake.availability->programs[program] = QStringLiteral("missing");
-        p.start(); // power modes off: the first tab is disabled
-        QTabWidget &tabs = *p.ui().tabWidget;
-        p.window->show();
-        QVERIFY(!tabs.isTabEnabled(tabs.indexOf(p.ui().tab_10)));
-        QCOMPARE(tabs.currentWidget(), p.ui().tab_3);
-        QVERIFY(tabWorks(tabs, tabs.currentIndex()));
-        QVERIFY(!tabWorks(tabs, tabs.indexOf(p.ui().tab_7)));
     }
 
     void settingsAreReadAndWrittenAtOnce()
@@ -422,6 +410,53 @@ private slots:
         QCOMPARE(p.ui().closeButton->minimumSize().width(), titleButton ? titleButton : 25);
         if (dpi < 97)
             QCOMPARE(p.ui().Slider_Brightness->minimumHeight(), 27);
+    }
+
+    // Started hidden in the tray, the style sheet and the desktop's settings wait for the first
+    // window shown. These change the application's style, so they come last.
+    void hiddenStartHeldUntilTheWindowIsShown()
+    {
+        holdWithNoSheet();
+        TestWindow rig;
+        rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
+        rig.fake.availability->features[Feature::PanelBacklight] = QStringLiteral("no panel");
+        rig.setGeneral("start_hidden", true);
+        rig.start();
+        rig.window->SetStyle();
+        QCOMPARE(qApp->styleSheet(), QString());
+        // The desktop's settings wait too; the machine's own are applied at once.
+        QVERIFY(!rig.ui().PowerModeBrightSlider->isEnabled());
+        QVERIFY(rig.ui().Radio_TouchpadON->isEnabled());
+        // Nor are its pages laid out: a label on the first page keeps its unlaid size.
+        QCOMPARE(rig.ui().Label_Brightness->geometry(), QRect(0, 0, 100, 30));
+        rig.window->show();
+        QVERIFY(rig.ui().Label_Brightness->width() > 100);
+        rig.ui().tabWidget->setCurrentWidget(rig.ui().tab);
+        QVERIFY(rig.ui().tab->layout()->isEnabled());
+        QVERIFY(!StyleSheetHold::held());
+        QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
+        QVERIFY(!rig.ui().Radio_TouchpadON->isEnabled());
+        QCOMPARE(rig.ui().Radio_TouchpadOFF->toolTip(), QStringLiteral("no switch"));
+    }
+
+    // The tray menu or a message box can be the first window shown; once released, the style
+    // sets the sheet again at once.
+    void hiddenStartHeldUntilAnyWindowIsShown()
+    {
+        holdWithNoSheet();
+        QWidget child;
+        QWidget inner(&child);
+        inner.show();
+        QVERIFY(StyleSheetHold::held());
+        QMenu menu;
+        menu.addAction(QStringLiteral("Exit"));
+        menu.show();
+        QVERIFY(!StyleSheetHold::held());
+        QVERIFY(!qApp->styleSheet().isEmpty());
+        qApp->setStyleSheet(QString());
+        QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
+        QApplication::setStyle(new DarkStyle);
+        QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
     }
 };
 
