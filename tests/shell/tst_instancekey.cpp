@@ -6,15 +6,10 @@
 
 namespace {
 
+// Name, organization, domain, version, path, user, home locations, options.
 InstanceKeyInputs sample()
 {
-    InstanceKeyInputs in;
-    in.applicationName = QStringLiteral("varnel");
-    in.applicationFilePath = QStringLiteral("/opt/Varnel/varnel");
-    in.userName = QStringLiteral("alice");
-    in.homeLocations = QStringList{QStringLiteral("/home/alice")};
-    in.options = UserScope;
-    return in;
+    return {"varnel", {}, {}, {}, "/opt/Varnel/varnel", "alice", {"/home/alice"}, UserScope};
 }
 
 } // namespace

@@ -72,7 +72,8 @@ struct Fixture {
     }
 };
 
-const SysfsBacklight::SessionWriter noSession = [](const QString &, quint32) { return false; };
+// A session that refuses, so the sysfs file is written directly.
+const auto noSession = [](const QString &, quint32) { return false; };
 } // namespace
 
 class LinuxShellTest : public QObject {
@@ -508,9 +509,7 @@ private slots:
         QCOMPARE(calls, QStringList{QStringLiteral("tpacpi::kbd_backlight %1").arg(raw)});
         QCOMPARE(f.raw("tpacpi::kbd_backlight"), 7);
 
-        LedKeyboardLight(f.dir.path(), [](const QString &, quint32) {
-            return false;
-        }).setLevel(percent);
+        LedKeyboardLight(f.dir.path(), noSession).setLevel(percent);
         QCOMPARE(f.raw("tpacpi::kbd_backlight"), raw);
         QCOMPARE(f.raw("input3::capslock"), 0);
 

@@ -559,13 +559,11 @@ private slots:
 
         p.window.reset();
         p.clearRecords();
-        p.fake.dialogs->shown.clear();
         p.window = std::make_unique<MainWindow>(p.fake.bundle());
-        QCOMPARE(
-            p.fake.dialogs->lines(),
-            QStringList("Question | Control Center not installed | You do not seem to be using "
-                        "Control Center. For this software to work we need to install a small "
-                        "dll for it to work. Can we install it?.\n | Yes|No"));
+        const QString question("Question | Control Center not installed | You do not seem to be "
+                               "using Control Center. For this software to work we need to install "
+                               "a small dll for it to work. Can we install it?.\n | Yes|No");
+        QCOMPARE(p.fake.dialogs->lines(), QStringList({question, question}));
         const QStringList steps = {
             "message: Control Center not installed",
             "run: net stop winmgmt /y",
