@@ -6,15 +6,10 @@
 
 namespace {
 
+// Name, organization, domain, version, path, user, home locations, options.
 InstanceKeyInputs sample()
 {
-    InstanceKeyInputs in;
-    in.applicationName = QStringLiteral("varnel");
-    in.applicationFilePath = QStringLiteral("/opt/Varnel/varnel");
-    in.userName = QStringLiteral("alice");
-    in.homeLocations = QStringList{QStringLiteral("/home/alice")};
-    in.options = UserScope;
-    return in;
+    return {"varnel", {}, {}, {}, "/opt/Varnel/varnel", "alice", {"/home/alice"}, UserScope};
 }
 
 } // namespace
@@ -23,7 +18,7 @@ class TestInstanceKey : public QObject {
     Q_OBJECT
 
 private slots:
-    void keyHashesTheDocumentedBytes()
+    void keyAndMessageHaveFixedBytes()
     {
         // Only the first four bytes of the word, then names, version, lower-cased path, user.
         const QByteArray bytes("Varnvarnel/opt/varnel/varnelalice");
@@ -44,6 +39,12 @@ private slots:
         named.userName = QStringLiteral("/home/alice");
         QCOMPARE(instanceKey(unnamed), instanceKey(named));
         QVERIFY(instanceKey(unnamed) != instanceKey(elsewhere));
+
+        // Name with its length, type, instance id, then the CRC-16 (ISO 3309) of all of that.
+        QCOMPARE(encodeConnectionMessage(QStringLiteral("AB"), NewInstance, 0),
+                 QByteArray::fromHex("00000002414201000000005dab"));
+        QCOMPARE(offsetof(InstanceBlock, secondary), size_t(4));
+        QCOMPARE(offsetof(InstanceBlock, primaryPid), size_t(8));
     }
 
     void keyRules_data()
@@ -86,15 +87,6 @@ private slots:
         b.userName = user;
         b.applicationVersion = version;
         QTEST(instanceKey(a) == instanceKey(b), "same");
-    }
-
-    void newInstanceMessageBytes()
-    {
-        // Name with its length, type, instance id, then the CRC-16 (ISO 3309) of all of that.
-        QCOMPARE(encodeConnectionMessage(QStringLiteral("AB"), NewInstance, 0),
-                 QByteArray::fromHex("00000002414201000000005dab"));
-        QCOMPARE(offsetof(InstanceBlock, secondary), size_t(4)); // the block's fixed layout
-        QCOMPARE(offsetof(InstanceBlock, primaryPid), size_t(8));
     }
 
     void decodeChecksNameTypeAndChecksum_data()

@@ -1,9 +1,13 @@
 // The window's own behaviour over the fake bundle (settings boxes, tray, closing, sizing, controls
-// the machine cannot back), and the pure pieces under it: settings files and screen fitting.
+// the machine cannot back, the panel's brightness, a start hidden in the tray), and the pure
+// pieces under it: settings files and screen fitting.
+#include "darkstyle.h"
 #include "densityfont.h"
 #include "densitysizing.h"
+#include "panelbrightnesscontrol.h"
 #include "screenfit.h"
 #include "settingsfiles.h"
+#include "stylesheethold.h"
 #include "testwindow.h"
 #include "unavailablecontrols.h"
 
@@ -15,14 +19,6 @@
 #include <QtTest>
 
 namespace {
-
-QStringList menuTexts(QMenu *menu)
-{
-    QStringList texts;
-    for (QAction *a : menu->actions())
-        texts << (a->isSeparator() ? QStringLiteral("---") : a->text());
-    return texts;
-}
 
 // Counts close events (the application reports the last window closing only from its loop).
 struct CloseCounter : QObject {
@@ -48,23 +44,37 @@ bool stillUntouched(const QString &path)
     return file.open(QIODevice::ReadOnly) && file.readAll().contains("; untouched");
 }
 
+void holdWithNoSheet()
+{
+    StyleSheetHold::holdUntilShown();
+    QApplication::setStyle(new DarkStyle);
+    qApp->setStyleSheet(QString()); // re-polishes: held, the style sets nothing
+    QCOMPARE(qApp->styleSheet(), QString());
+}
+
 } // namespace
 
 class TestMainWindowShell : public QObject {
     Q_OBJECT
 
 private slots:
+    // Without settings, power modes are off and the first tab with them: the window opens on
+    // the first tab that works.
     void firstStartWithoutSettingsFolder()
     {
         TestFolder folder;
         FakePlatform fake;
+        for (Feature f : {Feature::NvidiaGpu, Feature::CpuTuning, Feature::WindowsOnlyFix,
+                          Feature::SuperKeyBlocker})
+            fake.availability->features[f] = QStringLiteral("missing");
+        for (const char *program : {R"(Libs\AuxSwitch.exe)", R"(Libs\InitHeadphone.exe)"})
+            fake.availability->programs[program] = QStringLiteral("missing");
         MainWindow w(fake.bundle());
         Ui::MainWindow *ui = w.form();
         for (QCheckBox *box :
              {ui->Check_CloseHides, ui->Check_ExitDialog, ui->Check_Startwithwindows,
               ui->Check_StartHidden, ui->Check_DisableAudio, ui->checkBox_2})
             QVERIFY2(!box->isChecked(), qPrintable(box->objectName()));
-        QCOMPARE(menuTexts(w.trayMenu()), QStringList({"---", "Show Window Center", "Exit"}));
         QCOMPARE(w.generalTimer()->interval(), 2500);
         QVERIFY(w.generalTimer()->isActive());
         QVERIFY(!w.isHiddenToTray());
@@ -73,6 +83,12 @@ private slots:
         const QStringList &history = fake.scheduler->history;
         const int startApps = history.indexOf("10000 StartApps");
         QVERIFY(startApps >= 0 && history.indexOf("61000 tscheckstatus") > startApps);
+        w.show();
+        QTabWidget &tabs = *ui->tabWidget;
+        QVERIFY(!tabs.isTabEnabled(tabs.indexOf(ui->tab_10)));
+        QCOMPARE(tabs.currentWidget(), ui->tab_3);
+        QVERIFY(tabWorks(tabs, tabs.currentIndex()));
+        QVERIFY(!tabWorks(tabs, tabs.indexOf(ui->tab_7)));
     }
 
     void settingsBoxesRestoredAndWritten_data()
@@ -149,17 +165,29 @@ private slots:
         p.start();
         MainWindow &w = *p.window;
         w.show();
-        w.show_hide(QSystemTrayIcon::Trigger);
-        QVERIFY(w.isVisible());
-        w.show_hide(QSystemTrayIcon::DoubleClick);
-        QVERIFY(!w.isVisible() && w.isHiddenToTray());
-        w.show_hide(QSystemTrayIcon::Unknown);
-        QVERIFY(w.isVisible() && !w.isHiddenToTray());
-        w.show_hide(QSystemTrayIcon::Context);
-        QVERIFY(w.isVisible());
-        w.show_hide(QSystemTrayIcon::DoubleClick);
+        for (auto [reason, shown] : {std::pair{QSystemTrayIcon::Trigger, true},
+                                     {QSystemTrayIcon::DoubleClick, false},
+                                     {QSystemTrayIcon::Unknown, true},
+                                     {QSystemTrayIcon::Context, true},
+                                     {QSystemTrayIcon::DoubleClick, false}}) {
+            w.show_hide(reason);
+            QVERIFY(w.isVisible() == shown && w.isHiddenToTray() == !shown);
+        }
         w.wakeFromSecondStart();
         QVERIFY(w.isVisible() && !w.isMinimized() && !w.isHiddenToTray());
+
+        // Dragged down past the screen, the window stays on it.
+        w.setMinimumSize(100, 100);
+        w.resize(300, 200);
+        const int bottom = w.screen()->size().height();
+        w.move(10, 10);
+        QTest::mousePress(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+        QMouseEvent move(QEvent::MouseMove, QPointF(5, bottom), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(&w, &move);
+        QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, bottom));
+        QVERIFY(w.geometry().bottom() < bottom);
+        QVERIFY(w.geometry().top() >= 0);
 
         // Each way out asks with its own text; only a yes closes.
         p.ui().closeButton->click();
@@ -202,25 +230,6 @@ private slots:
         QCOMPARE(p.ui().Title->text(), QStringLiteral("Reseller Center"));
     }
 
-    void draggingKeepsTheWindowOnScreen()
-    {
-        TestWindow p;
-        p.start();
-        MainWindow &w = *p.window;
-        w.setMinimumSize(100, 100);
-        w.resize(300, 200);
-        w.show();
-        const int bottom = w.screen()->size().height();
-        w.move(10, 10);
-        QTest::mousePress(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
-        QMouseEvent move(QEvent::MouseMove, QPointF(5, bottom), Qt::NoButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(&w, &move);
-        QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, bottom));
-        QVERIFY(w.geometry().bottom() < bottom);
-        QVERIFY(w.geometry().top() >= 0);
-    }
-
     void windowHoldsUnavailableControlsDisabled()
     {
         TestWindow p;
@@ -231,10 +240,7 @@ private slots:
         p.fake.availability->programs["Remote.exe"] = QStringLiteral("no Remote");
         p.fake.availability->programs["FanControl.exe"] = QStringLiteral("no fans");
         p.startWithPowerModes();
-        // Power modes on: the tray offers them; the menu has no parent, the actions the tray's.
-        QCOMPARE(menuTexts(p.window->trayMenu()),
-                 QStringList({"Battery Mode", "Silent Mode", "Normal Mode", "Maximum Mode", "---",
-                              "Show Window Center", "Exit"}));
+        // The tray menu has no parent, its actions have the tray's.
         QCOMPARE(p.window->trayActions().exit->parent(), p.window->trayIcon());
         QVERIFY(!p.window->trayMenu()->parent());
         Ui::MainWindow &ui = p.ui();
@@ -265,23 +271,6 @@ private slots:
         QVERIFY(!lid->item(2)->isEnabled());
         QCOMPARE(lid->item(2)->toolTip(), helper);
         QVERIFY(ui.LidClose_Combo->isEnabled());
-    }
-
-    void firstStartOpensOnAWorkingTab()
-    {
-        TestWindow p;
-        for (Feature f : {Feature::NvidiaGpu, Feature::CpuTuning, Feature::WindowsOnlyFix,
-                          Feature::SuperKeyBlocker})
-            p.fake.availability->features[f] = QStringLiteral("missing");
-        for (const char *program : {R"(Libs\AuxSwitch.exe)", R"(Libs\InitHeadphone.exe)"})
-            p.fake.availability->programs[program] = QStringLiteral("missing");
-        p.start(); // power modes off: the first tab is disabled
-        QTabWidget &tabs = *p.ui().tabWidget;
-        p.window->show();
-        QVERIFY(!tabs.isTabEnabled(tabs.indexOf(p.ui().tab_10)));
-        QCOMPARE(tabs.currentWidget(), p.ui().tab_3);
-        QVERIFY(tabWorks(tabs, tabs.currentIndex()));
-        QVERIFY(!tabWorks(tabs, tabs.indexOf(p.ui().tab_7)));
     }
 
     void settingsAreReadAndWrittenAtOnce()
@@ -422,6 +411,223 @@ private slots:
         QCOMPARE(p.ui().closeButton->minimumSize().width(), titleButton ? titleButton : 25);
         if (dpi < 97)
             QCOMPARE(p.ui().Slider_Brightness->minimumHeight(), 27);
+    }
+
+    void refreshShowsThePanelAndTheSliderWritesIt()
+    {
+        TestWindow p;
+        p.fake.panel->level = 42;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        QCOMPARE(ui.Slider_Brightness->value(), 42);
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 42%"));
+        p.fake.panel->level = 70;
+        p.window->GetBrightness();
+        QCOMPARE(ui.Slider_Brightness->value(), 70);
+        QCOMPARE(p.window->panel()->currentBrightness(), 70);
+        QCOMPARE(p.window->panel()->lastBrightness(), 70);
+        QCOMPARE(p.fake.log->entries, QStringList{"panel read"}); // read, never written back
+        QVERIFY(!p.window->panel()->reading());
+
+        // With the fix tool on, a refresh runs it only on a change: once for the change and
+        // once from the slider's handler.
+        ui.checkBox_3->setChecked(true);
+        const QString fix = QStringLiteral("shown 0: Libs\\AuxSwitch.exe");
+        p.clearRecords();
+        p.window->GetBrightness();
+        p.fake.panel->level = 43;
+        p.window->GetBrightness();
+        QCOMPARE(p.fake.log->entries, (QStringList{"panel read", "panel read", fix, fix}));
+
+        p.clearRecords();
+        ui.Slider_Brightness->setValue(66);
+        QCOMPARE(p.fake.log->entries, (QStringList{fix, "panel write 66"}));
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 66%"));
+        ui.checkBox_3->setChecked(false);
+        ui.Slider_Brightness->setValue(65);
+        ui.Button_DisplaySettings->click();
+        ui.Button_ScreenPower->click();
+        QCOMPARE(p.fake.log->entries.mid(2),
+                 (QStringList{"panel write 65", "shown 1: explorer ms-settings:display",
+                              "shown 1: control.exe /name Microsoft.PowerOptions /page  "
+                              "pagePlanSettings"}));
+
+        // A refresh in the middle of a power mode's apply changes nothing.
+        p.window->GetBrightness();
+        ui.checkBox_2->click();
+        p.fake.panel->level = 90;
+        p.fake.commands->onRun = [&](const QString &line) {
+            if (line.contains("PROCTHROTTLEMAX"))
+                p.window->GetBrightness();
+        };
+        p.clearRecords();
+        p.window->ApplyPowerValues();
+        QCOMPARE(ui.Slider_Brightness->value(), 65);
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 65%"));
+        QCOMPARE(p.window->panel()->currentBrightness(), 65);
+        QCOMPARE(p.window->panel()->lastBrightness(), 65);
+        QVERIFY(p.fake.log->entries.contains("panel read"));
+    }
+
+    void unreadablePanelDisablesTheSliderSayingWhy_data()
+    {
+        QTest::addColumn<QString>("platformReason");
+        QTest::addColumn<QString>("shownReason");
+        const QString noBacklight("This screen has no backlight that can be adjusted.");
+        QTest::newRow("no backlight") << noBacklight << noBacklight;
+        QTest::newRow("backlight there, read failed")
+            << ""
+            << "The panel's brightness cannot be read right now.";
+    }
+
+    void unreadablePanelDisablesTheSliderSayingWhy()
+    {
+        QFETCH(QString, platformReason);
+        QFETCH(QString, shownReason);
+        TestWindow p;
+        p.fake.panel->level = -1;
+        if (!platformReason.isEmpty())
+            p.fake.availability->features[Feature::PanelBacklight] = platformReason;
+        p.start();
+        Ui::MainWindow &ui = p.ui();
+        QVERIFY(!ui.Slider_Brightness->isEnabled());
+        QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
+        QCOMPARE(ui.Label_Brightness->toolTip(), shownReason);
+        p.window->GetBrightness();
+        QVERIFY(!ui.Label_Brightness->text().contains("-1"));
+        // A power mode's initial brightness moves the slider: still no figure, nothing written.
+        ui.Slider_Brightness->setValue(80);
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: not adjustable"));
+        QVERIFY(p.fake.log->withPrefix("panel write").isEmpty());
+
+        // The panel comes back (an external screen's backlight, a driver loaded late).
+        p.fake.panel->level = 30;
+        p.window->GetBrightness();
+        QVERIFY(ui.Slider_Brightness->isEnabled());
+        QVERIFY(ui.Slider_Brightness->toolTip().isEmpty());
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 30%"));
+    }
+
+    void adaptiveBrightnessCommands_data()
+    {
+        QTest::addColumn<bool>("checked");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("disabled") << true << "0";
+        QTest::newRow("enabled") << false << "1";
+    }
+
+    void adaptiveBrightnessCommands()
+    {
+        QFETCH(bool, checked);
+        QFETCH(QString, value);
+        const QString display("SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
+        const QString adaptive = display + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ";
+        TestWindow p;
+        p.setGeneral("AdaptiveBrightness", !checked);
+        p.fake.panel->level = 55;
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        // The stored setting is applied at start.
+        QVERIFY(p.commands().contains("shown 0: powercfg -setacvalueindex " + adaptive +
+                                      (checked ? "1" : "0")));
+        p.clearRecords();
+        p.ui().Check_Adaptive->click();
+        QCOMPARE(p.ui().Check_Adaptive->isChecked(), checked);
+        const QString brightness = display + "aded5e82-b909-4619-9949-f5d71dac0bcb 55";
+        QCOMPARE(p.commands(),
+                 (QStringList{"run: powercfg -setacvalueindex " + brightness,
+                              "run: powercfg -setdcvalueindex " + brightness,
+                              "shown 0: powercfg -setdcvalueindex " + adaptive + value,
+                              "shown 0: powercfg -setacvalueindex " + adaptive + value,
+                              "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+        QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), checked);
+    }
+
+    // Declined, the window closes; accepted at the next start, the install runs its steps and the
+    // settings load as a normal start does.
+    void missingProviderIsInstalledOnlyWhenAccepted()
+    {
+        TestWindow p;
+        p.fake.panel->provider = false;
+        p.setGeneral("enable_power_modes", true);
+        p.fake.dialogs->answers << QMessageBox::No;
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        QVERIFY(!p.fake.log->entries.contains("run: net stop winmgmt /y"));
+        QVERIFY(!p.window->trayMenu()); // the settings were never loaded
+        p.window->show();
+        p.fake.scheduler->advance(0);
+        QVERIFY(!p.window->isVisible());
+
+        p.window.reset();
+        p.clearRecords();
+        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        const QString question("Question | Control Center not installed | You do not seem to be "
+                               "using Control Center. For this software to work we need to install "
+                               "a small dll for it to work. Can we install it?.\n | Yes|No");
+        QCOMPARE(p.fake.dialogs->lines(), QStringList({question, question}));
+        const QStringList steps = {
+            "message: Control Center not installed",
+            "run: net stop winmgmt /y",
+            "copy: installer//CLEVOMOF.dll -> C://Windows//SysWOW64//clevomof.dll",
+            "run: regsvr32 /s C:/Windows/SysWOW64/clevomof.dll",
+            "registry set: HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\WmiAcpi "
+            "MofImagePath = syswow64\\clevomof.dll",
+            "run: net start winmgmt",
+            "run: powercfg -change -monitor-timeout-ac 20"};
+        int at = -1;
+        for (const QString &step : steps) {
+            const int next = p.fake.log->entries.indexOf(step, at + 1);
+            QVERIFY2(next > at, qPrintable(step));
+            at = next;
+        }
+        QVERIFY(p.window->trayMenu());
+        QVERIFY(p.ui().checkBox_2->isChecked());
+    }
+
+    // Started hidden in the tray, the style sheet and the desktop's settings wait for the first
+    // window shown. These change the application's style, so they come last.
+    void hiddenStartHeldUntilTheWindowIsShown()
+    {
+        holdWithNoSheet();
+        TestWindow rig;
+        rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
+        rig.fake.availability->features[Feature::PanelBacklight] = QStringLiteral("no panel");
+        rig.setGeneral("start_hidden", true);
+        rig.start();
+        rig.window->SetStyle();
+        QCOMPARE(qApp->styleSheet(), QString());
+        // The desktop's settings wait too; the machine's own are applied at once.
+        QVERIFY(!rig.ui().PowerModeBrightSlider->isEnabled());
+        QVERIFY(rig.ui().Radio_TouchpadON->isEnabled());
+        // Nor are its pages laid out: a label on the first page keeps its unlaid size.
+        QCOMPARE(rig.ui().Label_Brightness->geometry(), QRect(0, 0, 100, 30));
+        rig.window->show();
+        QVERIFY(rig.ui().Label_Brightness->width() > 100);
+        rig.ui().tabWidget->setCurrentWidget(rig.ui().tab);
+        QVERIFY(rig.ui().tab->layout()->isEnabled());
+        QVERIFY(!StyleSheetHold::held());
+        QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
+        QVERIFY(!rig.ui().Radio_TouchpadON->isEnabled());
+        QCOMPARE(rig.ui().Radio_TouchpadOFF->toolTip(), QStringLiteral("no switch"));
+    }
+
+    // The tray menu or a message box can be the first window shown; once released, the style
+    // sets the sheet again at once.
+    void hiddenStartHeldUntilAnyWindowIsShown()
+    {
+        holdWithNoSheet();
+        QWidget child;
+        QWidget inner(&child);
+        inner.show();
+        QVERIFY(StyleSheetHold::held());
+        QMenu menu;
+        menu.addAction(QStringLiteral("Exit"));
+        menu.show();
+        QVERIFY(!StyleSheetHold::held());
+        QVERIFY(!qApp->styleSheet().isEmpty());
+        qApp->setStyleSheet(QString());
+        QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
+        QApplication::setStyle(new DarkStyle);
+        QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
     }
 };
 
