@@ -614,10 +614,12 @@ private slots:
     // sets the sheet again at once.
     void hiddenStartHeldUntilAnyWindowIsShown()
     {
+        QWidget open; // a window already open when the hold begins
+        open.show();
         holdWithNoSheet();
-        QWidget child;
-        QWidget inner(&child);
-        inner.show();
+        QWidget inner(&open);
+        inner.show(); // shown, but no window
+        QVERIFY(inner.isVisible());
         QVERIFY(StyleSheetHold::held());
         QMenu menu;
         menu.addAction(QStringLiteral("Exit"));
