@@ -380,6 +380,9 @@ private slots:
     {
         QTemporaryDir install, home, moved;
         const QString user = home.filePath("varnel");
+        qputenv("XDG_DATA_HOME", QFile::encodeName(home.path()));
+        QCOMPARE(userWorkingFolder(), user);
+        qunsetenv("XDG_DATA_HOME");
         QDir(install.path()).mkpath("branding");
         QDir(install.path()).mkpath("cpuprofiles");
         makeFile(install.filePath("settings/default_power_mode.ini"), false);
@@ -390,6 +393,7 @@ private slots:
         for (const char *folder : {"/settings", "/updates"})
             QVERIFY(QFileInfo(user + folder).isDir() && !QFileInfo(user + folder).isSymLink());
         QCOMPARE(QFileInfo(user + "/branding").symLinkTarget(), install.filePath("branding"));
+        QCOMPARE(QFileInfo(user + "/cpuprofiles").symLinkTarget(), install.filePath("cpuprofiles"));
         QCOMPARE(QFileInfo(user + "/settings/default_power_mode.ini").symLinkTarget(),
                  install.filePath("settings/default_power_mode.ini"));
 
