@@ -87,8 +87,9 @@ echo "silent mode: 14 powercfg settings in order, 7 activations"
 regvalue() { timeout 20 wine reg query "$graphics" /v "$1" 2>/dev/null | tr -d '\r' | grep -q "$1 *REG_DWORD *0x3c"; }
 click 368 432 # the Windows Tuning tab
 click 22 467
+# The two values are written one after the other: the second may lag the first.
 wait_for 20 regvalue TdrDelay || fail "TdrDelay was not written"
-regvalue TdrDdiDelay || fail "TdrDdiDelay was not written"
+wait_for 20 regvalue TdrDdiDelay || fail "TdrDdiDelay was not written"
 click 22 467
 gone() { ! regvalue TdrDelay && ! regvalue TdrDdiDelay; }
 wait_for 20 gone || fail "unchecking left the TDR values"
