@@ -12,6 +12,7 @@
 #include "linuxregistry.h"
 #include "nativeprogram.h"
 #include "powercommands.h"
+#include "textfile.h"
 #include "workingfolder.h"
 
 #include <QtTest>
@@ -26,13 +27,7 @@ namespace {
 
 void makeFile(const QString &path, bool executable = true, const QByteArray &body = {})
 {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\n" + body);
-    file.close();
-    if (executable)
-        file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+    writeFile(path, "#!/bin/sh\n" + body, executable);
 }
 
 struct Recorder : DesktopTimeouts, LidSwitch {
@@ -53,7 +48,6 @@ struct Fixture {
 
     void device(const QString &name, const QString &type, int max, int raw) const
     {
-        QDir(dir.path()).mkpath(name);
         write(name + "/type", type);
         write(name + "/max_brightness", QString::number(max));
         write(name + "/brightness", QString::number(raw));
@@ -61,14 +55,12 @@ struct Fixture {
     }
     void write(const QString &relative, const QString &text) const
     {
-        QFile file(dir.filePath(relative));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(text.toUtf8() + '\n');
+        writeFile(dir.filePath(relative), text.toUtf8() + '\n');
     }
     int raw(const QString &name) const
     {
-        QFile file(dir.filePath(name + "/brightness"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt() : -2;
+        const QByteArray text = readFile(dir.filePath(name + "/brightness"));
+        return text.isEmpty() ? -2 : text.trimmed().toInt();
     }
 };
 
@@ -91,9 +83,7 @@ private slots:
         LinuxCommandRunner runner(table);
         const QString entry = m_config.path() + QStringLiteral("/autostart/varnel.desktop");
         runner.start(R"(schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)");
-        QFile file(entry);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QString text = QString::fromUtf8(file.readAll());
+        const QString text = QString::fromUtf8(readFile(entry));
         QCOMPARE(text, QStringLiteral("[Desktop Entry]\nType=Application\nName=Varnel\n"
                                       "Comment=Laptop control centre\nExec=\"%1\"\nPath=%2\n"
                                       "Icon=%2/branding/varnel_system_tray.png\nTerminal=false\n"
@@ -350,10 +340,8 @@ private slots:
         runner.startShown(R"(updates\Update.exe --quiet)", ShowMode::Normal);
         runner.startShown("Remote.exe", ShowMode::Normal); // not installed: nothing happens
         QDir::setCurrent(previous);
-        QFile answer(working.filePath("started"));
-        QTRY_VERIFY(answer.exists());
-        QVERIFY(answer.open(QIODevice::ReadOnly));
-        QCOMPARE(answer.readAll().trimmed(), (working.path() + " --quiet").toUtf8());
+        QTRY_COMPARE(readFile(working.filePath("started")).trimmed(),
+                     (working.path() + " --quiet").toUtf8());
     }
 
     void powerSchemeLinesReachTheDesktop()
