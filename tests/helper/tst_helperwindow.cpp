@@ -6,6 +6,7 @@
 #include "polkitauthority.h"
 #include "powercommands.h"
 #include "privatesystembus.h"
+#include "rfkillswitch.h"
 #include "systemhelper.h"
 #include "testwindow.h"
 #include "tuningcommands.h"
@@ -94,10 +95,6 @@ private slots:
         QTest::newRow("out of range though authorised")
             << CallRow{tuning,        "SetTurboPower", {5000000u}, helpererror::outOfRange,
                        longTermPower, "45000000"};
-        QTest::newRow("camera off, authorised")
-            << CallRow{{helperaction::camera}, "SetCamera", {false}, none, camera, "0"};
-        QTest::newRow("camera, refused")
-            << CallRow{tuning, "SetCamera", {false}, refused, camera, "1"};
         QTest::newRow("reading needs its own yes")
             << CallRow{tuning, "ReadPowerLimits", {}, refused, none, ""};
     }
@@ -111,6 +108,34 @@ private slots:
                  row.error);
         if (!row.file.isEmpty())
             QCOMPARE(m_tree.get(row.file), row.content);
+    }
+
+    // The camera's switch as the window throws it: through the helper, answered with why not.
+    void cameraSwitchAsksTheHelper_data()
+    {
+        QTest::addColumn<QStringList>("allowed");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("refused");
+        QTest::newRow("authorised")
+            << QStringList{helperaction::camera} << QByteArray("0") << false;
+        QTest::newRow("refused") << QStringList{helperaction::tuning} << QByteArray("1") << true;
+    }
+
+    void cameraSwitchAsksTheHelper()
+    {
+        QFETCH(QStringList, allowed);
+        m_bus.allow(allowed);
+        LinuxDeviceSwitches switches(QStringLiteral("/dev/null"),
+                                     std::make_shared<HelperClient>([] { return true; }));
+        QStringList answers;
+        switches.onAnswered([&](int id, int value, const QString &why) {
+            answers << QStringLiteral("%1 %2 %3").arg(id).arg(value).arg(why.isEmpty());
+        });
+        switches.setSwitch(1, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(answers.size(), 1, 20000);
+        QFETCH(bool, refused);
+        QCOMPARE(answers.first(), QStringLiteral("1 0 %1").arg(!refused));
+        QTEST(m_tree.get(camera), "content");
     }
 
     void startupReadsAndApplyWritesUnlessRefused()
