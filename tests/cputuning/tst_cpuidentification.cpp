@@ -221,7 +221,6 @@ private slots:
 
         QCOMPARE(ui.Slider_TurboBoost->minimum(), 8);
         QCOMPARE(ui.Slider_TurboBoost->maximum(), maximum);
-        QCOMPARE(w.window->cpuTuning()->turboPowerMax, maximum - 1);
         ui.Slider_TurboBoost->setValue(maximum);
         QString labels = ui.Label_TurboPowerValue->text();
         ui.Slider_TurboBoost->setValue(maximum - 1);
