@@ -55,14 +55,9 @@ std::string env(const char *name)
     return value ? value : "";
 }
 
-bool scripted(const char *name, int id)
-{
-    return env(name) == std::to_string(id);
-}
-
 void hangIfScripted(int id)
 {
-    for (int i = 0; scripted("FAKE_XTU_HANG", id) && i < 2400; ++i) {
+    for (int i = 0; env("FAKE_XTU_HANG") == std::to_string(id) && i < 2400; ++i) {
         if (std::ifstream(env("FAKE_XTU_RELEASE")))
             return;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -77,8 +72,7 @@ std::string column(const std::string &text, size_t width)
 // Figures as the client prints them: no trailing zeros, a comma where the system uses one.
 std::string number(std::string text, int minimumDecimals = 0)
 {
-    for (char &c : text)
-        c = c == ',' ? '.' : c;
+    std::replace(text.begin(), text.end(), ',', '.');
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, "%.3f", std::atof(text.c_str()));
     std::string out = buffer;
@@ -127,7 +121,7 @@ void print(int id, const std::string &text)
         return;
     // A split row is cut in the middle of its name, so that neither write names the row.
     size_t cut = 0;
-    if (scripted("FAKE_XTU_SPLIT", id) && kSettings.count(id)) {
+    if (env("FAKE_XTU_SPLIT") == std::to_string(id) && kSettings.count(id)) {
         const std::string name = kSettings.at(id).name;
         cut = text.find(name) + name.size() / 2;
         std::fwrite(text.data(), 1, cut, stdout);

@@ -15,6 +15,7 @@ const QString kTaskDelete = QStringLiteral("schtasks /Delete /tn \"ThrottleStop\
 const QString kRunning =
     QStringLiteral("\r\nImage Name       PID Session Name\r\nThrottleStop.exe  4242 Console\r\n");
 const QString kNotRunning = QStringLiteral("Status: TS is not running!");
+const QString kSettingsIni = QStringLiteral("ThrottleStop/ThrottleStop.ini");
 const QStringList kKillAndRestart = {"message: ThrottleStop",
                                      "run: taskkill /im ThrottleStop.exe /f"};
 
@@ -25,16 +26,13 @@ struct TsWindow : TestWindow {
     {
         if (installed) {
             writeFile(folder.file("ThrottleStop/ThrottleStop.exe"), "program");
-            writeFile(folder.file("ThrottleStop/ThrottleStop.ini"), "[ThrottleStop]\nold=1\n");
+            writeFile(folder.file(kSettingsIni), "[ThrottleStop]\nold=1\n");
             writeFile(folder.file("ThrottleStop.ini"), "[staged]\n");
         }
         fake.commands->outputs[QStringLiteral("tasklist")] = tasklist;
     }
     QString status() const { return ui().Label_TSstatus->text(); }
-    QByteArray settingsFile() const
-    {
-        return readFile(folder.file("ThrottleStop/ThrottleStop.ini"));
-    }
+    QByteArray settingsFile() const { return readFile(folder.file(kSettingsIni)); }
     bool staged() const { return QFile::exists(folder.file("ThrottleStop.ini")); }
 };
 
@@ -148,7 +146,7 @@ private slots:
 
         // Reset deletes the settings, kills and starts it again, then looks at the process list.
         w.ui().Button_ResetTS->click();
-        QVERIFY(!QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")));
+        QVERIFY(!QFile::exists(w.folder.file(kSettingsIni)));
         QCOMPARE(w.fake.dialogs->shown.last().text,
                  QStringLiteral("Throttlestop settings deleted. Next time you open "
                                 "Throttlestop it will run as a first run.\n"));
@@ -183,8 +181,7 @@ private slots:
             w.fake.log->clear();
             w.ui().Button_ApplyTSsettings->click();
             QCOMPARE(w.settingsFile(), chosen);
-            QCOMPARE(QFile::exists(w.folder.file("ThrottleStop/ThrottleStop.ini")),
-                     !path.isEmpty());
+            QCOMPARE(QFile::exists(w.folder.file(kSettingsIni)), !path.isEmpty());
             QVERIFY(!w.staged());
             QCOMPARE(w.fake.dialogs->shown.last().text,
                      QStringLiteral("New settings loaded, we will now close ThrottleStop "

@@ -150,8 +150,7 @@ private slots:
             QString output;
             const char *header, *expected;
         } rows[] = {
-            {"wmic layout", wmicOutput("Name", "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"), "Name",
-             "Intel(R) Core(TM) i7-8750H CPU @ 2.20GHz"},
+            {"wmic layout", wmicOutput("Name", k8750H), "Name", k8750H},
             {"model", wmicOutput("Model", "P95_96_97Ex"), "Model", "P95_96_97Ex"},
             {"line feed, tab, return as one piece", "Name\n\t\rIntel Core i7-7700K\n\t\r", "Name",
              "Intel Core i7-7700K"},
@@ -392,8 +391,6 @@ private slots:
         QVERIFY(rig.waitForReadChains(1));
         QCOMPARE(rig.runs(), kAllReads + (prevent ? QStringList() : QStringList("stop")));
         QTEST(rig.shown(), "shown");
-        QVERIFY(!rig.cpu()->decimalComma);
-        QVERIFY(!rig.cpu()->coreRowsMissing);
         QVERIFY(!rig.ui().Button_ApplyValues->isEnabled());
         QVERIFY(rig.ui().frame_2->isEnabled());
         QVERIFY(switchedOn(rig.ui().turbo_override));
