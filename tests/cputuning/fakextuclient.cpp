@@ -1,18 +1,14 @@
-// A stand-in for the tuning utility's command-line client.
-//
-//   fake_xtu_client -t -id N            prints the header and setting N's row, then waits for a
-//                                       line on standard input, as the client does
-//   fake_xtu_client -t -id N -v V       stores V as setting N and prints nothing
-//
-// Scripted through the environment:
+// A stand-in for the tuning utility's command-line client: "-t -id N" prints the header and
+// setting N's row, then waits for a line on standard input, as the client does; "-t -id N -v V"
+// stores V as setting N and prints nothing. Scripted through the environment:
 //   FAKE_XTU_STATE=<file>   where written values are kept ("id=value" lines), so a later read
 //                           shows them; settings never written read as an 8-core laptop part
 //   FAKE_XTU_COMMA=1        print decimal commas
 //   FAKE_XTU_CORES=<n>      a processor with n cores: ratio queries beyond it answer "Invalid Id"
 //   FAKE_XTU_SILENT=1       print nothing at all
 //   FAKE_XTU_HANG=<id>      hold the query or write of that setting until the file
-//                           FAKE_XTU_RELEASE names exists (two minutes at most, so that a caller
-//                           that waits for it fails instead of hanging the run)
+//                           FAKE_XTU_RELEASE names exists (two minutes at most, so that a waiting
+//                           caller fails instead of hanging the run)
 //   FAKE_XTU_SPLIT=<id>     print that setting's row in two writes, a moment apart
 //   FAKE_XTU_LOG=<file>     append "read <id>" or "write <id> <value>" for every call
 

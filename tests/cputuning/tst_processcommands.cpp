@@ -55,7 +55,6 @@ private slots:
     void identificationAndTaskListInWindowsShape()
     {
         Fixture fixture;
-        // wmic's padded column.
         QCOMPARE(fixture.table.run("wmic cpu get Name").value_or(QString()),
                  QStringLiteral("Name%1\r\nIntel(R) Core(TM) i7-8750H CPU @ 2.20GHz  \r\n\r\n")
                      .arg(QString(38, ' ')));

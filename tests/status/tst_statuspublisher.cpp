@@ -70,7 +70,6 @@ private slots:
         QVERIFY(holder.waitForFinished(10000));
         QTRY_COMPARE_WITH_TIMEOUT(readBlock().value(1), QStringLiteral("3,55"), kPatienceMs);
 
-        // Any text, through the slot the window offers for it.
         QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
                                           Q_ARG(QString, "5,100")));
         QTRY_COMPARE_WITH_TIMEOUT(
@@ -89,8 +88,7 @@ private slots:
         QVERIFY(holder.waitForReadyRead(10000));
         QTRY_VERIFY_WITH_TIMEOUT(holder.canReadLine(), kPatienceMs);
 
-        // The record the segment already holds needs no new segment, so the reader does not block
-        // it.
+        // The segment already holds that record: no new segment, so the reader does not block it.
         QVERIFY(publisher.publish(QStringLiteral("1,10")));
         QVERIFY(!publisher.publish(QStringLiteral("2,20")));
         QVERIFY(!publisher.publish(QStringLiteral("2,20"))); // and it stays so, without harm
