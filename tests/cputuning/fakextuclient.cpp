@@ -1,18 +1,14 @@
-// A stand-in for the tuning utility's command-line client.
-//
-//   fake_xtu_client -t -id N            prints the header and setting N's row, then waits for a
-//                                       line on standard input, as the client does
-//   fake_xtu_client -t -id N -v V       stores V as setting N and prints nothing
-//
-// Scripted through the environment:
+// A stand-in for the tuning utility's command-line client: "-t -id N" prints the header and
+// setting N's row, then waits for a line on standard input, as the client does; "-t -id N -v V"
+// stores V as setting N and prints nothing. Scripted through the environment:
 //   FAKE_XTU_STATE=<file>   where written values are kept ("id=value" lines), so a later read
 //                           shows them; settings never written read as an 8-core laptop part
 //   FAKE_XTU_COMMA=1        print decimal commas
 //   FAKE_XTU_CORES=<n>      a processor with n cores: ratio queries beyond it answer "Invalid Id"
 //   FAKE_XTU_SILENT=1       print nothing at all
 //   FAKE_XTU_HANG=<id>      hold the query or write of that setting until the file
-//                           FAKE_XTU_RELEASE names exists (two minutes at most, so that a caller
-//                           that waits for it fails instead of hanging the run)
+//                           FAKE_XTU_RELEASE names exists (two minutes at most, so that a waiting
+//                           caller fails instead of hanging the run)
 //   FAKE_XTU_SPLIT=<id>     print that setting's row in two writes, a moment apart
 //   FAKE_XTU_LOG=<file>     append "read <id>" or "write <id> <value>" for every call
 
@@ -55,14 +51,9 @@ std::string env(const char *name)
     return value ? value : "";
 }
 
-bool scripted(const char *name, int id)
-{
-    return env(name) == std::to_string(id);
-}
-
 void hangIfScripted(int id)
 {
-    for (int i = 0; scripted("FAKE_XTU_HANG", id) && i < 2400; ++i) {
+    for (int i = 0; env("FAKE_XTU_HANG") == std::to_string(id) && i < 2400; ++i) {
         if (std::ifstream(env("FAKE_XTU_RELEASE")))
             return;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -77,8 +68,7 @@ std::string column(const std::string &text, size_t width)
 // Figures as the client prints them: no trailing zeros, a comma where the system uses one.
 std::string number(std::string text, int minimumDecimals = 0)
 {
-    for (char &c : text)
-        c = c == ',' ? '.' : c;
+    std::replace(text.begin(), text.end(), ',', '.');
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, "%.3f", std::atof(text.c_str()));
     std::string out = buffer;
@@ -127,7 +117,7 @@ void print(int id, const std::string &text)
         return;
     // A split row is cut in the middle of its name, so that neither write names the row.
     size_t cut = 0;
-    if (scripted("FAKE_XTU_SPLIT", id) && kSettings.count(id)) {
+    if (env("FAKE_XTU_SPLIT") == std::to_string(id) && kSettings.count(id)) {
         const std::string name = kSettings.at(id).name;
         cut = text.find(name) + name.size() / 2;
         std::fwrite(text.data(), 1, cut, stdout);

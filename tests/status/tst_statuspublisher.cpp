@@ -10,20 +10,16 @@
 
 namespace {
 const QString kKey = QStringLiteral("VarnelSharedMem");
-
-QString readerPath()
-{
-    return QStringLiteral(VARNEL_TEST_BIN_DIR "/status/status_reader" VARNEL_EXE_SUFFIX);
-}
-
-// The reader's two lines: the bytes in hex and the decoded text.
+const QString kReader =
+    QStringLiteral(VARNEL_TEST_BIN_DIR "/status/status_reader" VARNEL_EXE_SUFFIX);
 // Each look starts the reader program, which under Wine on a loaded machine takes seconds.
 const int kPatienceMs = 30000;
 
+// The reader's two lines: the bytes in hex and the decoded text.
 QStringList readBlock(const QString &key = kKey)
 {
     QProcess reader;
-    reader.start(readerPath(), {key});
+    reader.start(kReader, {key});
     if (!reader.waitForFinished(10000))
         return {QStringLiteral("reader did not finish")};
     return QString::fromUtf8(reader.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
@@ -42,7 +38,7 @@ private slots:
     {
         QVERIFY(m_tmp.isValid());
         qputenv("TMPDIR", m_tmp.path().toLocal8Bit());
-        QVERIFY2(QFile::exists(readerPath()), "build the status_reader program first");
+        QVERIFY2(QFile::exists(kReader), "build the status_reader program first");
     }
 
     void windowPublishesTheModeCodes()
@@ -67,14 +63,13 @@ private slots:
 
         // A reader holding the block: the change waits, and is tried again each second.
         QProcess holder;
-        holder.start(readerPath(), {kKey, QStringLiteral("--hold")});
+        holder.start(kReader, {kKey, QStringLiteral("--hold")});
         QVERIFY(holder.waitForReadyRead(10000));
         p.ui().horizontalSlider_2->setValue(55);
         holder.write("\n");
         QVERIFY(holder.waitForFinished(10000));
         QTRY_COMPARE_WITH_TIMEOUT(readBlock().value(1), QStringLiteral("3,55"), kPatienceMs);
 
-        // Any text, through the slot the window offers for it.
         QVERIFY(QMetaObject::invokeMethod(p.window.get(), "loadIntoSharedMem",
                                           Q_ARG(QString, "5,100")));
         QTRY_COMPARE_WITH_TIMEOUT(
@@ -89,12 +84,11 @@ private slots:
         QCOMPARE(StatusPublisher::serialise(QStringLiteral("")).toHex(), QByteArray("00000000"));
 
         QProcess holder;
-        holder.start(readerPath(), {key, QStringLiteral("--hold")});
+        holder.start(kReader, {key, QStringLiteral("--hold")});
         QVERIFY(holder.waitForReadyRead(10000));
         QTRY_VERIFY_WITH_TIMEOUT(holder.canReadLine(), kPatienceMs);
 
-        // The record the segment already holds needs no new segment, so the reader does not block
-        // it.
+        // The segment already holds that record: no new segment, so the reader does not block it.
         QVERIFY(publisher.publish(QStringLiteral("1,10")));
         QVERIFY(!publisher.publish(QStringLiteral("2,20")));
         QVERIFY(!publisher.publish(QStringLiteral("2,20"))); // and it stays so, without harm
