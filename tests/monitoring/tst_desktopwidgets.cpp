@@ -11,7 +11,7 @@
 
 namespace {
 
-const char kWidgetFile[] = "settings/settings_widgets.ini";
+const QString kWidgetFile = QStringLiteral("settings/settings_widgets.ini");
 const char kStateQuery[] = "WMIC Path Win32_Battery Get BatteryStatus";
 const char kChargeQuery[] = "WMIC Path Win32_Battery Get EstimatedChargeRemaining";
 const QStringList kWhite{"color:white;"};
@@ -20,11 +20,6 @@ const QStringList kBlack{"color:black;"};
 QLabel *label(QWidget *widget, const char *name)
 {
     return widget->findChild<QLabel *>(QLatin1String(name));
-}
-
-QString text(QWidget *widget, const char *name)
-{
-    return label(widget, name)->text();
 }
 
 QStringList labelSheets(QWidget *widget)
@@ -43,11 +38,6 @@ QList<int> timerIntervals(QWidget *widget)
         intervals << (t->isActive() ? t->interval() : -1);
     std::sort(intervals.begin(), intervals.end());
     return intervals;
-}
-
-QVariant widgetSetting(const TestFolder &folder, const char *key)
-{
-    return folder.ini(QLatin1String(kWidgetFile), QLatin1String(key));
 }
 
 } // namespace
@@ -115,7 +105,7 @@ private slots:
                              Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(&widget, &move);
             QCOMPARE(widget.frameGeometry().topLeft(), start + by);
-            QCOMPARE(widgetSetting(folder, key).toByteArray(), widget.saveGeometry());
+            QCOMPARE(folder.ini(kWidgetFile, key).toByteArray(), widget.saveGeometry());
             QCOMPARE(makeAgain()->pos(), widget.pos());
         };
         check(usage, "mainWindowGeometry", QPoint(50, 30),
@@ -139,10 +129,10 @@ private slots:
         UsageWidget widget(fake.sampler, nullptr, [&clock] { return clock.takeFirst(); });
 
         widget.timeout_slot();
-        QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 50%"));
-        QCOMPARE(text(&widget, "disk"), QStringLiteral("C: 250GB"));
-        QCOMPARE(text(&widget, "processor"), QString());
-        QCOMPARE(text(&widget, "upload"), QString());
+        QCOMPARE(label(&widget, "memory")->text(), QStringLiteral("RAM 50%"));
+        QCOMPARE(label(&widget, "disk")->text(), QStringLiteral("C: 250GB"));
+        QCOMPARE(label(&widget, "processor")->text(), QString());
+        QCOMPARE(label(&widget, "upload")->text(), QString());
 
         fake.sampler->idleTime += 5000000;
         fake.sampler->kernelTime += 8000000;
@@ -151,10 +141,10 @@ private slots:
         fake.sampler->interfaces = {{6, 0, 0}, {6, 13072, 6536}, {6, 13072, 6536}};
         fake.sampler->availablePhysical = 4ull << 30;
         widget.timeout_slot();
-        QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
-        QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
-        QCOMPARE(text(&widget, "upload"), QStringLiteral("↑ 1KB/s"));
-        QCOMPARE(text(&widget, "download"), QStringLiteral("↓ 2KB/s"));
+        QCOMPARE(label(&widget, "processor")->text(), QStringLiteral("CPU 75%"));
+        QCOMPARE(label(&widget, "memory")->text(), QStringLiteral("RAM 75%"));
+        QCOMPARE(label(&widget, "upload")->text(), QStringLiteral("↑ 1KB/s"));
+        QCOMPARE(label(&widget, "download")->text(), QStringLiteral("↓ 2KB/s"));
 
         // Failing calls leave the figures shown.
         fake.sampler->memoryOk = false;
@@ -162,8 +152,8 @@ private slots:
         fake.sampler->availablePhysical = 0;
         fake.sampler->idleTime += 100;
         widget.timeout_slot();
-        QCOMPARE(text(&widget, "processor"), QStringLiteral("CPU 75%"));
-        QCOMPARE(text(&widget, "memory"), QStringLiteral("RAM 75%"));
+        QCOMPARE(label(&widget, "processor")->text(), QStringLiteral("CPU 75%"));
+        QCOMPARE(label(&widget, "memory")->text(), QStringLiteral("RAM 75%"));
 
         // A small idle time (32-bit high half zero) counts as no sample: no load all along.
         UsageWidget fresh(fake.sampler, nullptr, [] { return 0; });
@@ -173,7 +163,7 @@ private slots:
             fake.sampler->interfaces = {{6, received, sent}};
             fake.sampler->kernelTime += 5000;
             fresh.timeout_slot();
-            return text(&fresh, "download");
+            return label(&fresh, "download")->text();
         };
         // Received only: the sent sum stays 0, and a zero previous sum shows nothing.
         tick(500, 0);
@@ -183,11 +173,11 @@ private slots:
         // Traffic stops: the first tick computes from the dropped sum, the next ones keep it.
         fake.sampler->interfaces = {};
         fresh.timeout_slot();
-        const QString afterDrop = text(&fresh, "download");
+        const QString afterDrop = label(&fresh, "download")->text();
         QVERIFY(afterDrop != QStringLiteral("↓ 400B/s"));
         fresh.timeout_slot();
-        QCOMPARE(text(&fresh, "download"), afterDrop);
-        QCOMPARE(text(&fresh, "processor"), QString());
+        QCOMPARE(label(&fresh, "download")->text(), afterDrop);
+        QCOMPARE(label(&fresh, "processor")->text(), QString());
     }
 
     void batteryTicksQueryThenShow()
@@ -208,10 +198,10 @@ private slots:
         fake.scheduler->advance(500);
         QCOMPARE(fake.log->withPrefix(process).last(), process + QLatin1String(kChargeQuery));
         QCoreApplication::processEvents();
-        QCOMPARE(text(&widget, "state"), QString());
+        QCOMPARE(label(&widget, "state")->text(), QString());
         fake.scheduler->advance(1500);
-        QCOMPARE(text(&widget, "state"), QStringLiteral("AC Power"));
-        QCOMPARE(text(&widget, "charge"), QStringLiteral("87%"));
+        QCOMPARE(label(&widget, "state")->text(), QStringLiteral("AC Power"));
+        QCOMPARE(label(&widget, "charge")->text(), QStringLiteral("87%"));
 
         // An unknown code, then no battery at all (the tool prints its header alone) keep the
         // labels; each tick asks again, so a known code then shows.
@@ -226,8 +216,8 @@ private slots:
                 QCoreApplication::processEvents();
                 fake.scheduler->advance(ms);
             }
-            QCOMPARE(text(&widget, "state"), state.second);
-            QCOMPARE(text(&widget, "charge"), QStringLiteral("87%"));
+            QCOMPARE(label(&widget, "state")->text(), state.second);
+            QCOMPARE(label(&widget, "charge")->text(), QStringLiteral("87%"));
         }
         QCOMPARE(fake.log->withPrefix(process).size(), 8);
     }
@@ -246,8 +236,7 @@ private slots:
         for (const QString &stored :
              {"resorceswidget=1", "resorceswidgetfontsize=14", "resources_color=1",
               "batterywidget=1", "batterywidgetfontsize=6"})
-            t.folder.setIni(QLatin1String(kWidgetFile), stored.section('=', 0, 0),
-                            stored.section('=', 1).toInt());
+            t.folder.setIni(kWidgetFile, stored.section('=', 0, 0), stored.section('=', 1).toInt());
         t.fake.desktop->translucent = translucent;
         t.start();
         Ui::MainWindow &ui = t.ui();
@@ -307,8 +296,8 @@ private slots:
         QCOMPARE(usage->parentWidget(), t.window.get());
         QCOMPARE(battery->parentWidget(), nullptr);
         QVERIFY(usage->isVisible());
-        QCOMPARE(widgetSetting(t.folder, "resorceswidget").toInt(), 1);
-        QCOMPARE(widgetSetting(t.folder, "batterywidget").toInt(), 1);
+        QCOMPARE(t.folder.ini(kWidgetFile, "resorceswidget").toInt(), 1);
+        QCOMPARE(t.folder.ini(kWidgetFile, "batterywidget").toInt(), 1);
         QCOMPARE(label(usage, "memory")->font().pointSize(), 9);
         QCOMPARE(label(battery, "state")->font().pointSize(), 8);
         // Switched on with "Invert Colors" set, the new widget is inverted at once.
@@ -316,27 +305,27 @@ private slots:
 
         ui.colorchange->click();
         QCOMPARE(labelSheets(usage), kWhite);
-        QCOMPARE(widgetSetting(t.folder, "resources_color").toInt(), 0);
+        QCOMPARE(t.folder.ini(kWidgetFile, "resources_color").toInt(), 0);
         ui.colorchange_battery->click();
         QCOMPARE(labelSheets(battery), kBlack);
         QCOMPARE(labelSheets(usage), kWhite);
-        QCOMPARE(widgetSetting(t.folder, "battery_color").toInt(), 1);
+        QCOMPARE(t.folder.ini(kWidgetFile, "battery_color").toInt(), 1);
 
         ui.horizontalSliderResorcesFONTsize->setValue(12);
         QCOMPARE(ui.fontsize_label->text(), QStringLiteral("12px"));
         QCOMPARE(label(usage, "upload")->font().pointSize(), 12);
-        QCOMPARE(widgetSetting(t.folder, "resorceswidgetfontsize").toInt(), 12);
+        QCOMPARE(t.folder.ini(kWidgetFile, "resorceswidgetfontsize").toInt(), 12);
         ui.horizontalSlider_Battery_FONTsize->setValue(10);
         QCOMPARE(ui.fontsize_battery->text(), QStringLiteral("10px"));
         QCOMPARE(label(battery, "charge")->font().pointSize(), 18);
-        QCOMPARE(widgetSetting(t.folder, "batterywidgetfontsize").toInt(), 10);
+        QCOMPARE(t.folder.ini(kWidgetFile, "batterywidgetfontsize").toInt(), 10);
 
         ui.StartResorcescheckBox->click();
         ui.StartBatteryWidget->click();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(usage.isNull() && battery.isNull());
-        QCOMPARE(widgetSetting(t.folder, "resorceswidget").toInt(), 0);
-        QCOMPARE(widgetSetting(t.folder, "batterywidget").toInt(), 0);
+        QCOMPARE(t.folder.ini(kWidgetFile, "resorceswidget").toInt(), 0);
+        QCOMPARE(t.folder.ini(kWidgetFile, "batterywidget").toInt(), 0);
         ui.StartResorcescheckBox->click();
         QVERIFY(widgets->usageWidget());
     }

@@ -1,5 +1,5 @@
 #include "fakesensors.h"
-#include "nvidia_api.h"
+#include "gpusignallog.h"
 #include "testwindow.h"
 
 #include <QtTest>
@@ -15,45 +15,20 @@ Card runningCard(int celsius, unsigned load, unsigned coreMHz, unsigned memoryMH
     return {0, coreMHz * 1000 + 999, memoryMHz * 1000, 0, loadPresent, load, pstate, 0, celsius};
 }
 
-// The signals one GPU's pass emits, in order.
-QStringList pass(int gpu, int celsius, int load, int core, int memory, int pstate)
-{
-    const QString g = QStringLiteral("GPU%1").arg(gpu);
-    return {g + "PSTATE " + QString::number(pstate),  g + "LOAD " + QString::number(load),
-            g + "CORECLOCK " + QString::number(core), g + "MEMCLOCK " + QString::number(memory),
-            g + "LOAD " + QString::number(load),      g + "TEMP " + QString::number(celsius)};
-}
-
 const QStringList kZeros = {QStringLiteral("GPU1TEMP 0"), QStringLiteral("GPU1LOAD 0")};
+constexpr auto pass = &GpuSignalLog::pass;
 
-const std::pair<const char *, void (nvidia_api::*)(int)> kSignals[] = {
-    {"GPU1TEMP", &nvidia_api::GPU1TEMP},           {"GPU1LOAD", &nvidia_api::GPU1LOAD},
-    {"GPU1CORECLOCK", &nvidia_api::GPU1CORECLOCK}, {"GPU1MEMCLOCK", &nvidia_api::GPU1MEMCLOCK},
-    {"GPU1PSTATE", &nvidia_api::GPU1PSTATE},       {"GPU2TEMP", &nvidia_api::GPU2TEMP},
-    {"GPU2LOAD", &nvidia_api::GPU2LOAD},           {"GPU2CORECLOCK", &nvidia_api::GPU2CORECLOCK},
-    {"GPU2MEMCLOCK", &nvidia_api::GPU2MEMCLOCK},   {"GPU2PSTATE", &nvidia_api::GPU2PSTATE}};
-
-// The loop over a fake GPU, with every signal it emits logged as "NAME value".
+// The loop over a fake GPU.
 struct Loop {
     explicit Loop(QVector<Card> cards = {})
     {
         gpu->initResult = 0;
         gpu->cards = std::move(cards);
-        for (const auto &signal : kSignals) {
-            QObject::connect(&loop, signal.second, [this, name = signal.first](int value) {
-                log << QStringLiteral("%1 %2").arg(QLatin1String(name)).arg(value);
-            });
-        }
     }
-    QStringList poll()
-    {
-        log.clear();
-        loop.pollOnce();
-        return log;
-    }
+    QStringList poll() { return signalLog.poll(); }
     std::shared_ptr<FakeGpu> gpu = std::make_shared<FakeGpu>();
     nvidia_api loop{gpu};
-    QStringList log;
+    GpuSignalLog signalLog{loop};
 };
 
 } // namespace

@@ -47,8 +47,7 @@ signals:
     void PrepareForSleep(bool start);
 };
 
-// The caller's session, which sets a device's brightness for a user without root; a device
-// named "refused" is refused.
+// The caller's session; a device named "refused" is refused.
 class StandInSession : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Session")
@@ -125,16 +124,20 @@ private slots:
         QVERIFY(!released(logind.readEnds.last()));
     }
 
-    void lidLockIsHeldWhileTheLidIsToDoNothing()
+    // The lid switch and the brightness writers wait for the answer, so logind answers from a
+    // thread of its own.
+    void lidLockAndSessionBrightnessGoThroughLogind()
     {
-        // The switch waits for logind's answer, so logind answers from a thread of its own.
         QThread thread;
         StandInLogind logind;
+        StandInSession session;
         logind.moveToThread(&thread);
+        session.moveToThread(&thread);
         thread.start();
         QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
-                                       QDBusConnection::ExportAllSlots));
+        const QString manager = "/org/freedesktop/login1", path = manager + "/session/auto";
+        QVERIFY(service.registerObject(manager, &logind, QDBusConnection::ExportAllSlots));
+        QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
         QVERIFY(service.registerService("org.freedesktop.login1"));
         {
             LogindLidSwitch lid;
@@ -147,21 +150,7 @@ private slots:
             lid.setIgnored(false);
             QTRY_VERIFY(released(logind.readEnds.first()));
         }
-        service.unregisterObject("/org/freedesktop/login1");
-        thread.quit();
-        QVERIFY(thread.wait(5000));
-    }
-
-    void panelAndKeyboardLightGoThroughTheCallersSession()
-    {
-        QThread thread; // the writers wait for the answer
-        StandInSession session;
-        session.moveToThread(&thread);
-        thread.start();
-        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        const QString path = QStringLiteral("/org/freedesktop/login1/session/auto");
-        QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
-        QVERIFY(service.registerService("org.freedesktop.login1"));
+        // Panel and keyboard light are set through the caller's session, without root.
         QVERIFY(SysfsBacklight::logindSetBrightness(QStringLiteral("intel_backlight"), 1234));
         QVERIFY(LedKeyboardLight::logindSetLed(QStringLiteral("tpacpi::kbd_backlight"), 2));
         QVERIFY(!SysfsBacklight::logindSetBrightness(QStringLiteral("refused"), 1));
@@ -169,6 +158,7 @@ private slots:
                  (QStringList{"backlight intel_backlight 1234", "leds tpacpi::kbd_backlight 2",
                               "backlight refused 1"}));
         service.unregisterObject(path);
+        service.unregisterObject(manager);
         thread.quit();
         QVERIFY(thread.wait(5000));
     }

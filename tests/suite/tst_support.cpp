@@ -1,5 +1,4 @@
-// The support tab and the update check: what the branding file and the update server make of
-// them.
+// The support tab and the update check: what the branding file and the update server make of them.
 #include "supportpage.h"
 #include "testwindow.h"
 #include "updatechecker.h"
@@ -10,9 +9,9 @@
 
 namespace {
 
-// A one-file HTTP server on 127.0.0.1 that answers every request with the same status and body,
-// and remembers the request lines it saw.
-class VersionServer : public QObject {
+// An HTTP server on 127.0.0.1 that answers every request with the same status and body, and
+// remembers the request lines it saw.
+class VersionServer : public QTcpServer {
 public:
     int status = 200;
     QByteArray body;
@@ -21,21 +20,16 @@ public:
 
     VersionServer()
     {
-        connect(&m_server, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket *socket = m_server.nextPendingConnection())
+        connect(this, &QTcpServer::newConnection, [this] {
+            while (QTcpSocket *socket = nextPendingConnection())
                 serve(socket);
         });
     }
-    bool listen() { return m_server.listen(QHostAddress::LocalHost, 0); }
-    void close() { m_server.close(); } // the address stays, refusing
-    QString address() const
-    {
-        return QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort());
-    }
+    QString address() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
     // Closes every connection still held open.
     void dropAll()
     {
-        for (QTcpSocket *socket : m_server.findChildren<QTcpSocket *>())
+        for (QTcpSocket *socket : findChildren<QTcpSocket *>())
             socket->abort();
     }
 
@@ -57,7 +51,6 @@ private:
         });
     }
 
-    QTcpServer m_server;
     QHash<QTcpSocket *, QByteArray> m_pending;
 };
 
@@ -114,21 +107,9 @@ private slots:
                  QStringList({"open url: https://help.example.org/ticket?x=1",
                               "open url: https://support.talveron-pc.example/chat",
                               "shown 1: Remote.exe"}));
-    }
-
-    void withoutBrandingFileTheTabIsEmpty()
-    {
-        TestWindow p;
-        p.start();
-        const Ui::MainWindow &ui = p.ui();
-        for (QLabel *label :
-             {ui.Label_Support, ui.Label_Support2, ui.Label_Support3, ui.Label_Support4})
-            QCOMPARE(label->text(), QString());
-        QVERIFY(ui.Button_OnlineChat->isHidden());
-        // The built-in addresses are replaced by the file's, empty ones included.
-        QVERIFY(p.window->findChild<SupportPage *>()->supportPageUrl().isEmpty());
-        ui.Button_SupportPage->click();
-        QCOMPARE(p.fake.log->entries, QStringList());
+        // The shipped update server is a placeholder: never asked.
+        QVERIFY(p.window->findChild<UpdateChecker *>()->versionUrl().isEmpty());
+        QCOMPARE(ui.Label_AboutVersion->text(), kNoAnswerText);
     }
 
     // The chat button's switch, and the one brand whose updater button opens its website instead
@@ -173,7 +154,8 @@ private slots:
         QTEST(p.fake.log->entries.join('\n'), "started");
     }
 
-    // Every link of the branding file: the support page, the chat and the brand's website.
+    // Every link of the branding file: the support page, the chat and the brand's website. The
+    // built-in addresses are replaced by the file's, missing ones included.
     void onlyWebAddressesAreOpened_data()
     {
         QTest::addColumn<QString>("link");
@@ -190,6 +172,7 @@ private slots:
         row("script", "javascript:alert(1)", "");
         row("other scheme", "ms-settings:display", "");
         row("no host", "https:///path", "");
+        row("missing", nullptr, "");
     }
 
     void onlyWebAddressesAreOpened()
@@ -200,11 +183,17 @@ private slots:
         p.folder.setIni(kBranding, "appname", "QIRA Control");
         p.folder.setIni(kBranding, "showonlinechatbutton", true);
         for (const char *key : {"supportpageURL", "onlinechatURL", "websiteURL"})
-            p.folder.setIni(kBranding, key, link);
+            if (!link.isNull())
+                p.folder.setIni(kBranding, key, link);
         p.start();
-        p.ui().Button_SupportPage->click();
-        p.ui().Button_OnlineChat->click();
-        p.ui().Button_Updater->click();
+        const Ui::MainWindow &ui = p.ui();
+        for (QLabel *label :
+             {ui.Label_Support, ui.Label_Support2, ui.Label_Support3, ui.Label_Support4})
+            QCOMPARE(label->text(), QString());
+        QCOMPARE(p.window->findChild<SupportPage *>()->supportPageUrl().isEmpty(), link.isNull());
+        ui.Button_SupportPage->click();
+        ui.Button_OnlineChat->click();
+        ui.Button_Updater->click();
         const QString entry = QStringLiteral("open url: ") + opened;
         const QStringList expected =
             opened.isEmpty() ? QStringList() : QStringList{entry, entry, entry};
@@ -248,7 +237,7 @@ private slots:
 
         TestWindow p;
         VersionServer server;
-        QVERIFY(server.listen());
+        QVERIFY(server.listen(QHostAddress::LocalHost));
         server.status = status;
         server.body = body;
         p.folder.setIni(kBranding, "updateserver", server.address());
@@ -311,28 +300,16 @@ private slots:
         QCOMPARE(p.fake.dialogs->shown.size(), 1);
     }
 
-    void theShippedPlaceholderIsNeverAsked()
-    {
-        TestWindow p;
-        p.folder.copyShipped(kBranding);
-        p.start(/*keepRecords=*/true);
-        auto *updates = p.window->findChild<UpdateChecker *>();
-
-        QVERIFY(updates->versionUrl().isEmpty());
-        QCOMPARE(p.ui().Label_AboutVersion->text(), kNoAnswerText);
-    }
-
     void aSilentServerNeverDelaysTheWindow()
     {
         TestWindow p;
         VersionServer server;
-        QVERIFY(server.listen());
+        QVERIFY(server.listen(QHostAddress::LocalHost));
         server.silent = true;
         p.folder.setIni(kBranding, "updateserver", server.address());
 
         // Should the window wait for the answer, this ends the wait from inside its constructor.
-        bool constructing = true;
-        bool waitedInside = false;
+        bool constructing = true, waitedInside = false;
         QTimer release;
         release.setSingleShot(true);
         connect(&release, &QTimer::timeout, [&] {
