@@ -19,7 +19,6 @@ struct GpuSignalLog {
             });
         }
     }
-    // What one pass of the loop emits.
     QStringList poll()
     {
         entries.clear();

@@ -18,7 +18,6 @@ Card runningCard(int celsius, unsigned load, unsigned coreMHz, unsigned memoryMH
 const QStringList kZeros = {QStringLiteral("GPU1TEMP 0"), QStringLiteral("GPU1LOAD 0")};
 constexpr auto pass = &GpuSignalLog::pass;
 
-// The loop over a fake GPU.
 struct Loop {
     explicit Loop(QVector<Card> cards = {})
     {

@@ -10,7 +10,6 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
-// The Linux monitoring backends: NVML for the GPU, /proc and /sys for the usage figures.
 class LinuxSensorsTest : public QObject {
     Q_OBJECT
 

@@ -1,4 +1,3 @@
-// The support tab and the update check: what the branding file and the update server make of them.
 #include "supportpage.h"
 #include "testwindow.h"
 #include "updatechecker.h"
@@ -26,7 +25,6 @@ public:
         });
     }
     QString address() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
-    // Closes every connection still held open.
     void dropAll()
     {
         for (QTcpSocket *socket : findChildren<QTcpSocket *>())
@@ -62,7 +60,6 @@ const QString kNoAnswerText =
     QStringLiteral("The update server did not answer with a version. Please try again later.");
 const QString kUpdateText = QStringLiteral("There is an update! Click the update button.");
 
-// Runs what starts a check and waits for its result.
 template <typename Start> bool checkAndWait(UpdateChecker *updates, Start start)
 {
     QSignalSpy checked(updates, &UpdateChecker::checked);
@@ -209,7 +206,8 @@ private slots:
         QTest::addColumn<QString>("boxText"); // shown only after the button; empty: an update
         auto row = [](const char *name, int status, const QByteArray &body, const char *latest,
                       const QString &about, const QString &box) {
-            QTest::newRow(name) << status << body << QString(latest) << about << box;
+            QTest::newRow(name) << status << body << "Latest Version: " + QString(latest) << about
+                                << box;
         };
         const QString same = kLatestText + '\n', none = kNoAnswerText + '\n';
         const QString beta =
@@ -231,8 +229,6 @@ private slots:
     {
         QFETCH(int, status);
         QFETCH(QByteArray, body);
-        QFETCH(QString, latest);
-        QFETCH(QString, aboutLabel);
         QFETCH(QString, boxText);
 
         TestWindow p;
@@ -253,8 +249,8 @@ private slots:
         QCOMPARE(server.requests,
                  status ? QStringList({"GET /varnel/version HTTP/1.1"}) : QStringList());
         QCOMPARE(ui.Label_CurrentVersion->text(), QStringLiteral("Installed Version: 2.3.1"));
-        QCOMPARE(ui.Label_LatestVersion->text(), "Latest Version: " + latest);
-        QCOMPARE(ui.Label_AboutVersion->text(), aboutLabel);
+        QTEST(ui.Label_LatestVersion->text(), "latest");
+        QTEST(ui.Label_AboutVersion->text(), "aboutLabel");
         const bool update = boxText.isEmpty();
         QCOMPARE(ui.Button_Update->isEnabled(), update);
         QCOMPARE(pendingUpdate(p.folder), QString(update ? "true" : "false"));
