@@ -90,43 +90,9 @@ private slots:
         QDBusConnection::disconnectFromBus("varnel");
     }
 
-    void holdsADelayLockWhileAwakeAndReportsResume()
-    {
-        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        StandInLogind logind;
-        QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
-                                       QDBusConnection::ExportAllSlots |
-                                           QDBusConnection::ExportAllSignals));
-        QVERIFY(service.registerService("org.freedesktop.login1"));
-
-        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_bus.address(), "varnel"));
-        QStringList messages; // "id code"
-        connect(&notifier, &SleepNotifier::powerMessage, this,
-                [&messages](quint32 id, quintptr code) {
-                    messages << QStringLiteral("%1 %2").arg(id).arg(code);
-                });
-        const QString lock = "sleep|Varnel|Re-applies the laptop's fixes after a resume|delay";
-        QTRY_VERIFY(notifier.holdsInhibitor());
-        QCOMPARE(logind.inhibitCalls, QStringList{lock});
-        QVERIFY(!released(logind.readEnds.first()));
-
-        // Before sleeping: told, and the lock goes so the machine can sleep.
-        emit logind.PrepareForSleep(true);
-        QTRY_COMPARE(messages, QStringList{"536 4"});
-        QTRY_VERIFY(released(logind.readEnds.first()));
-        QVERIFY(!notifier.holdsInhibitor());
-
-        // After waking up: a resume message, and a new lock for the next sleep.
-        emit logind.PrepareForSleep(false);
-        QTRY_COMPARE(messages, (QStringList{"536 4", "536 7"}));
-        QTRY_VERIFY(notifier.holdsInhibitor());
-        QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
-        QVERIFY(!released(logind.readEnds.last()));
-    }
-
     // The lid switch and the brightness writers wait for the answer, so logind answers from a
     // thread of its own.
-    void lidLockAndSessionBrightnessGoThroughLogind()
+    void locksAndBrightnessGoThroughLogind()
     {
         QThread thread;
         StandInLogind logind;
@@ -136,7 +102,8 @@ private slots:
         thread.start();
         QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
         const QString manager = "/org/freedesktop/login1", path = manager + "/session/auto";
-        QVERIFY(service.registerObject(manager, &logind, QDBusConnection::ExportAllSlots));
+        QVERIFY(service.registerObject(
+            manager, &logind, QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
         QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
         QVERIFY(service.registerService("org.freedesktop.login1"));
         {
@@ -157,6 +124,32 @@ private slots:
         QCOMPARE(session.calls,
                  (QStringList{"backlight intel_backlight 1234", "leds tpacpi::kbd_backlight 2",
                               "backlight refused 1"}));
+
+        // A delay lock while awake; sleep and resume are reported.
+        logind.inhibitCalls.clear();
+        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_bus.address(), "varnel"));
+        QStringList messages; // "id code"
+        connect(&notifier, &SleepNotifier::powerMessage, this,
+                [&messages](quint32 id, quintptr code) {
+                    messages << QStringLiteral("%1 %2").arg(id).arg(code);
+                });
+        const QString lock = "sleep|Varnel|Re-applies the laptop's fixes after a resume|delay";
+        QTRY_VERIFY(notifier.holdsInhibitor());
+        QCOMPARE(logind.inhibitCalls, QStringList{lock});
+        QVERIFY(!released(logind.readEnds.last()));
+
+        // Before sleeping: told, and the lock goes so the machine can sleep.
+        emit logind.PrepareForSleep(true);
+        QTRY_COMPARE(messages, QStringList{"536 4"});
+        QTRY_VERIFY(released(logind.readEnds.last()));
+        QVERIFY(!notifier.holdsInhibitor());
+
+        // After waking up: a resume message, and a new lock for the next sleep.
+        emit logind.PrepareForSleep(false);
+        QTRY_COMPARE(messages, (QStringList{"536 4", "536 7"}));
+        QTRY_VERIFY(notifier.holdsInhibitor());
+        QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
+        QVERIFY(!released(logind.readEnds.last()));
         service.unregisterObject(path);
         service.unregisterObject(manager);
         thread.quit();
