@@ -224,9 +224,8 @@ private slots:
         for (const auto &row : rows) {
             quint64 idle = 0, kernel = 0, user = 0;
             QCOMPARE(parseProcStat(row.stat, 100, &idle, &kernel, &user), row.idle > 0);
-            QCOMPARE(idle, row.idle * 100000);
-            QCOMPARE(kernel, row.kernel * 100000);
-            QCOMPARE(user, row.user * 100000);
+            QCOMPARE(QList<quint64>({idle, kernel, user}),
+                     QList<quint64>({row.idle * 100000, row.kernel * 100000, row.user * 100000}));
         }
     }
 };
