@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QThread>
 #include <QtTest>
@@ -97,11 +98,18 @@ private slots:
         QThread thread;
         StandInLogind logind;
         StandInSession session;
+        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
+        const QString manager = "/org/freedesktop/login1", path = manager + "/session/auto";
         logind.moveToThread(&thread);
         session.moveToThread(&thread);
         thread.start();
-        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        const QString manager = "/org/freedesktop/login1", path = manager + "/session/auto";
+        // Stopped on every way out: a thread object destroyed while running aborts the program.
+        const auto stop = qScopeGuard([&] {
+            service.unregisterObject(path);
+            service.unregisterObject(manager);
+            thread.quit();
+            thread.wait(5000);
+        });
         QVERIFY(service.registerObject(
             manager, &logind, QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
         QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
@@ -150,10 +158,6 @@ private slots:
         QTRY_VERIFY(notifier.holdsInhibitor());
         QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
         QVERIFY(!released(logind.readEnds.last()));
-        service.unregisterObject(path);
-        service.unregisterObject(manager);
-        thread.quit();
-        QVERIFY(thread.wait(5000));
     }
 
     void withoutABusNothingIsReported()
