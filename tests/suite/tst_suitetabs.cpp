@@ -315,14 +315,11 @@ private slots:
 
         // Should the window wait for the answer, this ends the wait from inside its constructor.
         bool constructing = true, waitedInside = false;
-        QTimer release;
-        release.setSingleShot(true);
-        connect(&release, &QTimer::timeout, [&] {
+        QTimer::singleShot(3000, &server, [&] {
             waitedInside = constructing;
             server.silent = false; // the dropped request is sent again
             server.dropAll();
         });
-        release.start(3000);
 
         p.start(/*keepRecords=*/true);
         constructing = false;
@@ -344,7 +341,6 @@ private slots:
         qInstallMessageHandler(previous);
         QVERIFY(checked);
         QCOMPARE(warnings, QStringList());
-        release.stop();
         QCOMPARE(p.ui().Label_LatestVersion->text(), QStringLiteral("Latest Version: "));
         QCOMPARE(p.ui().Label_AboutVersion->text(), kNoAnswerText);
         QVERIFY(p.fake.dialogs->shown.isEmpty());
