@@ -1,5 +1,3 @@
-// A stand-in for libnvidia-ml with the entry points the GPU backend resolves. The test reaches
-// the script through the exported fakeNvml object, after opening this library itself.
 #include "fakenvml.h"
 
 #define EXPORT __attribute__((visibility("default")))
@@ -19,9 +17,6 @@ bool query(void *handle)
     ++fakeNvml.queries;
     return handle && indexOf(handle) < fakeNvml.count && indexOf(handle) < 2;
 }
-struct Utilization {
-    unsigned gpu, memory;
-};
 struct TemperatureV1 {
     unsigned version, sensorType;
     int temperature;
@@ -57,12 +52,12 @@ EXPORT int nvmlDeviceGetClockInfo(void *device, unsigned type, unsigned *mhz)
     *mhz = (type == 2 ? fakeNvml.memoryMHz : fakeNvml.graphicsMHz)[indexOf(device)];
     return 0;
 }
-EXPORT int nvmlDeviceGetUtilizationRates(void *device, Utilization *rates)
+EXPORT int nvmlDeviceGetUtilizationRates(void *device, unsigned rates[2]) // GPU, memory
 {
     if (!query(device))
         return 2;
     if (fakeNvml.utilizationResult == 0)
-        *rates = {fakeNvml.utilization[indexOf(device)], 0};
+        rates[0] = fakeNvml.utilization[indexOf(device)], rates[1] = 0;
     return fakeNvml.utilizationResult;
 }
 EXPORT int nvmlDeviceGetPerformanceState(void *device, int *state)

@@ -4,7 +4,6 @@
 
 #include <QtTest>
 
-// The battery widget's parsing, and the Linux rows that answer its two queries.
 class BatteryReadingsTest : public QObject {
     Q_OBJECT
 private slots:

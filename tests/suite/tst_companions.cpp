@@ -118,25 +118,15 @@ private slots:
         for (const QString &name : registered)
             p.fake.registry->values.insert(kRunKey + "|" + name, "x");
         p.fake.commands->outputs.insert("tasklist", tasks);
-        p.start();
-        QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
-        QTEST(companionEntries(*p.fake.log), "expected");
-    }
-
-    void startupCheckRunsAfterTenSecondsAndFollowsTheBox()
-    {
-        TestWindow p;
-        p.setGeneral("checkstart", true);
-        p.fake.registry->values.insert(kRunKey + "|Updater", R"("C:\Helmsuite\Updater.exe")");
         p.start(/*keepRecords=*/true);
+        // Ten seconds after the start the box shows the setting and the check runs.
         QVERIFY(!p.ui().checkstart->isChecked());
         p.fake.log->clear();
         p.fake.scheduler->advance(9999);
         QCOMPARE(companionEntries(*p.fake.log), QStringList());
         p.fake.scheduler->advance(1);
         QVERIFY(p.ui().checkstart->isChecked());
-        QCOMPARE(companionEntries(*p.fake.log),
-                 QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+        QTEST(companionEntries(*p.fake.log), "expected");
 
         // Off until the box is checked again; the box is remembered.
         p.ui().checkstart->click();
@@ -147,8 +137,7 @@ private slots:
         p.ui().checkstart->click();
         QCOMPARE(p.generalValue("checkstart").toString(), QStringLiteral("true"));
         QVERIFY(QMetaObject::invokeMethod(p.window.get(), "StartApps"));
-        QCOMPARE(companionEntries(*p.fake.log),
-                 QStringList({"run: tasklist", "shown 0: Updater.exe"}));
+        QTEST(companionEntries(*p.fake.log), "expected");
     }
 
     // The Run key of a Linux registry, as the desktop's autostart entries.

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QThread>
 #include <QtTest>
@@ -47,8 +48,7 @@ signals:
     void PrepareForSleep(bool start);
 };
 
-// The caller's session, which sets a device's brightness for a user without root; a device
-// named "refused" is refused.
+// The caller's session; a device named "refused" is refused.
 class StandInSession : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Session")
@@ -91,50 +91,28 @@ private slots:
         QDBusConnection::disconnectFromBus("varnel");
     }
 
-    void holdsADelayLockWhileAwakeAndReportsResume()
+    // The lid switch and the brightness writers wait for the answer, so logind answers from a
+    // thread of its own.
+    void locksAndBrightnessGoThroughLogind()
     {
-        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        StandInLogind logind;
-        QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
-                                       QDBusConnection::ExportAllSlots |
-                                           QDBusConnection::ExportAllSignals));
-        QVERIFY(service.registerService("org.freedesktop.login1"));
-
-        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_bus.address(), "varnel"));
-        QStringList messages; // "id code"
-        connect(&notifier, &SleepNotifier::powerMessage, this,
-                [&messages](quint32 id, quintptr code) {
-                    messages << QStringLiteral("%1 %2").arg(id).arg(code);
-                });
-        const QString lock = "sleep|Varnel|Re-applies the laptop's fixes after a resume|delay";
-        QTRY_VERIFY(notifier.holdsInhibitor());
-        QCOMPARE(logind.inhibitCalls, QStringList{lock});
-        QVERIFY(!released(logind.readEnds.first()));
-
-        // Before sleeping: told, and the lock goes so the machine can sleep.
-        emit logind.PrepareForSleep(true);
-        QTRY_COMPARE(messages, QStringList{"536 4"});
-        QTRY_VERIFY(released(logind.readEnds.first()));
-        QVERIFY(!notifier.holdsInhibitor());
-
-        // After waking up: a resume message, and a new lock for the next sleep.
-        emit logind.PrepareForSleep(false);
-        QTRY_COMPARE(messages, (QStringList{"536 4", "536 7"}));
-        QTRY_VERIFY(notifier.holdsInhibitor());
-        QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
-        QVERIFY(!released(logind.readEnds.last()));
-    }
-
-    void lidLockIsHeldWhileTheLidIsToDoNothing()
-    {
-        // The switch waits for logind's answer, so logind answers from a thread of its own.
         QThread thread;
         StandInLogind logind;
-        logind.moveToThread(&thread);
-        thread.start();
+        StandInSession session;
         QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        QVERIFY(service.registerObject("/org/freedesktop/login1", &logind,
-                                       QDBusConnection::ExportAllSlots));
+        const QString manager = "/org/freedesktop/login1", path = manager + "/session/auto";
+        logind.moveToThread(&thread);
+        session.moveToThread(&thread);
+        thread.start();
+        // Stopped on every way out: a thread object destroyed while running aborts the program.
+        const auto stop = qScopeGuard([&] {
+            service.unregisterObject(path);
+            service.unregisterObject(manager);
+            thread.quit();
+            thread.wait(5000);
+        });
+        QVERIFY(service.registerObject(
+            manager, &logind, QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+        QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
         QVERIFY(service.registerService("org.freedesktop.login1"));
         {
             LogindLidSwitch lid;
@@ -147,30 +125,39 @@ private slots:
             lid.setIgnored(false);
             QTRY_VERIFY(released(logind.readEnds.first()));
         }
-        service.unregisterObject("/org/freedesktop/login1");
-        thread.quit();
-        QVERIFY(thread.wait(5000));
-    }
-
-    void panelAndKeyboardLightGoThroughTheCallersSession()
-    {
-        QThread thread; // the writers wait for the answer
-        StandInSession session;
-        session.moveToThread(&thread);
-        thread.start();
-        QDBusConnection service = QDBusConnection::connectToBus(m_bus.address(), "logind");
-        const QString path = QStringLiteral("/org/freedesktop/login1/session/auto");
-        QVERIFY(service.registerObject(path, &session, QDBusConnection::ExportAllSlots));
-        QVERIFY(service.registerService("org.freedesktop.login1"));
+        // Panel and keyboard light are set through the caller's session, without root.
         QVERIFY(SysfsBacklight::logindSetBrightness(QStringLiteral("intel_backlight"), 1234));
         QVERIFY(LedKeyboardLight::logindSetLed(QStringLiteral("tpacpi::kbd_backlight"), 2));
         QVERIFY(!SysfsBacklight::logindSetBrightness(QStringLiteral("refused"), 1));
         QCOMPARE(session.calls,
                  (QStringList{"backlight intel_backlight 1234", "leds tpacpi::kbd_backlight 2",
                               "backlight refused 1"}));
-        service.unregisterObject(path);
-        thread.quit();
-        QVERIFY(thread.wait(5000));
+
+        // A delay lock while awake; sleep and resume are reported.
+        logind.inhibitCalls.clear();
+        LogindSleepNotifier notifier(QDBusConnection::connectToBus(m_bus.address(), "varnel"));
+        QStringList messages; // "id code"
+        connect(&notifier, &SleepNotifier::powerMessage, this,
+                [&messages](quint32 id, quintptr code) {
+                    messages << QStringLiteral("%1 %2").arg(id).arg(code);
+                });
+        const QString lock = "sleep|Varnel|Re-applies the laptop's fixes after a resume|delay";
+        QTRY_VERIFY(notifier.holdsInhibitor());
+        QCOMPARE(logind.inhibitCalls, QStringList{lock});
+        QVERIFY(!released(logind.readEnds.last()));
+
+        // Before sleeping: told, and the lock goes so the machine can sleep.
+        emit logind.PrepareForSleep(true);
+        QTRY_COMPARE(messages, QStringList{"536 4"});
+        QTRY_VERIFY(released(logind.readEnds.last()));
+        QVERIFY(!notifier.holdsInhibitor());
+
+        // After waking up: a resume message, and a new lock for the next sleep.
+        emit logind.PrepareForSleep(false);
+        QTRY_COMPARE(messages, (QStringList{"536 4", "536 7"}));
+        QTRY_VERIFY(notifier.holdsInhibitor());
+        QCOMPARE(logind.inhibitCalls, (QStringList{lock, lock}));
+        QVERIFY(!released(logind.readEnds.last()));
     }
 
     void withoutABusNothingIsReported()
