@@ -49,15 +49,11 @@ private slots:
         m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_server.setStandardOutputFile(QProcess::nullDevice());
         // Bounded, so a crashed test leaves no server behind for long.
-        m_server.start(QStringLiteral("timeout"),
-                       {QStringLiteral("-k"), QStringLiteral("5"), QStringLiteral("300"), server,
-                        QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-                        QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--log-level=0"),
-                        QStringLiteral("-L"),
-                        QStringLiteral("module-native-protocol-unix auth-anonymous=1"),
-                        QStringLiteral("-L"),
-                        QStringLiteral("module-null-sink sink_name=%1 "
-                                       "sink_properties=\"device.description='%2'\"")
+        m_server.start("timeout",
+                       {"-k", "5", "300", server, "-n", "--daemonize=no", "--exit-idle-time=-1",
+                        "--log-level=0", "-L", "module-native-protocol-unix auth-anonymous=1", "-L",
+                        QStringLiteral("module-null-sink sink_name=%1 sink_properties="
+                                       "\"device.description='%2'\"")
                             .arg(QLatin1String(kSink), QLatin1String(kDescription))});
         QVERIFY(m_server.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(socketDir() + QStringLiteral("/native")), 15000);
@@ -75,8 +71,8 @@ private slots:
         }
     }
 
-    // The slider is the loudest channel; moving it keeps the balance and never takes a channel
-    // above 100 %, even when another program had set one there. Another client sees the same.
+    // The slider is the loudest channel, as another client sees it; the arithmetic has its own
+    // table below.
     void settingKeepsTheBalance_data()
     {
         QTest::addColumn<QString>("left");
@@ -88,10 +84,6 @@ private slots:
                       float level, QList<int> after) {
             QTest::newRow(name) << QString(left) << QString(right) << shown << level << after;
         };
-        row("to silence", "40%", "40%", 40, 0.0f, {0, 0});
-        row("37", "0%", "0%", 0, 0.37f, {37, 37});
-        row("balanced to full", "40%", "40%", 40, 1.0f, {100, 100});
-        row("left full, right half", "100%", "50%", 100, 1.0f, {100, 50});
         row("one to two", "30%", "60%", 60, 0.9f, {45, 90});
         row("above nominal", "150%", "75%", 150, 1.0f, {100, 50});
     }
@@ -286,10 +278,9 @@ private slots:
                          r.headphones,
                      r.tag);
         }
-        QCOMPARE(pulsevolume::deviceName(QStringLiteral("Built-in Audio"), true),
-                 QStringLiteral("Built-in Audio (Headphones)"));
-        QCOMPARE(pulsevolume::deviceName(QStringLiteral("Built-in Audio"), false),
-                 QStringLiteral("Built-in Audio"));
+        QCOMPARE((QStringList{pulsevolume::deviceName("Built-in Audio", true),
+                              pulsevolume::deviceName("Built-in Audio", false)}),
+                 (QStringList{"Built-in Audio (Headphones)", "Built-in Audio"}));
     }
 
 private:

@@ -6,6 +6,7 @@
 #include "linuxregistry.h"
 #include "privatesystembus.h"
 #include "rfkillswitch.h"
+#include "soundschemestore.h"
 #include "textfile.h"
 #include "touchpadpreference.h"
 
@@ -22,6 +23,7 @@ namespace {
 // The window's touchpad key, which the native registry hands to the touchpad preference.
 const QString kKey = QStringLiteral(
     "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\PrecisionTouchPad\\Status");
+const QString kSchemes = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
 
 // A key as the desktop's own command-line tool reads it from the settings store.
 QString stored(const char *schema, const char *key)
@@ -62,8 +64,8 @@ public slots:
 
 } // namespace
 
-// The Linux device backends: the wireless switch, the touchpad preference and the desktop's
-// settings programs.
+// The Linux device backends: the wireless switch, the touchpad preference, the sound-scheme
+// store and the desktop's settings programs.
 class TestLinuxDevices : public QObject {
     Q_OBJECT
 
@@ -76,6 +78,7 @@ private slots:
         qputenv("GSETTINGS_BACKEND", "keyfile");
         QVERIFY(m_bus.start());
     }
+    void init() { QFile::remove(UserStoreRegistry::storePath()); }
 
     // index (4 bytes, host order), type, operation, soft block, hard block
     void switchWritesOneChangeAllEvent_data()
@@ -123,7 +126,6 @@ private slots:
             preference->accepts = accepts;
         QCOMPARE(QLatin1String(TouchpadRegistry::key), kKey);
         auto store = std::make_shared<UserStoreRegistry>();
-        store->remove(kKey, QStringLiteral("Enabled"));
         TouchpadRegistry registry(preference, store);
         QVERIFY(!registry.value(kKey, QStringLiteral("Enabled"), QVariant()).isValid());
         for (const int value : {0, 1}) {
@@ -184,7 +186,7 @@ private slots:
         QVERIFY(thread.wait(5000));
     }
 
-    void gnomeTimeoutsAndSuperKey()
+    void gnomeTimeoutsSuperKeyAndAmbientLight()
     {
         const char *power = "org.gnome.settings-daemon.plugins.power", *mutter = "org.gnome.mutter";
         GnomeTimeouts timeouts;
@@ -219,6 +221,13 @@ private slots:
             QVERIFY(blocker.install());
         }
         QCOMPARE(stored(mutter, "overlay-key"), QStringLiteral("'Super_L'"));
+
+        QVERIFY(SessionDesktopSettings::hasAmbientBrightness());
+        SessionDesktopSettings desktop;
+        for (const bool on : {false, true}) {
+            QVERIFY(desktop.setAmbientBrightness(on));
+            QCOMPARE(stored(power, "ambient-enabled"), QLatin1String(on ? "true" : "false"));
+        }
     }
 
     // Stand-ins on a PATH of their own record how they were started; the first one installed wins.
@@ -291,16 +300,54 @@ private slots:
         }
     }
 
-    void ambientBrightnessIsTheSettingsDaemons()
+    // The marker switches the desktop's event sounds; without one, the switch is read back.
+    void markerDrivesEventSounds_data()
     {
-        QVERIFY2(SessionDesktopSettings::hasAmbientBrightness(),
-                 "GNOME's power schema is not installed");
-        SessionDesktopSettings desktop;
-        for (const bool on : {false, true}) {
-            QVERIFY(desktop.setAmbientBrightness(on));
-            QCOMPARE(stored("org.gnome.settings-daemon.plugins.power", "ambient-enabled"),
-                     QLatin1String(on ? "true" : "false"));
-        }
+        QTest::addColumn<QString>("marker"); // empty: none written
+        QTest::addColumn<bool>("before");
+        QTest::addColumn<bool>("after");
+        QTest::addColumn<QString>("read");
+        QTest::newRow("no sounds") << ".None" << true << false << ".None";
+        QTest::newRow("stock") << ".Default" << false << true << ".Default";
+        QTest::newRow("custom name leaves it") << "Jungle" << false << false << "Jungle";
+        QTest::newRow("custom name leaves it on") << "Jungle" << true << true << "Jungle";
+        QTest::newRow("none, sounds on") << QString() << true << true << ".Default";
+        QTest::newRow("none, sounds off") << QString() << false << false << ".None";
+    }
+
+    void markerDrivesEventSounds()
+    {
+        QFETCH(QString, marker);
+        QFETCH(bool, before);
+        QFETCH(bool, after);
+        auto eventSounds = SoundSchemeStore::sessionEventSounds();
+        QVERIFY2(eventSounds->available(), "GNOME's sound schema is not installed");
+        QVERIFY(eventSounds->setBoolean(before));
+        SoundSchemeStore store(std::make_shared<UserStoreRegistry>(), eventSounds);
+        if (!marker.isEmpty())
+            store.setValue(kSchemes, QStringLiteral("Default"), marker);
+        QCOMPARE(eventSounds->boolean(), std::optional<bool>(after));
+        QTEST(store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None")).toString(),
+              "read");
+    }
+
+    // Of the sound events only the marker is kept.
+    void onlyTheMarkerIsKept()
+    {
+        QCOMPARE(QLatin1String(SoundSchemeStore::prefix), "HKEY_CURRENT_USER\\AppEvents");
+        const QString event = kSchemes + QStringLiteral("\\Apps\\.Default\\MailBeep\\.Current");
+        auto userStore = std::make_shared<UserStoreRegistry>();
+        SoundSchemeStore store(userStore, nullptr);
+        QVERIFY(!store.contains(kSchemes, QStringLiteral("Default")));
+        QCOMPARE(
+            store.value(kSchemes, QStringLiteral("Default"), QStringLiteral(".None")).toString(),
+            QStringLiteral(".None"));
+        store.setValue(event, QStringLiteral("Default"), QString());
+        store.setValue(kSchemes, QStringLiteral("Default"), QStringLiteral(".Default"));
+        QVERIFY(!userStore->contains(event, QStringLiteral("Default")));
+        QVERIFY(!store.contains(event, QStringLiteral("Default")));
+        QCOMPARE(userStore->value(kSchemes, QStringLiteral("Default"), QVariant()).toString(),
+                 QStringLiteral(".Default"));
     }
 
 private:
