@@ -185,11 +185,10 @@ private slots:
         ui.Button_WifiSettings->click();
         ui.Button_Camera->click();
         ui.Button_TouchpadSettings->click();
+        ui.Button_SoundSettings->click();
         ui.Check_DisableWinKey->click();
-        QVERIFY(t.fake.keyBlocker->installed);
         QCOMPARE(t.generalValue(keys::disableWindowsKey).toInt(), 1);
         ui.Check_DisableWinKey->click();
-        QVERIFY(!t.fake.keyBlocker->installed);
         QCOMPARE(t.generalValue(keys::disableWindowsKey).toInt(), 0);
         QCOMPARE(ui.Slider_SecondBRight->value(), 100);
         ui.Slider_SecondBRight->setValue(55);
@@ -197,7 +196,8 @@ private slots:
         QCOMPARE(
             t.fake.log->entries,
             QStringList({"shown 1: LatencyFix.exe", "shown 1: explorer microsoft.windows.camera:",
-                         "shown 1: explorer ms-settings:devices-touchpad", "key blocker install",
+                         "shown 1: explorer ms-settings:devices-touchpad",
+                         "shown 1: explorer ms-settings:sound", "key blocker install",
                          "key blocker uninstall", "vcp 16 = 55", "vcp 16 = 1"}));
         QCOMPARE(t.fake.monitors->lastWindow, static_cast<quintptr>(t.window->winId()));
     }
@@ -251,17 +251,14 @@ private slots:
         Ui::MainWindow &ui = p.ui();
         ui.Slider_Volume->setValue(64);
         QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-        QCOMPARE(p.fake.audio->level, 0.64f);
 
         ui.CheckBox_MuteVolume->click();
         QVERIFY(!ui.Slider_Volume->isEnabled());
         QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
-        QVERIFY(p.fake.audio->muted);
         p.fake.audio->level = 0.9f; // changed elsewhere meanwhile
         ui.CheckBox_MuteVolume->click();
         QVERIFY(ui.Slider_Volume->isEnabled());
         QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-        QVERIFY(!p.fake.audio->muted);
         QCOMPARE(p.fake.log->entries,
                  QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
 
@@ -273,9 +270,6 @@ private slots:
             QCOMPARE(ui.Slider_Volume->isEnabled(), has);
             QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
         }
-        p.fake.log->clear();
-        ui.Button_SoundSettings->click();
-        QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
     }
 
     void disabledSyncLeavesEveryVolumeWidgetAlone()
