@@ -173,7 +173,7 @@ private slots:
         QTEST(t.fake.log->entries, "otherClicked");
     }
 
-    void buttonsBoxAndExternalSlider()
+    void buttonsBoxSlidersAndVolume()
     {
         TestWindow t;
         t.start();
@@ -200,6 +200,29 @@ private slots:
                          "shown 1: explorer ms-settings:sound", "key blocker install",
                          "key blocker uninstall", "vcp 16 = 55", "vcp 16 = 1"}));
         QCOMPARE(t.fake.monitors->lastWindow, static_cast<quintptr>(t.window->winId()));
+
+        // The volume slider and the mute box write to the device; without one, both are disabled.
+        t.fake.log->clear();
+        ui.Slider_Volume->setValue(64);
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(!ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
+        t.fake.audio->level = 0.9f; // changed elsewhere meanwhile
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        QCOMPARE(t.fake.log->entries,
+                 QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
+
+        for (bool has : {false, true}) {
+            t.fake.audio->hasDevice = has;
+            t.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
+            t.window->timerDone();
+            QCOMPARE(ui.Label_audio_out->text(), t.fake.audio->deviceName);
+            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
+            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
+        }
     }
 
     void refreshShowsTheDevice_data()
@@ -239,35 +262,6 @@ private slots:
         QTEST(ui.Slider_Volume->isEnabled(), "sliderEnabled");
         // Reading moves the slider without writing the level back.
         QCOMPARE(p.fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
-    }
-
-    // The slider and the mute box write to the device; without one, both are disabled.
-    void volumeControlsFollowTheDevice()
-    {
-        TestWindow p;
-        p.start();
-        Ui::MainWindow &ui = p.ui();
-        ui.Slider_Volume->setValue(64);
-        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-
-        ui.CheckBox_MuteVolume->click();
-        QVERIFY(!ui.Slider_Volume->isEnabled());
-        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
-        p.fake.audio->level = 0.9f; // changed elsewhere meanwhile
-        ui.CheckBox_MuteVolume->click();
-        QVERIFY(ui.Slider_Volume->isEnabled());
-        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-        QCOMPARE(p.fake.log->entries,
-                 QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
-
-        for (bool has : {false, true}) {
-            p.fake.audio->hasDevice = has;
-            p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
-            p.window->timerDone();
-            QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
-            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
-            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
-        }
     }
 
     void disabledSyncLeavesEveryVolumeWidgetAlone()

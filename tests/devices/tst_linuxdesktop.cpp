@@ -379,24 +379,6 @@ private slots:
         }
     }
 
-    void gsettingsKeysAndGnomeTouchpad()
-    {
-        GSettingsKey sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events");
-        GnomeTouchpad touchpad;
-        if (!sendEvents.available() || !touchpad.available())
-            QSKIP("GNOME's desktop schemas are not installed");
-        const QList<QPair<QString, bool>> modes = {
-            {"enabled", true}, {"disabled", false}, {"disabled-on-external-mouse", true}};
-        for (const auto &mode : modes) {
-            QVERIFY(sendEvents.setText(mode.first));
-            QCOMPARE(touchpad.enabled(), std::optional<bool>(mode.second));
-        }
-        QVERIFY(touchpad.setEnabled(false));
-        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("disabled")));
-        QVERIFY(touchpad.setEnabled(true));
-        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("enabled")));
-    }
-
     // Plasma's daemon wins over GNOME's settings when it runs, the newer daemon first.
     void touchpadPreferenceOfTheRunningDesktop()
     {
@@ -424,12 +406,27 @@ private slots:
         QVERIFY(thread.wait(5000));
     }
 
-    void gnomeTimeoutsSuperKeyAndAmbientLight()
+    // GNOME's touchpad switch, timeouts, Super key and ambient light.
+    void gnomeSettings()
     {
         const char *power = "org.gnome.settings-daemon.plugins.power", *mutter = "org.gnome.mutter";
+        GSettingsKey sendEvents("org.gnome.desktop.peripherals.touchpad", "send-events");
+        GnomeTouchpad touchpad;
         GnomeTimeouts timeouts;
-        QVERIFY2(timeouts.available() && OverlayKeyBlocker::available(),
-                 "GNOME's power and window-manager schemas are not installed");
+        QVERIFY2(sendEvents.available() && touchpad.available() && timeouts.available() &&
+                     OverlayKeyBlocker::available(),
+                 "GNOME's desktop, power and window-manager schemas are not installed");
+        const QList<QPair<QString, bool>> modes = {
+            {"enabled", true}, {"disabled", false}, {"disabled-on-external-mouse", true}};
+        for (const auto &mode : modes) {
+            QVERIFY(sendEvents.setText(mode.first));
+            QCOMPARE(touchpad.enabled(), std::optional<bool>(mode.second));
+        }
+        QVERIFY(touchpad.setEnabled(false));
+        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("disabled")));
+        QVERIFY(touchpad.setEnabled(true));
+        QCOMPARE(sendEvents.text(), std::optional<QString>(QStringLiteral("enabled")));
+
         QVERIFY(timeouts.setScreenOff(true, 10));
         QCOMPARE(stored("org.gnome.desktop.session", "idle-delay"), QStringLiteral("uint32 600"));
         QVERIFY(timeouts.setSleepAfter(true, 5));
