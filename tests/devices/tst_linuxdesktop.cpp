@@ -1,6 +1,5 @@
-// The Linux backends that reach the machine and the desktop, Plasma's services and GNOME's
-// settings stood in for on a session bus and in a settings store of the test's own, the sound
-// backend against a real sound server of its own.
+// The Linux backends, with a session bus for Plasma's stand-ins, a settings store for GNOME's
+// settings and a sound server, each of the test's own.
 #include "commandtable.h"
 #include "desktoppower.h"
 #include "desktopsettings.h"
@@ -638,8 +637,7 @@ private slots:
                  QStringLiteral(".Default"));
     }
 
-    // The slider is the loudest channel, as another client sees it; the arithmetic has its own
-    // table below.
+    // The slider is the loudest channel, as another client sees it.
     void settingKeepsTheBalance_data()
     {
         QTest::addColumn<QString>("left");
@@ -664,7 +662,6 @@ private slots:
         PulseAudioEndpoint endpoint;
         QTEST(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), "shown");
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::SetVolume, level, false), 0u);
-        // What another client sees, per channel in channel order.
         const QString seen = pactl({QStringLiteral("get-sink-volume"), QLatin1String(kSink)});
         QList<int> after;
         auto it = QRegularExpression(QStringLiteral("/\\s*(\\d+)%"))
@@ -758,8 +755,7 @@ private slots:
         QCOMPARE(attempts, 1); // the later calls waited for the retry
     }
 
-    // The shown percent is the loudest channel; a new level lands on it, the others keeping
-    // their share of it.
+    // The shown percent is the loudest channel; the others keep their share of a new level.
     void loudestChannelIsTheLevel_data()
     {
         QTest::addColumn<quint32>("left");
@@ -803,8 +799,7 @@ private slots:
         QTEST(out.values[1], "newRight");
     }
 
-    // Headphones by port type, or by name where the port has no type; the name the volume tab
-    // looks for follows.
+    // Headphones by port type, or by name on an untyped port; the name the volume tab looks for.
     void headphonePorts()
     {
         const int phones = PA_DEVICE_PORT_TYPE_HEADPHONES, speaker = PA_DEVICE_PORT_TYPE_SPEAKER;
