@@ -67,6 +67,7 @@ public slots:
 };
 
 const QString kOtherProfile = QStringLiteral("[LowBattery][DPMSControl]\nidleTime=60\n");
+
 // The window's touchpad key, which the native registry hands to the touchpad preference.
 const QString kKey = QStringLiteral(
     "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\PrecisionTouchPad\\Status");
