@@ -1,5 +1,4 @@
-// The audio tab on the real window: the volume, the device shown, the stored volumes, and the
-// sound scheme with its event table.
+// The devices and audio tabs on the real window.
 #include "keys.h"
 #include "testwindow.h"
 
@@ -7,14 +6,17 @@
 
 namespace {
 
+const QString kTouchpadKey = QStringLiteral(
+    "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\PrecisionTouchPad\\Status");
+const QString kInstance =
+    QStringLiteral("PCI\\VEN_8086&DEV_A368&SUBSYS_65D11558&REV_10\\3&11583659&0&A8");
+
 QStringList audioWrites(const SharedLog &log)
 {
-    return log->withPrefix(QStringLiteral("audio 2 ")) +
-           log->withPrefix(QStringLiteral("audio 3 "));
+    return log->withPrefix("audio 2 ") + log->withPrefix("audio 3 ");
 }
 
 const QString kHeadphones = QStringLiteral("Realtek HD (Headphones)");
-
 const QString kSchemes = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
 
 QString eventKey(const QString &event)
@@ -56,10 +58,169 @@ QString setEntry(const QString &key, const QString &value)
 
 } // namespace
 
-class TestVolumeControl : public QObject {
+class TestDeviceTabs : public QObject {
     Q_OBJECT
 
 private slots:
+    void cameraRadiosSwitchEveryClick_data()
+    {
+        QTest::addColumn<int>("value");
+        QTest::newRow("on") << 1;
+        QTest::newRow("off") << 0;
+    }
+
+    void cameraRadiosSwitchEveryClick()
+    {
+        QFETCH(int, value);
+        TestWindow t;
+        t.start();
+        Ui::MainWindow &ui = t.ui();
+        QRadioButton *button = value ? ui.Radio_CameraON : ui.Radio_CameraOFF;
+        button->click();
+        button->click(); // already checked: switches again
+        const QString entry = QStringLiteral("switch 1 = %1").arg(value);
+        QCOMPARE(t.fake.log->entries, QStringList({entry, entry}));
+        QCOMPARE(t.generalValue(keys::camera).toInt(), value);
+
+        // Refused after the click: the radios go back to the camera's state before it (off at
+        // the first start), and say why.
+        const QString why = QStringLiteral("Not allowed: the camera stays as it was.");
+        t.fake.switches->answerNo(1, value, why);
+        QVERIFY(!ui.Radio_CameraON->isChecked() && ui.Radio_CameraOFF->isChecked());
+        QCOMPARE(ui.Radio_CameraON->toolTip(), why);
+        QCOMPARE(ui.Radio_CameraOFF->toolTip(), why);
+
+        // Switched for real, then refused the other way: back to the switched state.
+        button->click();
+        t.fake.switches->answerNo(1, value, QString());
+        (value ? ui.Radio_CameraOFF : ui.Radio_CameraON)->click();
+        t.fake.switches->answerNo(1, 1 - value, why);
+        QVERIFY(button->isChecked());
+    }
+
+    // The camera is switched as stored at once, the latency fix starts with the program, and
+    // the key blocker comes back on the first tick only.
+    void storedChoicesComeBackAtStart_data()
+    {
+        QTest::addColumn<QVariant>("stored");
+        QTest::addColumn<bool>("on");
+        QTest::newRow("on") << QVariant(1) << true;
+        QTest::newRow("off") << QVariant(0) << false;
+        QTest::newRow("missing") << QVariant() << false;
+    }
+
+    void storedChoicesComeBackAtStart()
+    {
+        QFETCH(QVariant, stored);
+        QFETCH(bool, on);
+        TestWindow t;
+        if (stored.isValid()) {
+            for (const char *key : {keys::camera, keys::latency, keys::disableWindowsKey})
+                t.setGeneral(key, stored);
+        }
+        MainWindow w(t.fake.bundle());
+        Ui::MainWindow &ui = *w.form();
+        QCOMPARE(t.fake.log->withPrefix(QStringLiteral("switch ")),
+                 QStringList({QStringLiteral("switch 1 = %1").arg(on ? 1 : 0)}));
+        QCOMPARE((QList<bool>{ui.Radio_CameraON->isChecked(), ui.Radio_CameraOFF->isChecked(),
+                              ui.Radio_WifiON->isChecked(), ui.Radio_WifiOFF->isChecked(),
+                              ui.Check_DisableWinKey->isChecked()}),
+                 (QList<bool>{on, !on, on, !on, on}));
+        QCOMPARE(t.fake.log->withPrefix(QStringLiteral("start: LatencyFix")),
+                 on ? QStringList{"start: LatencyFix.exe"} : QStringList());
+        QCOMPARE(t.fake.log->withPrefix(QStringLiteral("key blocker")), QStringList());
+        w.timerDone();
+        w.timerDone();
+        QCOMPARE(t.fake.log->withPrefix(QStringLiteral("key blocker")),
+                 on ? QStringList{"key blocker install"} : QStringList());
+    }
+
+    // The radios follow the stored preference; clicking the other one then runs its steps in
+    // order: off disables the device first, on enables it last.
+    void touchpadRadiosFollowThePreference_data()
+    {
+        QTest::addColumn<QVariant>("enabled");
+        QTest::addColumn<QStringList>("otherClicked");
+        const QString devcon = QStringLiteral("run: devcon.exe %1 \"@") + kInstance + '"';
+        const QString registry = "registry set: " + kTouchpadKey + " Enabled = %1";
+        const QStringList toOn{"switch 3 = 1", registry.arg(1), devcon.arg("enable")};
+        QTest::newRow("missing") << QVariant() << toOn;
+        QTest::newRow("0") << QVariant(0) << toOn;
+        QTest::newRow("1") << QVariant(1)
+                           << QStringList{devcon.arg("disable"), registry.arg(0), "switch 3 = 0"};
+    }
+
+    void touchpadRadiosFollowThePreference()
+    {
+        QFETCH(QVariant, enabled);
+        const bool on = enabled.toInt() == 1;
+        TestWindow t;
+        t.start();
+        Ui::MainWindow &ui = t.ui();
+        QRadioButton *other = on ? ui.Radio_TouchpadOFF : ui.Radio_TouchpadON;
+        other->setChecked(true); // so that the refresh has to move the radios
+        if (enabled.isValid())
+            t.fake.registry->values.insert(kTouchpadKey + QStringLiteral("|Enabled"), enabled);
+        t.window->timerDone();
+        QCOMPARE(ui.Radio_TouchpadON->isChecked(), on);
+        QCOMPARE(ui.Radio_TouchpadOFF->isChecked(), !on);
+        t.fake.log->clear();
+        other->click();
+        QTEST(t.fake.log->entries, "otherClicked");
+    }
+
+    void buttonsBoxSlidersAndVolume()
+    {
+        TestWindow t;
+        t.start();
+        Ui::MainWindow &ui = t.ui();
+        ui.Radio_WifiON->click();
+        QCOMPARE(t.generalValue(keys::latency).toInt(), 1);
+        ui.Radio_WifiOFF->click();
+        QCOMPARE(t.generalValue(keys::latency).toInt(), 0);
+        ui.Button_WifiSettings->click();
+        ui.Button_Camera->click();
+        ui.Button_TouchpadSettings->click();
+        ui.Button_SoundSettings->click();
+        ui.Check_DisableWinKey->click();
+        QCOMPARE(t.generalValue(keys::disableWindowsKey).toInt(), 1);
+        ui.Check_DisableWinKey->click();
+        QCOMPARE(t.generalValue(keys::disableWindowsKey).toInt(), 0);
+        QCOMPARE(ui.Slider_SecondBRight->value(), 100);
+        ui.Slider_SecondBRight->setValue(55);
+        ui.Slider_SecondBRight->setValue(1);
+        QCOMPARE(
+            t.fake.log->entries,
+            QStringList({"shown 1: LatencyFix.exe", "shown 1: explorer microsoft.windows.camera:",
+                         "shown 1: explorer ms-settings:devices-touchpad",
+                         "shown 1: explorer ms-settings:sound", "key blocker install",
+                         "key blocker uninstall", "vcp 16 = 55", "vcp 16 = 1"}));
+        QCOMPARE(t.fake.monitors->lastWindow, static_cast<quintptr>(t.window->winId()));
+
+        // The volume slider and the mute box write to the device; without one, both are disabled.
+        t.fake.log->clear();
+        ui.Slider_Volume->setValue(64);
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(!ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
+        t.fake.audio->level = 0.9f; // changed elsewhere meanwhile
+        ui.CheckBox_MuteVolume->click();
+        QVERIFY(ui.Slider_Volume->isEnabled());
+        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
+        QCOMPARE(t.fake.log->entries,
+                 QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
+
+        for (bool has : {false, true}) {
+            t.fake.audio->hasDevice = has;
+            t.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
+            t.window->timerDone();
+            QCOMPARE(ui.Label_audio_out->text(), t.fake.audio->deviceName);
+            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
+            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
+        }
+    }
+
     void refreshShowsTheDevice_data()
     {
         QTest::addColumn<bool>("hasDevice");
@@ -71,8 +232,6 @@ private slots:
         QTest::addColumn<bool>("sliderEnabled");
         // The mute box starts checked, so that a refresh without a device visibly leaves it alone.
         QTest::newRow("audible") << true << 0.37f << false << 37 << "Volume: 37%" << false << true;
-        QTest::newRow("rounded half up")
-            << true << 0.505f << false << 51 << "Volume: 51%" << false << true;
         QTest::newRow("muted") << true << 0.8f << true << 80 << "Volume: muted" << true << false;
         QTest::newRow("no device") << false << 0.8f << false << 0 << "Volume: 0%" << true << true;
     }
@@ -101,41 +260,6 @@ private slots:
         QCOMPARE(p.fake.log->entries, QStringList({"audio 1 0 0", "audio 4 0 0"}));
     }
 
-    // The slider and the mute box write to the device; without one, both are disabled.
-    void volumeControlsFollowTheDevice()
-    {
-        TestWindow p;
-        p.start();
-        Ui::MainWindow &ui = p.ui();
-        ui.Slider_Volume->setValue(64);
-        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-        QCOMPARE(p.fake.audio->level, 0.64f);
-
-        ui.CheckBox_MuteVolume->click();
-        QVERIFY(!ui.Slider_Volume->isEnabled());
-        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: muted"));
-        QVERIFY(p.fake.audio->muted);
-        p.fake.audio->level = 0.9f; // changed elsewhere meanwhile
-        ui.CheckBox_MuteVolume->click();
-        QVERIFY(ui.Slider_Volume->isEnabled());
-        QCOMPARE(ui.Label_Volume->text(), QStringLiteral("Volume: 64%"));
-        QVERIFY(!p.fake.audio->muted);
-        QCOMPARE(p.fake.log->entries,
-                 QStringList({"audio 2 0.64 0", "audio 3 0 1", "audio 3 0 0"}));
-
-        for (bool has : {false, true}) {
-            p.fake.audio->hasDevice = has;
-            p.fake.audio->deviceName = has ? QStringLiteral("Speakers") : "No Audio Device";
-            p.window->timerDone();
-            QCOMPARE(ui.Label_audio_out->text(), p.fake.audio->deviceName);
-            QCOMPARE(ui.Slider_Volume->isEnabled(), has);
-            QCOMPARE(ui.CheckBox_MuteVolume->isEnabled(), has);
-        }
-        p.fake.log->clear();
-        ui.Button_SoundSettings->click();
-        QCOMPARE(p.fake.log->entries, QStringList({"shown 1: explorer ms-settings:sound"}));
-    }
-
     void disabledSyncLeavesEveryVolumeWidgetAlone()
     {
         TestWindow p;
@@ -145,18 +269,18 @@ private slots:
         p.start();
         Ui::MainWindow &ui = p.ui();
         QVERIFY(ui.Check_DisableAudio->isChecked());
-        const int slider = ui.Slider_Volume->value();
-        const QString label = ui.Label_Volume->text();
-        const QString device = ui.Label_audio_out->text();
+        auto shown = [&] {
+            return QStringList{QString::number(ui.Slider_Volume->value()), ui.Label_Volume->text(),
+                               ui.Label_audio_out->text()};
+        };
+        const QStringList before = shown();
         p.fake.audio->level = 0.11f;
         p.fake.audio->muted = true;
         p.fake.audio->deviceName = kHeadphones;
         p.window->timerDone();
         p.window->GetSysVolume();
         QCOMPARE(p.fake.log->withPrefix(QStringLiteral("audio")), QStringList());
-        QCOMPARE(ui.Slider_Volume->value(), slider);
-        QCOMPARE(ui.Label_Volume->text(), label);
-        QCOMPARE(ui.Label_audio_out->text(), device);
+        QCOMPARE(shown(), before);
         QVERIFY(!ui.CheckBox_MuteVolume->isChecked());
     }
 
@@ -200,9 +324,8 @@ private slots:
     void storedVolumesAtStartAndAfter_data()
     {
         QTest::addColumn<int>("check");
-        QTest::addColumn<QStringList>("writes");
-        QTest::newRow("checked") << 1 << QStringList{"audio 2 0.25 0"};
-        QTest::newRow("unchecked") << 0 << QStringList();
+        QTest::newRow("checked") << 1;
+        QTest::newRow("unchecked") << 0;
     }
 
     // The start volume is applied at start when checked; afterwards each stored volume follows
@@ -216,7 +339,7 @@ private slots:
         p.setGeneral(keys::sliderVolumeHeadphones, 35);
         p.start(/*keepRecords=*/true);
         Ui::MainWindow &ui = p.ui();
-        QTEST(audioWrites(p.fake.log), "writes");
+        QCOMPARE(audioWrites(p.fake.log), check ? QStringList{"audio 2 0.25 0"} : QStringList());
         QCOMPARE(ui.Check_ApplyVolumeStart->isChecked(), check == 1);
         QCOMPARE(ui.Slider_StartVolume->isEnabled(), check == 1);
         QCOMPARE((QList<int>{ui.Slider_StartVolume->value(), ui.Slider_HeadphoneVolume->value()}),
@@ -285,5 +408,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(TestVolumeControl)
-#include "tst_volumecontrol.moc"
+QTEST_MAIN(TestDeviceTabs)
+#include "tst_devicetabs.moc"
