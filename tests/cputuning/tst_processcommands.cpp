@@ -31,6 +31,7 @@ struct Fixture : FakeSysTree {
                            }};
         addProcessCommands(table, roots);
     }
+
     void process(int pid, const QByteArray &commandLine, int uid, const QByteArray &comm)
     {
         const QString at = QStringLiteral("proc/%1/").arg(pid);

@@ -65,6 +65,7 @@ struct ClientRig : TestWindow {
         const QString state = folder.file(QStringLiteral("xtu-state"));
         writeFile(state, readFile(state) + QStringLiteral("%1=%2\n").arg(id).arg(value).toUtf8());
     }
+
     void startWindow()
     {
         start(/*keepRecords=*/true);

@@ -159,6 +159,7 @@ private slots:
         qputenv("GSETTINGS_BACKEND", "keyfile");
         QVERIFY(m_bus.start());
     }
+
     void cleanupTestCase()
     {
         if (m_server.state() != QProcess::NotRunning) {
@@ -167,6 +168,7 @@ private slots:
                 m_server.kill();
         }
     }
+
     void init() { QFile::remove(UserStoreRegistry::storePath()); }
     void cleanup() { QDBusConnection::disconnectFromBus(QStringLiteral("plasma")); }
 
@@ -316,6 +318,7 @@ private slots:
                                   "[Battery][SuspendSession]\nidleTime=1800000\nsuspendType=1\n");
         QTest::newRow("never removes the action") << set << QString();
     }
+
     void timeoutsGoToTheProfilesAndReload()
     {
         QFETCH(QString, before);
@@ -341,6 +344,7 @@ private slots:
         QTRY_COMPARE(powerManager.calls,
                      before.contains(QLatin1String("[AC][SuspendSession]")) ? 3 : 2);
     }
+
     void metaKeyIsClearedAndGivenBack_data()
     {
         QTest::addColumn<QString>("before");
@@ -351,6 +355,7 @@ private slots:
         QTest::newRow("other keys in the group")
             << QStringLiteral("[ModifierOnlyShortcuts]\nShift=\n");
     }
+
     void metaKeyIsClearedAndGivenBack()
     {
         QFETCH(QString, before);
@@ -433,6 +438,20 @@ private slots:
     }
 
     // Plasma's daemon wins over GNOME's settings when it runs, the newer daemon first.
+    // Plasma's backends are picked when the desktop list names KDE, in any case.
+    void plasmaSessionWhenTheDesktopListNamesKde()
+    {
+        const QByteArray saved = qgetenv("XDG_CURRENT_DESKTOP");
+        QStringList plasma;
+        for (const char *desktops : {"KDE", "X-Test:kde", "ubuntu:GNOME", "KDE-like", ""}) {
+            qputenv("XDG_CURRENT_DESKTOP", desktops);
+            if (plasmaSession())
+                plasma << desktops;
+        }
+        qputenv("XDG_CURRENT_DESKTOP", saved);
+        QCOMPARE(plasma, (QStringList{"KDE", "X-Test:kde"}));
+    }
+
     void touchpadPreferenceOfTheRunningDesktop()
     {
         QVERIFY(dynamic_cast<GnomeTouchpad *>(TouchpadRegistry::sessionPreference().get()));
