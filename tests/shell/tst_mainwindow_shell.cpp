@@ -9,14 +9,11 @@
 #include "settingsfiles.h"
 #include "stylesheethold.h"
 #include "testwindow.h"
+#include "textfile.h"
 #include "unavailablecontrols.h"
 
-#include <QAction>
-#include <QMenu>
-#include <QScreen>
-#include <QStandardItemModel>
-#include <QTimer>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace {
 
@@ -30,18 +27,12 @@ struct CloseCounter : QObject {
     }
 };
 
-// A rewrite regenerates the INI file and drops a comment the program never writes.
-void markUntouched(const QString &path)
+// Whether a change rewrote the INI file: a rewrite drops a comment the program never writes.
+template <class Change> bool rewrites(const QString &path, Change change)
 {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::Append));
-    file.write("; untouched\n");
-}
-
-bool stillUntouched(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.readAll().contains("; untouched");
+    writeFile(path, readFile(path) + "; untouched\n");
+    change();
+    return !readFile(path).contains("; untouched");
 }
 
 void holdWithNoSheet()
@@ -124,41 +115,11 @@ private slots:
                      R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)"}));
     }
 
-    // The exit box is written on when ticked and only noted when cleared; with it and "close
-    // hides" the close button hides, and the size and place come back after a restart.
-    void closeSettingsSurviveARestart()
-    {
-        TestWindow p;
-        p.setGeneral("minimize_close", true);
-        p.start();
-        p.ui().Check_ExitDialog->click();
-        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
-        p.ui().Check_ExitDialog->click();
-        QCOMPARE(p.generalValue("Re-dontshowexitdiag"), QVariant("false"));
-        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
-        p.window->setGeometry(40, 50, 1500, 1720);
-        p.window->ShutdownQuit();
-        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
-        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
-
-        p.start();
-        QVERIFY(p.ui().Check_ExitDialog->isChecked());
-        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
-        p.window->show();
-        CloseCounter counter;
-        p.window->installEventFilter(&counter);
-        p.ui().closeButton->click();
-        QVERIFY(!p.window->isVisible());
-        QVERIFY(p.window->isHiddenToTray());
-        QCOMPARE(counter.closes, 0);
-        // The tray's Exit quits at once: the window comes back and closes without a question.
-        p.window->trayActions().exit->trigger();
-        QVERIFY(!p.window->isVisible());
-        QCOMPARE(counter.closes, 1);
-        QVERIFY(p.fake.dialogs->shown.isEmpty());
-    }
-
-    void trayAndSecondStartShowTheWindowAndQuittingAsks()
+    // The tray and a second start bring the window back; each way out asks with its own text and
+    // only a yes closes. The exit box is written on when ticked and only noted when cleared; with
+    // it and "close hides" the close button hides, and the size and place come back after a
+    // restart.
+    void trayStartsAndWaysOut()
     {
         TestWindow p;
         p.fake.dialogs->answers = {QMessageBox::No, QMessageBox::No, QMessageBox::Yes};
@@ -189,7 +150,6 @@ private slots:
         QVERIFY(w.geometry().bottom() < bottom);
         QVERIFY(w.geometry().top() >= 0);
 
-        // Each way out asks with its own text; only a yes closes.
         p.ui().closeButton->click();
         w.systemtray_exit();
         QVERIFY(w.isVisible());
@@ -200,6 +160,33 @@ private slots:
                               "background functions will be closed.\n | Yes|No"}));
         p.ui().closeButton->click();
         QVERIFY(!w.isVisible());
+
+        p.ui().Check_CloseHides->click();
+        p.ui().Check_ExitDialog->click();
+        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        p.ui().Check_ExitDialog->click();
+        QCOMPARE(p.generalValue("Re-dontshowexitdiag"), QVariant("false"));
+        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        w.setGeometry(40, 50, 1500, 1720);
+        w.ShutdownQuit();
+        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
+        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
+
+        p.start();
+        QVERIFY(p.ui().Check_ExitDialog->isChecked());
+        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
+        p.window->show();
+        CloseCounter counter;
+        p.window->installEventFilter(&counter);
+        p.ui().closeButton->click();
+        QVERIFY(!p.window->isVisible());
+        QVERIFY(p.window->isHiddenToTray());
+        QCOMPARE(counter.closes, 0);
+        // The tray's Exit quits at once: the window comes back and closes without a question.
+        p.window->trayActions().exit->trigger();
+        QVERIFY(!p.window->isVisible());
+        QCOMPARE(counter.closes, 1);
+        QCOMPARE(p.fake.dialogs->shown.size(), 3);
     }
 
     void brandingHighlightReachesThePalette_data()
@@ -220,14 +207,12 @@ private slots:
         const QString branding = QStringLiteral("branding/varnel_branding.ini");
         for (const char *color : {"RED", "GREEN", "BLUE"})
             p.folder.setIni(branding, QStringLiteral("highlightcolor_") + color, parts.takeFirst());
-        p.folder.setIni(branding, "appname", "Reseller Center");
         p.start();
         const QPalette palette = QApplication::palette();
         QTEST(palette.color(QPalette::Active, QPalette::Highlight), "highlight");
         QTEST(palette.color(QPalette::Inactive, QPalette::Highlight), "highlight");
         QCOMPARE(palette.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
         QCOMPARE(palette.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
-        QCOMPARE(p.ui().Title->text(), QStringLiteral("Reseller Center"));
     }
 
     void windowHoldsUnavailableControlsDisabled()
@@ -328,13 +313,10 @@ private slots:
         if (stored.isValid())
             general.setValue("key", stored);
         const QString path = folder.file("settings/varnel.ini");
-        markUntouched(path);
-        general.setValue("key", written);
-        QCOMPARE(!stillUntouched(path), rewritten);
+        QCOMPARE(rewrites(path, [&] { general.setValue("key", written); }), rewritten);
         QCOMPARE(general.value("key").toString(), written.toString());
-        markUntouched(path);
-        general.remove("absent"); // removing a key that is not there changes nothing either
-        QVERIFY(stillUntouched(path));
+        // Removing a key that is not there changes nothing either.
+        QVERIFY(!rewrites(path, [&] { general.remove("absent"); }));
     }
 
     void walk_data()
@@ -413,20 +395,48 @@ private slots:
             QCOMPARE(p.ui().Slider_Brightness->minimumHeight(), 27);
     }
 
-    void refreshShowsThePanelAndTheSliderWritesIt()
+    // Unreadable, the panel shows no figure and says why; readable again, a refresh shows its
+    // level and the slider writes it.
+    void panelBrightness_data()
     {
+        QTest::addColumn<QString>("platformReason");
+        QTest::addColumn<QString>("shownReason");
+        const QString noBacklight("This screen has no backlight that can be adjusted.");
+        QTest::newRow("no backlight") << noBacklight << noBacklight;
+        QTest::newRow("backlight there, read failed")
+            << ""
+            << "The panel's brightness cannot be read right now.";
+    }
+
+    void panelBrightness()
+    {
+        QFETCH(QString, platformReason);
+        QFETCH(QString, shownReason);
         TestWindow p;
-        p.fake.panel->level = 42;
+        p.fake.panel->level = -1;
+        if (!platformReason.isEmpty())
+            p.fake.availability->features[Feature::PanelBacklight] = platformReason;
         p.start();
         Ui::MainWindow &ui = p.ui();
-        QCOMPARE(ui.Slider_Brightness->value(), 42);
-        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 42%"));
+        QVERIFY(!ui.Slider_Brightness->isEnabled());
+        QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
+        QCOMPARE(ui.Label_Brightness->toolTip(), shownReason);
+        p.window->GetBrightness();
+        QVERIFY(!ui.Label_Brightness->text().contains("-1"));
+        // A power mode's initial brightness moves the slider: still no figure, nothing written.
+        ui.Slider_Brightness->setValue(80);
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: not adjustable"));
+
+        // The panel comes back (an external screen's backlight, a driver loaded late).
         p.fake.panel->level = 70;
         p.window->GetBrightness();
+        QVERIFY(ui.Slider_Brightness->isEnabled());
+        QVERIFY(ui.Slider_Brightness->toolTip().isEmpty());
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 70%"));
         QCOMPARE(ui.Slider_Brightness->value(), 70);
         QCOMPARE(p.window->panel()->currentBrightness(), 70);
         QCOMPARE(p.window->panel()->lastBrightness(), 70);
-        QCOMPARE(p.fake.log->entries, QStringList{"panel read"}); // read, never written back
+        QCOMPARE(p.fake.log->entries, (QStringList{"panel read", "panel read"})); // never written
         QVERIFY(!p.window->panel()->reading());
 
         // With the fix tool on, a refresh runs it only on a change: once for the change and
@@ -467,45 +477,6 @@ private slots:
         QCOMPARE(p.window->panel()->currentBrightness(), 65);
         QCOMPARE(p.window->panel()->lastBrightness(), 65);
         QVERIFY(p.fake.log->entries.contains("panel read"));
-    }
-
-    void unreadablePanelDisablesTheSliderSayingWhy_data()
-    {
-        QTest::addColumn<QString>("platformReason");
-        QTest::addColumn<QString>("shownReason");
-        const QString noBacklight("This screen has no backlight that can be adjusted.");
-        QTest::newRow("no backlight") << noBacklight << noBacklight;
-        QTest::newRow("backlight there, read failed")
-            << ""
-            << "The panel's brightness cannot be read right now.";
-    }
-
-    void unreadablePanelDisablesTheSliderSayingWhy()
-    {
-        QFETCH(QString, platformReason);
-        QFETCH(QString, shownReason);
-        TestWindow p;
-        p.fake.panel->level = -1;
-        if (!platformReason.isEmpty())
-            p.fake.availability->features[Feature::PanelBacklight] = platformReason;
-        p.start();
-        Ui::MainWindow &ui = p.ui();
-        QVERIFY(!ui.Slider_Brightness->isEnabled());
-        QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
-        QCOMPARE(ui.Label_Brightness->toolTip(), shownReason);
-        p.window->GetBrightness();
-        QVERIFY(!ui.Label_Brightness->text().contains("-1"));
-        // A power mode's initial brightness moves the slider: still no figure, nothing written.
-        ui.Slider_Brightness->setValue(80);
-        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: not adjustable"));
-        QVERIFY(p.fake.log->withPrefix("panel write").isEmpty());
-
-        // The panel comes back (an external screen's backlight, a driver loaded late).
-        p.fake.panel->level = 30;
-        p.window->GetBrightness();
-        QVERIFY(ui.Slider_Brightness->isEnabled());
-        QVERIFY(ui.Slider_Brightness->toolTip().isEmpty());
-        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 30%"));
     }
 
     void adaptiveBrightnessCommands_data()
