@@ -25,11 +25,6 @@ Q_DECLARE_METATYPE(Feature)
 
 namespace {
 
-void makeFile(const QString &path, bool executable = true, const QByteArray &body = {})
-{
-    writeFile(path, "#!/bin/sh\n" + body, executable);
-}
-
 struct Recorder : DesktopTimeouts, LidSwitch {
     QStringList calls;
     bool record(const char *what, bool battery, int minutes)
@@ -213,8 +208,8 @@ private slots:
         QFETCH(QString, name);
         QTemporaryDir install;
         if (!installed.isEmpty())
-            makeFile(install.filePath(installed));
-        makeFile(install.filePath("LatencyFix"), false); // not executable: nothing to start
+            writeFile(install.filePath(installed), "#!/bin/sh\n", true);
+        writeFile(install.filePath("LatencyFix"), "#!/bin/sh\n"); // not executable: no program
         const NativeProgram program = nativeProgramFor(commandLine, install.path());
         QCOMPARE(program.path, found ? install.filePath(installed) : QString());
         QCOMPARE(program.name, name);
@@ -306,7 +301,7 @@ private slots:
         table->add("explorer ms-settings:sound", nothing, [&] { return mixerInstalled; });
         table->add("powercfg -SetActive SCHEME_CURRENT", nothing);
         QTemporaryDir install;
-        makeFile(install.filePath("Remote"));
+        writeFile(install.filePath("Remote"), "#!/bin/sh\n", true);
         LinuxAvailability::Probes probes;
         probes.installFolder = install.path();
         LinuxAvailability machine(probes, table);
@@ -325,8 +320,8 @@ private slots:
     void nativeCounterpartIsStartedInTheWorkingFolder()
     {
         QTemporaryDir install, working;
-        makeFile(install.filePath("updates/Update"), true,
-                 "echo \"$PWD $*\" > started.tmp && mv started.tmp started\n");
+        writeFile(install.filePath("updates/Update"),
+                  "#!/bin/sh\necho \"$PWD $*\" > started.tmp && mv started.tmp started\n", true);
         const QString previous = QDir::currentPath();
         QDir::setCurrent(working.path());
         LinuxCommandRunner runner(std::make_shared<CommandTable>(), install.path());
@@ -366,7 +361,7 @@ private slots:
         qunsetenv("XDG_DATA_HOME");
         QDir(install.path()).mkpath("branding");
         QDir(install.path()).mkpath("cpuprofiles");
-        makeFile(install.filePath("settings/default_power_mode.ini"), false);
+        writeFile(install.filePath("settings/default_power_mode.ini"), {});
         QCOMPARE(prepareWorkingFolder(install.path(), user, true), install.path());
         QVERIFY(!QFileInfo::exists(user));
 
@@ -380,7 +375,7 @@ private slots:
 
         // A later start: the user's own files stay, links follow a moved install folder.
         QDir(moved.path()).mkpath("branding");
-        makeFile(user + "/settings/varnel.ini", false);
+        writeFile(user + "/settings/varnel.ini", {});
         QFile::remove(user + "/cpuprofiles");
         QDir(user).mkpath("cpuprofiles"); // the user's own copy
         QCOMPARE(prepareWorkingFolder(moved.path(), user, false), user);

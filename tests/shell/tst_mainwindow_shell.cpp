@@ -396,27 +396,35 @@ private slots:
     }
 
     // Unreadable, the panel shows no figure and says why; readable again, a refresh shows its
-    // level and the slider writes it.
+    // level, the slider writes it and the adaptive box sets the scheme.
     void panelBrightness_data()
     {
         QTest::addColumn<QString>("platformReason");
         QTest::addColumn<QString>("shownReason");
+        QTest::addColumn<bool>("adaptiveOff"); // the box as stored; a click turns it over
         const QString noBacklight("This screen has no backlight that can be adjusted.");
-        QTest::newRow("no backlight") << noBacklight << noBacklight;
-        QTest::newRow("backlight there, read failed")
+        QTest::newRow("no backlight, adaptive off") << noBacklight << noBacklight << true;
+        QTest::newRow("read failed, adaptive on")
             << ""
-            << "The panel's brightness cannot be read right now.";
+            << "The panel's brightness cannot be read right now." << false;
     }
 
     void panelBrightness()
     {
         QFETCH(QString, platformReason);
         QFETCH(QString, shownReason);
+        QFETCH(bool, adaptiveOff);
         TestWindow p;
         p.fake.panel->level = -1;
         if (!platformReason.isEmpty())
             p.fake.availability->features[Feature::PanelBacklight] = platformReason;
-        p.start();
+        p.setGeneral("AdaptiveBrightness", adaptiveOff);
+        p.start(/*keepRecords=*/true);
+        const QString display("SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
+        const QString adaptive = display + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ";
+        QVERIFY(p.commands().contains("shown 0: powercfg -setacvalueindex " + adaptive +
+                                      (adaptiveOff ? "0" : "1")));
+        p.clearRecords();
         Ui::MainWindow &ui = p.ui();
         QVERIFY(!ui.Slider_Brightness->isEnabled());
         QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
@@ -438,6 +446,20 @@ private slots:
         QCOMPARE(p.window->panel()->lastBrightness(), 70);
         QCOMPARE(p.fake.log->entries, (QStringList{"panel read", "panel read"})); // never written
         QVERIFY(!p.window->panel()->reading());
+
+        // The adaptive box keeps the panel's level in the scheme, then turns over.
+        p.clearRecords();
+        ui.Check_Adaptive->click();
+        QCOMPARE(ui.Check_Adaptive->isChecked(), !adaptiveOff);
+        const QString brightness = display + "aded5e82-b909-4619-9949-f5d71dac0bcb 70";
+        const QString value = adaptiveOff ? "1" : "0";
+        QCOMPARE(p.commands(),
+                 (QStringList{"run: powercfg -setacvalueindex " + brightness,
+                              "run: powercfg -setdcvalueindex " + brightness,
+                              "shown 0: powercfg -setdcvalueindex " + adaptive + value,
+                              "shown 0: powercfg -setacvalueindex " + adaptive + value,
+                              "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+        QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), !adaptiveOff);
 
         // With the fix tool on, a refresh runs it only on a change: once for the change and
         // once from the slider's handler.
@@ -477,40 +499,6 @@ private slots:
         QCOMPARE(p.window->panel()->currentBrightness(), 65);
         QCOMPARE(p.window->panel()->lastBrightness(), 65);
         QVERIFY(p.fake.log->entries.contains("panel read"));
-    }
-
-    void adaptiveBrightnessCommands_data()
-    {
-        QTest::addColumn<bool>("checked");
-        QTest::addColumn<QString>("value");
-        QTest::newRow("disabled") << true << "0";
-        QTest::newRow("enabled") << false << "1";
-    }
-
-    void adaptiveBrightnessCommands()
-    {
-        QFETCH(bool, checked);
-        QFETCH(QString, value);
-        const QString display("SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
-        const QString adaptive = display + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ";
-        TestWindow p;
-        p.setGeneral("AdaptiveBrightness", !checked);
-        p.fake.panel->level = 55;
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
-        // The stored setting is applied at start.
-        QVERIFY(p.commands().contains("shown 0: powercfg -setacvalueindex " + adaptive +
-                                      (checked ? "1" : "0")));
-        p.clearRecords();
-        p.ui().Check_Adaptive->click();
-        QCOMPARE(p.ui().Check_Adaptive->isChecked(), checked);
-        const QString brightness = display + "aded5e82-b909-4619-9949-f5d71dac0bcb 55";
-        QCOMPARE(p.commands(),
-                 (QStringList{"run: powercfg -setacvalueindex " + brightness,
-                              "run: powercfg -setdcvalueindex " + brightness,
-                              "shown 0: powercfg -setdcvalueindex " + adaptive + value,
-                              "shown 0: powercfg -setacvalueindex " + adaptive + value,
-                              "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
-        QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), checked);
     }
 
     // Declined, the window closes; accepted at the next start, the install runs its steps and the
