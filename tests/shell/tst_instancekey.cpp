@@ -4,15 +4,9 @@
 #include <QDataStream>
 #include <QtTest>
 
-namespace {
-
 // Name, organization, domain, version, path, user, home locations, options.
-InstanceKeyInputs sample()
-{
-    return {"varnel", {}, {}, {}, "/opt/Varnel/varnel", "alice", {"/home/alice"}, UserScope};
-}
-
-} // namespace
+static const InstanceKeyInputs kSample{
+    "varnel", {}, {}, {}, "/opt/Varnel/varnel", "alice", {"/home/alice"}, UserScope};
 
 class TestInstanceKey : public QObject {
     Q_OBJECT
@@ -25,14 +19,14 @@ private slots:
         QString expected = QString::fromLatin1(
             QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toBase64());
         expected.replace('/', '_');
-        QCOMPARE(instanceKey(sample()), expected);
-        InstanceKeyInputs in = sample();
+        QCOMPARE(instanceKey(kSample), expected);
+        InstanceKeyInputs in = kSample;
         for (int i = 0; i < 200; ++i) {
             in.userName = QString::number(i);
             QVERIFY(!instanceKey(in).contains('/'));
         }
         // Without a user name the home locations stand in for it.
-        InstanceKeyInputs unnamed = sample(), named = sample(), elsewhere = sample();
+        InstanceKeyInputs unnamed = kSample, named = kSample, elsewhere = kSample;
         unnamed.userName.clear();
         elsewhere.userName.clear();
         elsewhere.homeLocations = QStringList{QStringLiteral("/home/bob")};
@@ -77,7 +71,7 @@ private slots:
     void keyRules()
     {
         QFETCH(quint32, options);
-        InstanceKeyInputs a = sample();
+        InstanceKeyInputs a = kSample;
         a.options = options;
         InstanceKeyInputs b = a;
         QFETCH(QString, path);
