@@ -235,11 +235,11 @@ private slots:
         ui.turbo_override->setEnabled(true);
         ui.turbo_override->setToolTip(QStringLiteral("other"));
         // Two of the three apps, and the keyboard app, can still start.
-        for (QWidget *on : {ui.Button_KeyboardLed, ui.checkstart, ui.silent_cpu_min,
-                            ui.horizontalSlider_2, ui.LidClose_Combo})
+        for (QWidget *on : QWidgetList{ui.Button_KeyboardLed, ui.checkstart, ui.silent_cpu_min,
+                                       ui.horizontalSlider_2, ui.LidClose_Combo})
             QVERIFY2(on->isEnabled(), qPrintable(on->objectName()));
         for (QWidget *off :
-             {ui.turbo_override, ui.CheckTDRdelay, ui.Button_FanControl, ui.comboBox_5})
+             QWidgetList{ui.turbo_override, ui.CheckTDRdelay, ui.Button_FanControl, ui.comboBox_5})
             QVERIFY2(!off->isEnabled(), qPrintable(off->objectName()));
         const int tuning = ui.tabWidget->indexOf(ui.tab);
         QVERIFY(!ui.tabWidget->isTabEnabled(tuning));
