@@ -670,10 +670,8 @@ private slots:
         QCOMPARE(prepareWorkingFolder(install.path(), user, false), user);
         for (const char *folder : {"/settings", "/updates"})
             QVERIFY(QFileInfo(user + folder).isDir() && !QFileInfo(user + folder).isSymLink());
-        QCOMPARE(QFileInfo(user + "/branding").symLinkTarget(), install.filePath("branding"));
-        QCOMPARE(QFileInfo(user + "/cpuprofiles").symLinkTarget(), install.filePath("cpuprofiles"));
-        QCOMPARE(QFileInfo(user + "/settings/default_power_mode.ini").symLinkTarget(),
-                 install.filePath("settings/default_power_mode.ini"));
+        for (const char *linked : {"branding", "cpuprofiles", "settings/default_power_mode.ini"})
+            QCOMPARE(QFileInfo(user + '/' + linked).symLinkTarget(), install.filePath(linked));
 
         // A later start: the user's own files stay, links follow a moved install folder.
         QDir(moved.path()).mkpath("branding");
