@@ -82,24 +82,47 @@ private slots:
         QVERIFY(!tabWorks(tabs, tabs.indexOf(ui->tab_7)));
     }
 
-    void settingsBoxesRestoredAndWritten_data()
+    // A box comes back from its stored setting and writes it when clicked. The branding file's
+    // highlight colour, held to 0 ... 255 and read as 0 where it is no number, reaches the palette.
+    void settingsBoxesAndBrandingHighlight_data()
     {
         QTest::addColumn<QString>("box");
         QTest::addColumn<QByteArray>("key");
-        QTest::newRow("close hides") << "Check_CloseHides" << QByteArray("minimize_close");
-        QTest::newRow("start hidden") << "Check_StartHidden" << QByteArray("start_hidden");
-        QTest::newRow("audio sync") << "Check_DisableAudio" << QByteArray("disableAudioSync");
-        QTest::newRow("log-on task")
-            << "Check_Startwithwindows" << QByteArray("start_with_windows");
+        QTest::addColumn<QVariantList>("parts"); // red, green, blue in the branding file, if any
+        QTest::addColumn<QColor>("highlight");
+        QTest::newRow("close hides, reseller red")
+            << "Check_CloseHides" << QByteArray("minimize_close") << QVariantList{255, 0, 0}
+            << QColor(255, 0, 0);
+        QTest::newRow("start hidden, held to 0 ... 255")
+            << "Check_StartHidden" << QByteArray("start_hidden")
+            << QVariantList{300, -5, "2147483647"} << QColor(255, 0, 255);
+        QTest::newRow("audio sync, not a number reads as 0")
+            << "Check_DisableAudio" << QByteArray("disableAudioSync")
+            << QVariantList{"1e300", 128, "x"} << QColor(0, 128, 0);
+        QTest::newRow("log-on task, no branding")
+            << "Check_Startwithwindows" << QByteArray("start_with_windows") << QVariantList()
+            << QColor(0, 0, 0);
     }
 
-    void settingsBoxesRestoredAndWritten()
+    void settingsBoxesAndBrandingHighlight()
     {
         QFETCH(QString, box);
         QFETCH(QByteArray, key);
+        QFETCH(QVariantList, parts);
         TestWindow p;
         p.setGeneral(key.constData(), true);
+        const QString branding = QStringLiteral("branding/varnel_branding.ini");
+        for (const char *color : {"RED", "GREEN", "BLUE"})
+            if (!parts.isEmpty())
+                p.folder.setIni(branding, QStringLiteral("highlightcolor_") + color,
+                                parts.takeFirst());
         p.start();
+        const QPalette palette = QApplication::palette();
+        QTEST(palette.color(QPalette::Active, QPalette::Highlight), "highlight");
+        QTEST(palette.color(QPalette::Inactive, QPalette::Highlight), "highlight");
+        QCOMPARE(palette.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
+        QCOMPARE(palette.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
+
         auto *check = p.window->findChild<QCheckBox *>(box);
         QVERIFY(check->isChecked());
         QCOMPARE(p.window->isHiddenToTray(), key == "start_hidden");
@@ -188,32 +211,6 @@ private slots:
         QCOMPARE(p.fake.dialogs->shown.size(), 3);
     }
 
-    void brandingHighlightReachesThePalette_data()
-    {
-        QTest::addColumn<QVariantList>("parts"); // red, green, blue as written in the file
-        QTest::addColumn<QColor>("highlight");
-        QTest::newRow("reseller red") << QVariantList{255, 0, 0} << QColor(255, 0, 0);
-        QTest::newRow("held to 0 ... 255")
-            << QVariantList{300, -5, "2147483647"} << QColor(255, 0, 255);
-        QTest::newRow("not a number reads as 0")
-            << QVariantList{"1e300", 128, "x"} << QColor(0, 128, 0);
-    }
-
-    void brandingHighlightReachesThePalette()
-    {
-        QFETCH(QVariantList, parts);
-        TestWindow p;
-        const QString branding = QStringLiteral("branding/varnel_branding.ini");
-        for (const char *color : {"RED", "GREEN", "BLUE"})
-            p.folder.setIni(branding, QStringLiteral("highlightcolor_") + color, parts.takeFirst());
-        p.start();
-        const QPalette palette = QApplication::palette();
-        QTEST(palette.color(QPalette::Active, QPalette::Highlight), "highlight");
-        QTEST(palette.color(QPalette::Inactive, QPalette::Highlight), "highlight");
-        QCOMPARE(palette.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
-        QCOMPARE(palette.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
-    }
-
     void windowHoldsUnavailableControlsDisabled()
     {
         TestWindow p;
@@ -253,21 +250,6 @@ private slots:
                               "Fan modes are set by Fan Control: no fans"}));
     }
 
-    void settingsAreReadAndWrittenAtOnce()
-    {
-        TestFolder folder; // no settings folder yet: the first write makes it
-        const Settings settings;
-        QVERIFY(!settings.general().value("minimize_close").isValid());
-        settings.general().setValue("powermode", "silent");
-        QCOMPARE(folder.ini("settings/varnel.ini", "powermode"), QVariant("silent"));
-        // A change made behind the helper's back is seen by the next read: nothing is cached.
-        folder.setIni("settings/varnel.ini", "powermode", "maximum");
-        QCOMPARE(settings.general().value("powermode").toString(), QStringLiteral("maximum"));
-        // Both separators name the same file.
-        SettingsFile("settings\\settings_widgets.ini").setValue("resorceswidget", 1);
-        QCOMPARE(settings.widgets().value("resorceswidget").toInt(), 1);
-    }
-
     void onlyChangesRewriteTheFile_data()
     {
         QTest::addColumn<QVariant>("stored"); // invalid: the key is missing
@@ -304,6 +286,13 @@ private slots:
         QCOMPARE(general.value("key").toString(), written.toString());
         // Removing a key that is not there changes nothing either.
         QVERIFY(!rewrites(path, [&] { general.remove("absent"); }));
+        QVERIFY(!general.value("absent").isValid());
+        // A change made behind the helper's back is seen by the next read: nothing is cached.
+        folder.setIni("settings/varnel.ini", "key", "behind");
+        QCOMPARE(general.value("key").toString(), QStringLiteral("behind"));
+        // Both separators name the same file.
+        SettingsFile("settings\\varnel.ini").setValue("other", 2);
+        QCOMPARE(general.value("other").toInt(), 2);
     }
 
     void walk_data()
