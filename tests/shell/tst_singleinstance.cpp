@@ -376,7 +376,8 @@ private slots:
     {
         auto table = std::make_shared<CommandTable>();
         addStartupCommands(*table);
-        LinuxCommandRunner runner(table);
+        QTemporaryDir install, working;
+        LinuxCommandRunner runner(table, install.path());
         const QString entry = m_config.path() + QStringLiteral("/autostart/varnel.desktop");
         runner.start(R"(schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)");
         const QString text = QString::fromUtf8(readFile(entry));
@@ -408,6 +409,17 @@ private slots:
         QCOMPARE(finished.count(), 1);
         QCOMPARE(process->readAllStandardOutput(), QByteArray("hello\r\n"));
         QVERIFY(!process->isRunning());
+
+        // The native counterpart of a Windows program starts in the working folder.
+        writeFile(install.filePath("updates/Update"),
+                  "#!/bin/sh\necho \"$PWD $*\" > started.tmp && mv started.tmp started\n", true);
+        const QString previous = QDir::currentPath();
+        QDir::setCurrent(working.path());
+        runner.startShown(R"(updates\Update.exe --quiet)", ShowMode::Normal);
+        runner.startShown("Remote.exe", ShowMode::Normal); // not installed: nothing happens
+        QDir::setCurrent(previous);
+        QTRY_COMPARE(readFile(working.filePath("started")).trimmed(),
+                     (working.path() + " --quiet").toUtf8());
     }
 
     void registryRoutes()
@@ -617,21 +629,6 @@ private slots:
                  QStringLiteral("LatencyFix has no Linux version in %1.").arg(install.path()));
         QCOMPARE(machine.whyCannotStart("explorer shell:unknown"),
                  QStringLiteral("Not available on Linux."));
-    }
-
-    void nativeCounterpartIsStartedInTheWorkingFolder()
-    {
-        QTemporaryDir install, working;
-        writeFile(install.filePath("updates/Update"),
-                  "#!/bin/sh\necho \"$PWD $*\" > started.tmp && mv started.tmp started\n", true);
-        const QString previous = QDir::currentPath();
-        QDir::setCurrent(working.path());
-        LinuxCommandRunner runner(std::make_shared<CommandTable>(), install.path());
-        runner.startShown(R"(updates\Update.exe --quiet)", ShowMode::Normal);
-        runner.startShown("Remote.exe", ShowMode::Normal); // not installed: nothing happens
-        QDir::setCurrent(previous);
-        QTRY_COMPARE(readFile(working.filePath("started")).trimmed(),
-                     (working.path() + " --quiet").toUtf8());
     }
 
     void powerSchemeLinesReachTheDesktop()
