@@ -35,14 +35,6 @@ template <class Change> bool rewrites(const QString &path, Change change)
     return !readFile(path).contains("; untouched");
 }
 
-void holdWithNoSheet()
-{
-    StyleSheetHold::holdUntilShown();
-    QApplication::setStyle(new DarkStyle);
-    qApp->setStyleSheet(QString()); // re-polishes: held, the style sets nothing
-    QCOMPARE(qApp->styleSheet(), QString());
-}
-
 } // namespace
 
 class TestMainWindowShell : public QObject {
@@ -201,8 +193,7 @@ private slots:
         CloseCounter counter;
         p.window->installEventFilter(&counter);
         p.ui().closeButton->click();
-        QVERIFY(!p.window->isVisible());
-        QVERIFY(p.window->isHiddenToTray());
+        QVERIFY(!p.window->isVisible() && p.window->isHiddenToTray());
         QCOMPARE(counter.closes, 0);
         // The tray's Exit quits at once: the window comes back and closes without a question.
         p.window->trayActions().exit->trigger();
@@ -301,21 +292,17 @@ private slots:
         QTest::addColumn<int>("left");
         QTest::addColumn<QPoint>("expected");
         // Window 800 wide at x, y with a height; the screen 1920 x 1080 from left.
-        const struct {
-            const char *row;
-            int x, y, height, left, expectedX, expectedY;
-        } rows[] = {
-            {"on screen", 100, 100, 900, 0, 100, 100},
-            {"bottom below: 45 steps of 20 up", 100, 1075, 900, 0, 100, 175},
-            {"right edge past", 1125, 10, 900, 0, 1119, 10},
-            {"left of it", -5, 10, 900, 0, 1, 10},
-            {"above it", 10, -7, 900, 0, 10, 1},
-            {"second screen: only the height counts vertically", 1900, 100, 900, 1920, 1920, 100},
-            {"taller, left alone", 10, 500, 1200, 0, 10, 500},
-            {"20 up overshoots, 2-pixel steps come back", 0, 15, 1070, 0, 0, 1}};
-        for (const auto &r : rows)
-            QTest::newRow(r.row) << QRect(r.x, r.y, 800, r.height) << r.left
-                                 << QPoint(r.expectedX, r.expectedY);
+        auto row = [](const char *name, int x, int y, int height, int left, int toX, int toY) {
+            QTest::newRow(name) << QRect(x, y, 800, height) << left << QPoint(toX, toY);
+        };
+        row("on screen", 100, 100, 900, 0, 100, 100);
+        row("bottom below: 45 steps of 20 up", 100, 1075, 900, 0, 100, 175);
+        row("right edge past", 1125, 10, 900, 0, 1119, 10);
+        row("left of it", -5, 10, 900, 0, 1, 10);
+        row("above it", 10, -7, 900, 0, 10, 1);
+        row("second screen: only the height counts vertically", 1900, 100, 900, 1920, 1920, 100);
+        row("taller, left alone", 10, 500, 1200, 0, 10, 500);
+        row("20 up overshoots, 2-pixel steps come back", 0, 15, 1070, 0, 0, 1);
     }
 
     void walk()
@@ -517,6 +504,12 @@ private slots:
     // style, so it comes last.
     void hiddenStartHeldUntilAWindowIsShown()
     {
+        const auto holdWithNoSheet = [] {
+            StyleSheetHold::holdUntilShown();
+            QApplication::setStyle(new DarkStyle);
+            qApp->setStyleSheet(QString()); // re-polishes: held, the style sets nothing
+            QCOMPARE(qApp->styleSheet(), QString());
+        };
         holdWithNoSheet();
         TestWindow rig;
         rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
@@ -545,8 +538,7 @@ private slots:
         holdWithNoSheet();
         QWidget inner(&open);
         inner.show(); // shown, but no window
-        QVERIFY(inner.isVisible());
-        QVERIFY(StyleSheetHold::held());
+        QVERIFY(inner.isVisible() && StyleSheetHold::held());
         QMenu menu;
         menu.addAction(QStringLiteral("Exit"));
         menu.show();

@@ -1,8 +1,6 @@
-// The Linux side of the shell. One instance per user under real processes (this program is itself
-// a first instance, so its own server is tried in-process with slow and silent clients); the
-// command table and its log-on entry, the registry routes, the instance folder, what the machine
-// can back, native helper programs, the working folder, and the panel backlight and keyboard LED
-// against fixture trees shaped like /sys/class.
+// The Linux side of the shell: one instance per user under real processes (this program is itself
+// a first instance, so its own server is tried in-process), then the pieces under it, the panel
+// backlight and keyboard LED against fixture trees shaped like /sys/class.
 #include "backlight.h"
 #include "commandtable.h"
 #include "desktoppower.h"
@@ -495,23 +493,19 @@ private slots:
         QTest::addColumn<bool>("found");        // whether that file is the native program
         QTest::addColumn<QString>("name");
         QTest::addColumn<QStringList>("arguments");
-        const struct {
-            const char *row, *line, *installed;
-            bool found;
-            const char *name;
-            QStringList arguments;
-        } rows[] = {
-            {"bare name", "Remote.exe", "Remote", true, "Remote", {}},
-            {"folder", R"(up\Update.exe -q "a b")", "up/Update", true, "Update", {"-q", "a b"}},
-            {"upper-case suffix", "Libs\\AuxSwitch.EXE", "Libs/AuxSwitch", true, "AuxSwitch", {}},
-            {"not installed", "LatencyFix.exe", "", false, "LatencyFix", {}},
-            {"the .exe is no native program", "Remote.exe", "Remote.exe", false, "Remote", {}},
-            {"parent folder", "..\\Remote.exe", "", false, "", {}},
-            {"drive", "C:\\Tools\\Remote.exe", "", false, "", {}},
-            {"not a program", "explorer ms-settings:sound", "", false, "", {}}};
-        for (const auto &r : rows)
-            QTest::newRow(r.row) << QString(r.line) << QString(r.installed) << r.found
-                                 << QString(r.name) << r.arguments;
+        auto row = [](const char *tag, const char *line, const char *installed, bool found,
+                      const char *name, const QStringList &arguments = {}) {
+            QTest::newRow(tag) << QString(line) << QString(installed) << found << QString(name)
+                               << arguments;
+        };
+        row("bare name", "Remote.exe", "Remote", true, "Remote");
+        row("folder", R"(up\Update.exe -q "a b")", "up/Update", true, "Update", {"-q", "a b"});
+        row("upper-case suffix", "Libs\\AuxSwitch.EXE", "Libs/AuxSwitch", true, "AuxSwitch");
+        row("not installed", "LatencyFix.exe", "", false, "LatencyFix");
+        row("the .exe is no native program", "Remote.exe", "Remote.exe", false, "Remote");
+        row("parent folder", "..\\Remote.exe", "", false, "");
+        row("drive", "C:\\Tools\\Remote.exe", "", false, "");
+        row("not a program", "explorer ms-settings:sound", "", false, "");
     }
 
     void nativeCounterpartOfAWindowsProgram()
@@ -538,38 +532,34 @@ private slots:
         QTest::addColumn<QString>("reason");
         const QString helper("Needs the Varnel system helper, which is not installed.");
         const QString desktop(" a GNOME or KDE Plasma desktop.");
-        const struct {
-            const char *row;
-            Feature feature;
-            QString reason;
-        } rows[] = {
-            {"backlight", Feature::PanelBacklight,
-             "This screen has no backlight that can be adjusted."},
-            {"gpu", Feature::NvidiaGpu, "No NVIDIA GPU in this computer."},
-            {"limits", Feature::ProcessorLimits, helper},
-            {"lid shutdown, even with the helper", Feature::LidShutdown,
-             "Linux sets the lid's action for every user and every power mode at once, so "
-             "Varnel leaves it to the system settings."},
-            {"camera", Feature::CameraSwitch, helper},
-            {"tuning", Feature::CpuTuning, helper},
-            {"windows fix", Feature::WindowsOnlyFix,
-             "A Windows-only fix: Linux has no such setting."},
-            {"super key", Feature::SuperKeyBlocker, "Blocking the Super key needs" + desktop},
-            {"timeouts", Feature::ScreenTimeouts, "Screen and sleep timeouts need" + desktop},
-            {"touchpad", Feature::TouchpadSwitch, "Switching the touchpad needs" + desktop},
-            {"adaptive brightness", Feature::AmbientLight,
-             "This desktop has no adaptive brightness setting."},
-            {"monitor channel", Feature::MonitorControl,
-             "External monitors cannot be controlled: that needs libddcutil and access to "
-             "/dev/i2c-* (the i2c group)."},
-            {"event sounds", Feature::EventSounds,
-             "This desktop has no switch for its event sounds."},
-            {"keyboard light", Feature::KeyboardLight, "This keyboard has no backlight."},
-            {"tray", Feature::SystemTray,
-             "This desktop shows no tray icons: a hidden window could only be brought back by "
-             "starting the program again."}};
-        for (const auto &r : rows)
-            QTest::newRow(r.row) << r.feature << r.reason;
+        auto row = [](const char *name, Feature feature, const QString &reason) {
+            QTest::newRow(name) << feature << reason;
+        };
+        row("backlight", Feature::PanelBacklight,
+            "This screen has no backlight that can be adjusted.");
+        row("gpu", Feature::NvidiaGpu, "No NVIDIA GPU in this computer.");
+        row("limits", Feature::ProcessorLimits, helper);
+        row("lid shutdown, even with the helper", Feature::LidShutdown,
+            "Linux sets the lid's action for every user and every power mode at once, so "
+            "Varnel leaves it to the system settings.");
+        row("camera", Feature::CameraSwitch, helper);
+        row("tuning", Feature::CpuTuning, helper);
+        row("windows fix", Feature::WindowsOnlyFix,
+            "A Windows-only fix: Linux has no such setting.");
+        row("super key", Feature::SuperKeyBlocker, "Blocking the Super key needs" + desktop);
+        row("timeouts", Feature::ScreenTimeouts, "Screen and sleep timeouts need" + desktop);
+        row("touchpad", Feature::TouchpadSwitch, "Switching the touchpad needs" + desktop);
+        row("adaptive brightness", Feature::AmbientLight,
+            "This desktop has no adaptive brightness setting.");
+        row("monitor channel", Feature::MonitorControl,
+            "External monitors cannot be controlled: that needs libddcutil and access to "
+            "/dev/i2c-* (the i2c group).");
+        row("event sounds", Feature::EventSounds,
+            "This desktop has no switch for its event sounds.");
+        row("keyboard light", Feature::KeyboardLight, "This keyboard has no backlight.");
+        row("tray", Feature::SystemTray,
+            "This desktop shows no tray icons: a hidden window could only be brought back by "
+            "starting the program again.");
     }
 
     void linuxReasons()
