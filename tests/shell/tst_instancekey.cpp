@@ -1,18 +1,11 @@
 #include "instancekey.h"
 
 #include <QCryptographicHash>
-#include <QDataStream>
 #include <QtTest>
 
-namespace {
-
 // Name, organization, domain, version, path, user, home locations, options.
-InstanceKeyInputs sample()
-{
-    return {"varnel", {}, {}, {}, "/opt/Varnel/varnel", "alice", {"/home/alice"}, UserScope};
-}
-
-} // namespace
+static const InstanceKeyInputs kSample{
+    "varnel", {}, {}, {}, "/opt/Varnel/varnel", "alice", {"/home/alice"}, UserScope};
 
 class TestInstanceKey : public QObject {
     Q_OBJECT
@@ -25,20 +18,19 @@ private slots:
         QString expected = QString::fromLatin1(
             QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toBase64());
         expected.replace('/', '_');
-        QCOMPARE(instanceKey(sample()), expected);
-        InstanceKeyInputs in = sample();
+        QCOMPARE(instanceKey(kSample), expected);
+        InstanceKeyInputs in = kSample;
         for (int i = 0; i < 200; ++i) {
             in.userName = QString::number(i);
             QVERIFY(!instanceKey(in).contains('/'));
         }
         // Without a user name the home locations stand in for it.
-        InstanceKeyInputs unnamed = sample(), named = sample(), elsewhere = sample();
+        InstanceKeyInputs unnamed = kSample, named = kSample;
         unnamed.userName.clear();
-        elsewhere.userName.clear();
-        elsewhere.homeLocations = QStringList{QStringLiteral("/home/bob")};
         named.userName = QStringLiteral("/home/alice");
         QCOMPARE(instanceKey(unnamed), instanceKey(named));
-        QVERIFY(instanceKey(unnamed) != instanceKey(elsewhere));
+        unnamed.homeLocations = QStringList{QStringLiteral("/home/bob")};
+        QVERIFY(instanceKey(unnamed) != instanceKey(named));
 
         // Name with its length, type, instance id, then the CRC-16 (ISO 3309) of all of that.
         QCOMPARE(encodeConnectionMessage(QStringLiteral("AB"), NewInstance, 0),
@@ -54,30 +46,26 @@ private slots:
         QTest::addColumn<QString>("user");
         QTest::addColumn<QString>("version");
         QTest::addColumn<bool>("same"); // as the sample's key under the same options
-        const quint32 user = UserScope, noPath = UserScope | ExcludeAppPath,
+        const quint32 scoped = UserScope, noPath = UserScope | ExcludeAppPath,
                       noVersion = UserScope | ExcludeAppVersion;
-        const struct {
-            const char *row;
-            quint32 options;
-            const char *path, *user, *version;
-            bool same;
-        } rows[] = {
-            {"path differing only in case", user, "/OPT/varnel/VARNEL", "alice", "", true},
-            {"different path", user, "/opt/other/varnel", "alice", "", false},
-            {"different user", user, "/opt/Varnel/varnel", "bob", "", false},
-            {"different user, not user scoped", 0, "/opt/Varnel/varnel", "bob", "", true},
-            {"different path, path excluded", noPath, "/elsewhere/varnel", "alice", "", true},
-            {"different version", user, "/opt/Varnel/varnel", "alice", "1.4.4", false},
-            {"version excluded", noVersion, "/opt/Varnel/varnel", "alice", "1.4.4", true}};
-        for (const auto &r : rows)
-            QTest::newRow(r.row) << r.options << QString(r.path) << QString(r.user)
-                                 << QString(r.version) << r.same;
+        auto row = [](const char *name, quint32 options, const char *path, const char *user,
+                      const char *version, bool same) {
+            QTest::newRow(name) << options << QString(path) << QString(user) << QString(version)
+                                << same;
+        };
+        row("path differing only in case", scoped, "/OPT/varnel/VARNEL", "alice", "", true);
+        row("different path", scoped, "/opt/other/varnel", "alice", "", false);
+        row("different user", scoped, "/opt/Varnel/varnel", "bob", "", false);
+        row("different user, not user scoped", 0, "/opt/Varnel/varnel", "bob", "", true);
+        row("different path, path excluded", noPath, "/elsewhere/varnel", "alice", "", true);
+        row("different version", scoped, "/opt/Varnel/varnel", "alice", "1.4.4", false);
+        row("version excluded", noVersion, "/opt/Varnel/varnel", "alice", "1.4.4", true);
     }
 
     void keyRules()
     {
         QFETCH(quint32, options);
-        InstanceKeyInputs a = sample();
+        InstanceKeyInputs a = kSample;
         a.options = options;
         InstanceKeyInputs b = a;
         QFETCH(QString, path);
@@ -97,14 +85,11 @@ private slots:
         QByteArray badChecksum = good, badBody = good;
         badChecksum[badChecksum.size() - 1] = char(badChecksum.back() ^ 0x5a);
         badBody[5] = 'X';
-        // The name counts up to its first zero byte.
-        QByteArray zeroInName;
-        QDataStream out(&zeroInName, QIODevice::WriteOnly);
-        out.setVersion(QDataStream::Qt_5_6);
-        out << QByteArray("key+1\0tail", 10) << quint8(NewInstance) << quint32(7);
-        out << qChecksum(zeroInName.constData(), uint(zeroInName.size()));
         QTest::newRow("valid") << good << true;
-        QTest::newRow("zero byte in the name") << zeroInName << true;
+        // The name counts up to its first zero byte.
+        QTest::newRow("zero byte in the name")
+            << encodeConnectionMessage(QString::fromLatin1("key+1\0tail", 10), NewInstance, 7)
+            << true;
         QTest::newRow("wrong checksum") << badChecksum << false;
         QTest::newRow("body changed") << badBody << false;
         QTest::newRow("other name") << encodeConnectionMessage("key+2", 1, 0) << false;

@@ -9,14 +9,11 @@
 #include "settingsfiles.h"
 #include "stylesheethold.h"
 #include "testwindow.h"
+#include "textfile.h"
 #include "unavailablecontrols.h"
 
-#include <QAction>
-#include <QMenu>
-#include <QScreen>
-#include <QStandardItemModel>
-#include <QTimer>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace {
 
@@ -30,26 +27,12 @@ struct CloseCounter : QObject {
     }
 };
 
-// A rewrite regenerates the INI file and drops a comment the program never writes.
-void markUntouched(const QString &path)
+// Whether a change rewrote the INI file: a rewrite drops a comment the program never writes.
+template <class Change> bool rewrites(const QString &path, Change change)
 {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::Append));
-    file.write("; untouched\n");
-}
-
-bool stillUntouched(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.readAll().contains("; untouched");
-}
-
-void holdWithNoSheet()
-{
-    StyleSheetHold::holdUntilShown();
-    QApplication::setStyle(new DarkStyle);
-    qApp->setStyleSheet(QString()); // re-polishes: held, the style sets nothing
-    QCOMPARE(qApp->styleSheet(), QString());
+    writeFile(path, readFile(path) + "; untouched\n");
+    change();
+    return !readFile(path).contains("; untouched");
 }
 
 } // namespace
@@ -91,24 +74,47 @@ private slots:
         QVERIFY(!tabWorks(tabs, tabs.indexOf(ui->tab_7)));
     }
 
-    void settingsBoxesRestoredAndWritten_data()
+    // A box comes back from its stored setting and writes it when clicked. The branding file's
+    // highlight colour, held to 0 ... 255 and read as 0 where it is no number, reaches the palette.
+    void settingsBoxesAndBrandingHighlight_data()
     {
         QTest::addColumn<QString>("box");
         QTest::addColumn<QByteArray>("key");
-        QTest::newRow("close hides") << "Check_CloseHides" << QByteArray("minimize_close");
-        QTest::newRow("start hidden") << "Check_StartHidden" << QByteArray("start_hidden");
-        QTest::newRow("audio sync") << "Check_DisableAudio" << QByteArray("disableAudioSync");
-        QTest::newRow("log-on task")
-            << "Check_Startwithwindows" << QByteArray("start_with_windows");
+        QTest::addColumn<QVariantList>("parts"); // red, green, blue in the branding file, if any
+        QTest::addColumn<QColor>("highlight");
+        QTest::newRow("close hides, reseller red")
+            << "Check_CloseHides" << QByteArray("minimize_close") << QVariantList{255, 0, 0}
+            << QColor(255, 0, 0);
+        QTest::newRow("start hidden, held to 0 ... 255")
+            << "Check_StartHidden" << QByteArray("start_hidden")
+            << QVariantList{300, -5, "2147483647"} << QColor(255, 0, 255);
+        QTest::newRow("audio sync, not a number reads as 0")
+            << "Check_DisableAudio" << QByteArray("disableAudioSync")
+            << QVariantList{"1e300", 128, "x"} << QColor(0, 128, 0);
+        QTest::newRow("log-on task, no branding")
+            << "Check_Startwithwindows" << QByteArray("start_with_windows") << QVariantList()
+            << QColor(0, 0, 0);
     }
 
-    void settingsBoxesRestoredAndWritten()
+    void settingsBoxesAndBrandingHighlight()
     {
         QFETCH(QString, box);
         QFETCH(QByteArray, key);
+        QFETCH(QVariantList, parts);
         TestWindow p;
         p.setGeneral(key.constData(), true);
+        const QString branding = QStringLiteral("branding/varnel_branding.ini");
+        for (const char *color : {"RED", "GREEN", "BLUE"})
+            if (!parts.isEmpty())
+                p.folder.setIni(branding, QStringLiteral("highlightcolor_") + color,
+                                parts.takeFirst());
         p.start();
+        const QPalette palette = QApplication::palette();
+        QTEST(palette.color(QPalette::Active, QPalette::Highlight), "highlight");
+        QTEST(palette.color(QPalette::Inactive, QPalette::Highlight), "highlight");
+        QCOMPARE(palette.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
+        QCOMPARE(palette.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
+
         auto *check = p.window->findChild<QCheckBox *>(box);
         QVERIFY(check->isChecked());
         QCOMPARE(p.window->isHiddenToTray(), key == "start_hidden");
@@ -124,41 +130,11 @@ private slots:
                      R"(start: schtasks /create /tn "Varnrel" /XML settings\varnrel_task.xml)"}));
     }
 
-    // The exit box is written on when ticked and only noted when cleared; with it and "close
-    // hides" the close button hides, and the size and place come back after a restart.
-    void closeSettingsSurviveARestart()
-    {
-        TestWindow p;
-        p.setGeneral("minimize_close", true);
-        p.start();
-        p.ui().Check_ExitDialog->click();
-        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
-        p.ui().Check_ExitDialog->click();
-        QCOMPARE(p.generalValue("Re-dontshowexitdiag"), QVariant("false"));
-        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
-        p.window->setGeometry(40, 50, 1500, 1720);
-        p.window->ShutdownQuit();
-        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
-        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
-
-        p.start();
-        QVERIFY(p.ui().Check_ExitDialog->isChecked());
-        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
-        p.window->show();
-        CloseCounter counter;
-        p.window->installEventFilter(&counter);
-        p.ui().closeButton->click();
-        QVERIFY(!p.window->isVisible());
-        QVERIFY(p.window->isHiddenToTray());
-        QCOMPARE(counter.closes, 0);
-        // The tray's Exit quits at once: the window comes back and closes without a question.
-        p.window->trayActions().exit->trigger();
-        QVERIFY(!p.window->isVisible());
-        QCOMPARE(counter.closes, 1);
-        QVERIFY(p.fake.dialogs->shown.isEmpty());
-    }
-
-    void trayAndSecondStartShowTheWindowAndQuittingAsks()
+    // The tray and a second start bring the window back; each way out asks with its own text and
+    // only a yes closes. The exit box is written on when ticked and only noted when cleared; with
+    // it and "close hides" the close button hides, and the size and place come back after a
+    // restart.
+    void trayStartsAndWaysOut()
     {
         TestWindow p;
         p.fake.dialogs->answers = {QMessageBox::No, QMessageBox::No, QMessageBox::Yes};
@@ -186,10 +162,8 @@ private slots:
                          Qt::NoModifier);
         QApplication::sendEvent(&w, &move);
         QTest::mouseRelease(&w, Qt::LeftButton, Qt::NoModifier, QPoint(5, bottom));
-        QVERIFY(w.geometry().bottom() < bottom);
-        QVERIFY(w.geometry().top() >= 0);
+        QVERIFY(w.geometry().top() >= 0 && w.geometry().bottom() < bottom);
 
-        // Each way out asks with its own text; only a yes closes.
         p.ui().closeButton->click();
         w.systemtray_exit();
         QVERIFY(w.isVisible());
@@ -200,34 +174,32 @@ private slots:
                               "background functions will be closed.\n | Yes|No"}));
         p.ui().closeButton->click();
         QVERIFY(!w.isVisible());
-    }
 
-    void brandingHighlightReachesThePalette_data()
-    {
-        QTest::addColumn<QVariantList>("parts"); // red, green, blue as written in the file
-        QTest::addColumn<QColor>("highlight");
-        QTest::newRow("reseller red") << QVariantList{255, 0, 0} << QColor(255, 0, 0);
-        QTest::newRow("held to 0 ... 255")
-            << QVariantList{300, -5, "2147483647"} << QColor(255, 0, 255);
-        QTest::newRow("not a number reads as 0")
-            << QVariantList{"1e300", 128, "x"} << QColor(0, 128, 0);
-    }
+        p.ui().Check_CloseHides->click();
+        p.ui().Check_ExitDialog->click();
+        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        p.ui().Check_ExitDialog->click();
+        QCOMPARE(p.generalValue("Re-dontshowexitdiag"), QVariant("false"));
+        QCOMPARE(p.generalValue("dontshowexitdiag").toBool(), true);
+        w.setGeometry(40, 50, 1500, 1720);
+        w.ShutdownQuit();
+        QVERIFY(!p.generalValue("mainWindowGeometry").toByteArray().isEmpty());
+        QVERIFY(!p.generalValue("mainWindowState").toByteArray().isEmpty());
 
-    void brandingHighlightReachesThePalette()
-    {
-        QFETCH(QVariantList, parts);
-        TestWindow p;
-        const QString branding = QStringLiteral("branding/varnel_branding.ini");
-        for (const char *color : {"RED", "GREEN", "BLUE"})
-            p.folder.setIni(branding, QStringLiteral("highlightcolor_") + color, parts.takeFirst());
-        p.folder.setIni(branding, "appname", "Reseller Center");
         p.start();
-        const QPalette palette = QApplication::palette();
-        QTEST(palette.color(QPalette::Active, QPalette::Highlight), "highlight");
-        QTEST(palette.color(QPalette::Inactive, QPalette::Highlight), "highlight");
-        QCOMPARE(palette.color(QPalette::Disabled, QPalette::Highlight), QColor(80, 80, 80));
-        QCOMPARE(palette.color(QPalette::Active, QPalette::Window), QColor(48, 48, 48));
-        QCOMPARE(p.ui().Title->text(), QStringLiteral("Reseller Center"));
+        QVERIFY(p.ui().Check_ExitDialog->isChecked());
+        QCOMPARE(p.window->geometry().size(), QSize(1500, 1720));
+        p.window->show();
+        CloseCounter counter;
+        p.window->installEventFilter(&counter);
+        p.ui().closeButton->click();
+        QVERIFY(!p.window->isVisible() && p.window->isHiddenToTray());
+        QCOMPARE(counter.closes, 0);
+        // The tray's Exit quits at once: the window comes back and closes without a question.
+        p.window->trayActions().exit->trigger();
+        QVERIFY(!p.window->isVisible());
+        QCOMPARE(counter.closes, 1);
+        QCOMPARE(p.fake.dialogs->shown.size(), 3);
     }
 
     void windowHoldsUnavailableControlsDisabled()
@@ -249,51 +221,24 @@ private slots:
         ui.checkBox_DontManageCPU->click();
         ui.turbo_override->setEnabled(true);
         ui.turbo_override->setToolTip(QStringLiteral("other"));
-        QVERIFY(!ui.turbo_override->isEnabled());
-        QCOMPARE(ui.turbo_override->toolTip(), helper);
-        QVERIFY(!ui.tabWidget->isTabEnabled(ui.tabWidget->indexOf(ui.tab)));
-        QCOMPARE(ui.tabWidget->tabToolTip(ui.tabWidget->indexOf(ui.tab)), helper);
-
-        QVERIFY(!ui.CheckTDRdelay->isEnabled());
-        QCOMPARE(ui.Button_RemoteControl->toolTip(), QStringLiteral("no Remote"));
-        QVERIFY(!ui.Button_FanControl->isEnabled());
-        QVERIFY(ui.Button_KeyboardLed->isEnabled());
-        QVERIFY(ui.checkstart->isEnabled()); // two of the three apps can still start
-        QVERIFY(ui.silent_cpu_min->isEnabled());
-        QVERIFY(!ui.comboBox_5->isEnabled());
-        QCOMPARE(ui.comboBox_5->toolTip(),
-                 QStringLiteral("Fan modes are set by Fan Control: no fans"));
-        QVERIFY(ui.horizontalSlider_2->isEnabled()); // the keyboard app can still start
-
+        // Two of the three apps, and the keyboard app, can still start.
+        for (QWidget *on : QWidgetList{ui.Button_KeyboardLed, ui.checkstart, ui.silent_cpu_min,
+                                       ui.horizontalSlider_2, ui.LidClose_Combo})
+            QVERIFY2(on->isEnabled(), qPrintable(on->objectName()));
+        for (QWidget *off :
+             QWidgetList{ui.turbo_override, ui.CheckTDRdelay, ui.Button_FanControl, ui.comboBox_5})
+            QVERIFY2(!off->isEnabled(), qPrintable(off->objectName()));
+        const int tuning = ui.tabWidget->indexOf(ui.tab);
+        QVERIFY(!ui.tabWidget->isTabEnabled(tuning));
         // Only the shutdown entry of the lid action is off.
         auto *lid = qobject_cast<QStandardItemModel *>(ui.LidClose_Combo->model());
-        QVERIFY(lid->item(0)->isEnabled() && lid->item(1)->isEnabled());
-        QVERIFY(!lid->item(2)->isEnabled());
-        QCOMPARE(lid->item(2)->toolTip(), helper);
-        QVERIFY(ui.LidClose_Combo->isEnabled());
-    }
-
-    void settingsAreReadAndWrittenAtOnce()
-    {
-        TestFolder folder; // no settings folder yet: the first write makes it
-        const Settings settings;
-        QVERIFY(!settings.general().value("minimize_close").isValid());
-        settings.general().setValue("powermode", "silent");
-        QCOMPARE(folder.ini("settings/varnel.ini", "powermode"), QVariant("silent"));
-        // A change made behind the helper's back is seen by the next read: nothing is cached.
-        folder.setIni("settings/varnel.ini", "powermode", "maximum");
-        QCOMPARE(settings.general().value("powermode").toString(), QStringLiteral("maximum"));
-        // Both separators name the same file.
-        SettingsFile("settings\\settings_widgets.ini").setValue("resorceswidget", 1);
-        QCOMPARE(settings.widgets().value("resorceswidget").toInt(), 1);
-        QCOMPARE(localPath("ThrottleStop\\ThrottleStop.ini"),
-                 QStringLiteral("ThrottleStop/ThrottleStop.ini"));
-        // The update work file keeps its own group.
-        folder.mkdir("updates");
-        settings.updateWork().setValue("Varnel", true);
-        QSettings raw(folder.file("updates/work.ini"), QSettings::IniFormat);
-        QCOMPARE(raw.value("workqueue/Varnel").toBool(), true);
-        QVERIFY(!raw.contains("settings/Varnel"));
+        QVERIFY(lid->item(0)->isEnabled() && lid->item(1)->isEnabled() &&
+                !lid->item(2)->isEnabled());
+        QCOMPARE((QStringList{ui.turbo_override->toolTip(), ui.tabWidget->tabToolTip(tuning),
+                              lid->item(2)->toolTip(), ui.Button_RemoteControl->toolTip(),
+                              ui.comboBox_5->toolTip()}),
+                 (QStringList{helper, helper, helper, "no Remote",
+                              "Fan modes are set by Fan Control: no fans"}));
     }
 
     void onlyChangesRewriteTheFile_data()
@@ -328,13 +273,17 @@ private slots:
         if (stored.isValid())
             general.setValue("key", stored);
         const QString path = folder.file("settings/varnel.ini");
-        markUntouched(path);
-        general.setValue("key", written);
-        QCOMPARE(!stillUntouched(path), rewritten);
+        QCOMPARE(rewrites(path, [&] { general.setValue("key", written); }), rewritten);
         QCOMPARE(general.value("key").toString(), written.toString());
-        markUntouched(path);
-        general.remove("absent"); // removing a key that is not there changes nothing either
-        QVERIFY(stillUntouched(path));
+        // Removing a key that is not there changes nothing either.
+        QVERIFY(!rewrites(path, [&] { general.remove("absent"); }));
+        QVERIFY(!general.value("absent").isValid());
+        // A change made behind the helper's back is seen by the next read: nothing is cached.
+        folder.setIni("settings/varnel.ini", "key", "behind");
+        QCOMPARE(general.value("key").toString(), QStringLiteral("behind"));
+        // Both separators name the same file.
+        SettingsFile("settings\\varnel.ini").setValue("other", 2);
+        QCOMPARE(general.value("other").toInt(), 2);
     }
 
     void walk_data()
@@ -343,21 +292,17 @@ private slots:
         QTest::addColumn<int>("left");
         QTest::addColumn<QPoint>("expected");
         // Window 800 wide at x, y with a height; the screen 1920 x 1080 from left.
-        const struct {
-            const char *row;
-            int x, y, height, left, expectedX, expectedY;
-        } rows[] = {
-            {"on screen", 100, 100, 900, 0, 100, 100},
-            {"bottom below: 45 steps of 20 up", 100, 1075, 900, 0, 100, 175},
-            {"right edge past", 1125, 10, 900, 0, 1119, 10},
-            {"left of it", -5, 10, 900, 0, 1, 10},
-            {"above it", 10, -7, 900, 0, 10, 1},
-            {"second screen: only the height counts vertically", 1900, 100, 900, 1920, 1920, 100},
-            {"taller, left alone", 10, 500, 1200, 0, 10, 500},
-            {"20 up overshoots, 2-pixel steps come back", 0, 15, 1070, 0, 0, 1}};
-        for (const auto &r : rows)
-            QTest::newRow(r.row) << QRect(r.x, r.y, 800, r.height) << r.left
-                                 << QPoint(r.expectedX, r.expectedY);
+        auto row = [](const char *name, int x, int y, int height, int left, int toX, int toY) {
+            QTest::newRow(name) << QRect(x, y, 800, height) << left << QPoint(toX, toY);
+        };
+        row("on screen", 100, 100, 900, 0, 100, 100);
+        row("bottom below: 45 steps of 20 up", 100, 1075, 900, 0, 100, 175);
+        row("right edge past", 1125, 10, 900, 0, 1119, 10);
+        row("left of it", -5, 10, 900, 0, 1, 10);
+        row("above it", 10, -7, 900, 0, 10, 1);
+        row("second screen: only the height counts vertically", 1900, 100, 900, 1920, 1920, 100);
+        row("taller, left alone", 10, 500, 1200, 0, 10, 500);
+        row("20 up overshoots, 2-pixel steps come back", 0, 15, 1070, 0, 0, 1);
     }
 
     void walk()
@@ -413,21 +358,70 @@ private slots:
             QCOMPARE(p.ui().Slider_Brightness->minimumHeight(), 27);
     }
 
-    void refreshShowsThePanelAndTheSliderWritesIt()
+    // Unreadable, the panel shows no figure and says why; readable again, a refresh shows its
+    // level, the slider writes it and the adaptive box sets the scheme.
+    void panelBrightness_data()
     {
+        QTest::addColumn<QString>("platformReason");
+        QTest::addColumn<QString>("shownReason");
+        QTest::addColumn<bool>("adaptiveOff"); // the box as stored; a click turns it over
+        const QString noBacklight("This screen has no backlight that can be adjusted.");
+        QTest::newRow("no backlight, adaptive off") << noBacklight << noBacklight << true;
+        QTest::newRow("read failed, adaptive on")
+            << ""
+            << "The panel's brightness cannot be read right now." << false;
+    }
+
+    void panelBrightness()
+    {
+        QFETCH(QString, platformReason);
+        QFETCH(QString, shownReason);
+        QFETCH(bool, adaptiveOff);
         TestWindow p;
-        p.fake.panel->level = 42;
-        p.start();
+        p.fake.panel->level = -1;
+        if (!platformReason.isEmpty())
+            p.fake.availability->features[Feature::PanelBacklight] = platformReason;
+        p.setGeneral("AdaptiveBrightness", adaptiveOff);
+        p.start(/*keepRecords=*/true);
+        const QString display("SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
+        const QString adaptive = display + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ";
+        QVERIFY(p.commands().contains("shown 0: powercfg -setacvalueindex " + adaptive +
+                                      (adaptiveOff ? "0" : "1")));
+        p.clearRecords();
         Ui::MainWindow &ui = p.ui();
-        QCOMPARE(ui.Slider_Brightness->value(), 42);
-        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 42%"));
+        QVERIFY(!ui.Slider_Brightness->isEnabled());
+        QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
+        QCOMPARE(ui.Label_Brightness->toolTip(), shownReason);
+        p.window->GetBrightness();
+        // A power mode's initial brightness moves the slider: still no figure, nothing written.
+        ui.Slider_Brightness->setValue(80);
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: not adjustable"));
+
+        // The panel comes back (an external screen's backlight, a driver loaded late).
         p.fake.panel->level = 70;
         p.window->GetBrightness();
+        QVERIFY(ui.Slider_Brightness->isEnabled());
+        QVERIFY(ui.Slider_Brightness->toolTip().isEmpty());
+        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 70%"));
         QCOMPARE(ui.Slider_Brightness->value(), 70);
         QCOMPARE(p.window->panel()->currentBrightness(), 70);
         QCOMPARE(p.window->panel()->lastBrightness(), 70);
-        QCOMPARE(p.fake.log->entries, QStringList{"panel read"}); // read, never written back
+        QCOMPARE(p.fake.log->entries, (QStringList{"panel read", "panel read"})); // never written
         QVERIFY(!p.window->panel()->reading());
+
+        // The adaptive box keeps the panel's level in the scheme, then turns over.
+        p.clearRecords();
+        ui.Check_Adaptive->click();
+        QCOMPARE(ui.Check_Adaptive->isChecked(), !adaptiveOff);
+        const QString brightness = display + "aded5e82-b909-4619-9949-f5d71dac0bcb 70";
+        const QString value = adaptiveOff ? "1" : "0";
+        QCOMPARE(p.commands(),
+                 (QStringList{"run: powercfg -setacvalueindex " + brightness,
+                              "run: powercfg -setdcvalueindex " + brightness,
+                              "shown 0: powercfg -setdcvalueindex " + adaptive + value,
+                              "shown 0: powercfg -setacvalueindex " + adaptive + value,
+                              "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
+        QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), !adaptiveOff);
 
         // With the fix tool on, a refresh runs it only on a change: once for the change and
         // once from the slider's handler.
@@ -469,79 +463,6 @@ private slots:
         QVERIFY(p.fake.log->entries.contains("panel read"));
     }
 
-    void unreadablePanelDisablesTheSliderSayingWhy_data()
-    {
-        QTest::addColumn<QString>("platformReason");
-        QTest::addColumn<QString>("shownReason");
-        const QString noBacklight("This screen has no backlight that can be adjusted.");
-        QTest::newRow("no backlight") << noBacklight << noBacklight;
-        QTest::newRow("backlight there, read failed")
-            << ""
-            << "The panel's brightness cannot be read right now.";
-    }
-
-    void unreadablePanelDisablesTheSliderSayingWhy()
-    {
-        QFETCH(QString, platformReason);
-        QFETCH(QString, shownReason);
-        TestWindow p;
-        p.fake.panel->level = -1;
-        if (!platformReason.isEmpty())
-            p.fake.availability->features[Feature::PanelBacklight] = platformReason;
-        p.start();
-        Ui::MainWindow &ui = p.ui();
-        QVERIFY(!ui.Slider_Brightness->isEnabled());
-        QCOMPARE(ui.Slider_Brightness->toolTip(), shownReason);
-        QCOMPARE(ui.Label_Brightness->toolTip(), shownReason);
-        p.window->GetBrightness();
-        QVERIFY(!ui.Label_Brightness->text().contains("-1"));
-        // A power mode's initial brightness moves the slider: still no figure, nothing written.
-        ui.Slider_Brightness->setValue(80);
-        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: not adjustable"));
-        QVERIFY(p.fake.log->withPrefix("panel write").isEmpty());
-
-        // The panel comes back (an external screen's backlight, a driver loaded late).
-        p.fake.panel->level = 30;
-        p.window->GetBrightness();
-        QVERIFY(ui.Slider_Brightness->isEnabled());
-        QVERIFY(ui.Slider_Brightness->toolTip().isEmpty());
-        QCOMPARE(ui.Label_Brightness->text(), QStringLiteral("Brightness: 30%"));
-    }
-
-    void adaptiveBrightnessCommands_data()
-    {
-        QTest::addColumn<bool>("checked");
-        QTest::addColumn<QString>("value");
-        QTest::newRow("disabled") << true << "0";
-        QTest::newRow("enabled") << false << "1";
-    }
-
-    void adaptiveBrightnessCommands()
-    {
-        QFETCH(bool, checked);
-        QFETCH(QString, value);
-        const QString display("SCHEME_CURRENT 7516b95f-f776-4464-8c53-06167f40cc99 ");
-        const QString adaptive = display + "FBD9AA66-9553-4097-BA44-ED6E9D65EAB8 ";
-        TestWindow p;
-        p.setGeneral("AdaptiveBrightness", !checked);
-        p.fake.panel->level = 55;
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
-        // The stored setting is applied at start.
-        QVERIFY(p.commands().contains("shown 0: powercfg -setacvalueindex " + adaptive +
-                                      (checked ? "1" : "0")));
-        p.clearRecords();
-        p.ui().Check_Adaptive->click();
-        QCOMPARE(p.ui().Check_Adaptive->isChecked(), checked);
-        const QString brightness = display + "aded5e82-b909-4619-9949-f5d71dac0bcb 55";
-        QCOMPARE(p.commands(),
-                 (QStringList{"run: powercfg -setacvalueindex " + brightness,
-                              "run: powercfg -setdcvalueindex " + brightness,
-                              "shown 0: powercfg -setdcvalueindex " + adaptive + value,
-                              "shown 0: powercfg -setacvalueindex " + adaptive + value,
-                              "shown 0: powercfg -SetActive SCHEME_CURRENT"}));
-        QCOMPARE(p.generalValue("AdaptiveBrightness").toBool(), checked);
-    }
-
     // Declined, the window closes; accepted at the next start, the install runs its steps and the
     // settings load as a normal start does.
     void missingProviderIsInstalledOnlyWhenAccepted()
@@ -557,36 +478,38 @@ private slots:
         p.fake.scheduler->advance(0);
         QVERIFY(!p.window->isVisible());
 
-        p.window.reset();
         p.clearRecords();
-        p.window = std::make_unique<MainWindow>(p.fake.bundle());
+        p.start(/*keepRecords=*/true);
         const QString question("Question | Control Center not installed | You do not seem to be "
                                "using Control Center. For this software to work we need to install "
                                "a small dll for it to work. Can we install it?.\n | Yes|No");
         QCOMPARE(p.fake.dialogs->lines(), QStringList({question, question}));
-        const QStringList steps = {
-            "message: Control Center not installed",
-            "run: net stop winmgmt /y",
-            "copy: installer//CLEVOMOF.dll -> C://Windows//SysWOW64//clevomof.dll",
-            "run: regsvr32 /s C:/Windows/SysWOW64/clevomof.dll",
-            "registry set: HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\WmiAcpi "
-            "MofImagePath = syswow64\\clevomof.dll",
-            "run: net start winmgmt",
-            "run: powercfg -change -monitor-timeout-ac 20"};
-        int at = -1;
-        for (const QString &step : steps) {
-            const int next = p.fake.log->entries.indexOf(step, at + 1);
-            QVERIFY2(next > at, qPrintable(step));
-            at = next;
-        }
+        const QStringList &log = p.fake.log->entries;
+        const int install = log.indexOf("message: Control Center not installed");
+        QCOMPARE(
+            log.mid(install, 6),
+            (QStringList{"message: Control Center not installed", "run: net stop winmgmt /y",
+                         "copy: installer//CLEVOMOF.dll -> C://Windows//SysWOW64//clevomof.dll",
+                         "run: regsvr32 /s C:/Windows/SysWOW64/clevomof.dll",
+                         "registry set: HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Services\\"
+                         "WmiAcpi MofImagePath = syswow64\\clevomof.dll",
+                         "run: net start winmgmt"}));
+        QVERIFY(log.indexOf("run: powercfg -change -monitor-timeout-ac 20") > install);
         QVERIFY(p.window->trayMenu());
         QVERIFY(p.ui().checkBox_2->isChecked());
     }
 
     // Started hidden in the tray, the style sheet and the desktop's settings wait for the first
-    // window shown. These change the application's style, so they come last.
-    void hiddenStartHeldUntilTheWindowIsShown()
+    // window shown: the main window, the tray menu or a message box. This changes the application's
+    // style, so it comes last.
+    void hiddenStartHeldUntilAWindowIsShown()
     {
+        const auto holdWithNoSheet = [] {
+            StyleSheetHold::holdUntilShown();
+            QApplication::setStyle(new DarkStyle);
+            qApp->setStyleSheet(QString()); // re-polishes: held, the style sets nothing
+            QCOMPARE(qApp->styleSheet(), QString());
+        };
         holdWithNoSheet();
         TestWindow rig;
         rig.fake.availability->features[Feature::TouchpadSwitch] = QStringLiteral("no switch");
@@ -608,19 +531,14 @@ private slots:
         QVERIFY(qApp->styleSheet().contains(QLatin1String("#minimizeButton")));
         QVERIFY(!rig.ui().Radio_TouchpadON->isEnabled());
         QCOMPARE(rig.ui().Radio_TouchpadOFF->toolTip(), QStringLiteral("no switch"));
-    }
 
-    // The tray menu or a message box can be the first window shown; once released, the style
-    // sets the sheet again at once.
-    void hiddenStartHeldUntilAnyWindowIsShown()
-    {
+        // A menu is a window too, a child shown is none; released, the style sets the sheet again.
         QWidget open; // a window already open when the hold begins
         open.show();
         holdWithNoSheet();
         QWidget inner(&open);
         inner.show(); // shown, but no window
-        QVERIFY(inner.isVisible());
-        QVERIFY(StyleSheetHold::held());
+        QVERIFY(inner.isVisible() && StyleSheetHold::held());
         QMenu menu;
         menu.addAction(QStringLiteral("Exit"));
         menu.show();
