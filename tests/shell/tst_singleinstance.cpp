@@ -10,6 +10,7 @@
 #include "keyboardlight.h"
 #include "linuxavailability.h"
 #include "linuxcommands.h"
+#include "linuxdesktop.h"
 #include "linuxidentity.h"
 #include "linuxregistry.h"
 #include "nativeprogram.h"
@@ -18,6 +19,7 @@
 #include "singleapplication.h"
 #include "textfile.h"
 #include "workingfolder.h"
+#include "xtuclient.h"
 
 #include <QLocalSocket>
 #include <QtTest>
@@ -69,6 +71,7 @@ struct Fixture {
         write(name + "/brightness", QString::number(raw));
         write(name + "/actual_brightness", QString::number(raw));
     }
+
     void write(const QString &relative, const QString &text) const
     {
         writeFile(dir.filePath(relative), text.toUtf8() + '\n');
@@ -426,7 +429,10 @@ private slots:
         const QString userKey = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
         registry.setValue(userKey, "Default", ".None");
         QCOMPARE(registry.value(userKey, "Default", "x").toString(), QStringLiteral(".None"));
-        QVERIFY(QFile::exists(UserStoreRegistry::storePath()));
+        // Kept in the user's config folder, the key's path one section of the file.
+        QCOMPARE(QSettings(m_config.path() + "/varnel/registry.ini", QSettings::IniFormat)
+                     .value("HKEY_CURRENT_USER::AppEvents::Schemes/Default"),
+                 QVariant(".None"));
         const QString machineKey = QStringLiteral(
             "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Power");
         registry.setValue(machineKey, "HiberbootEnabled", "0");
@@ -436,6 +442,26 @@ private slots:
         registry.addRoute("HKEY_CURRENT_USER\\Routed", routed);
         registry.setValue("hkey_current_user\\routed\\a", "v", 3);
         QCOMPARE(routed->values.value("hkey_current_user\\routed\\a|v"), QVariant(3));
+    }
+
+    // Windows paths name nothing here but the tuning service, which the helper stands in for,
+    // and nothing is copied to one.
+    void windowsPathsOnLinux()
+    {
+        bool helper = false;
+        LinuxDesktop desktop([&] { return helper; });
+        QVERIFY(!desktop.systemFileExists(xtu::servicePaths[1]));
+        helper = true;
+        QVERIFY(desktop.systemFileExists(xtu::servicePaths[0]));
+        QVERIFY(!desktop.systemFileExists("C:\\Windows\\System32\\powercfg.exe"));
+        const QString file = m_config.filePath(QStringLiteral("copied"));
+        writeFile(file, "x");
+        QVERIFY(desktop.systemFileExists(file));
+        QVERIFY(!desktop.copySystemFile(file, "C:\\Windows\\System32\\wbem\\x.dll"));
+        QVERIFY(desktop.copySystemFile(file, file + "2"));
+        QCOMPARE(desktop.windowsToolsUnavailable(),
+                 QStringLiteral("ThrottleStop is a Windows program. On Linux the CPU Tuning tab "
+                                "tunes the processor through the system helper."));
     }
 
     // The instance block and server go only where no other user can write or plant a link.
