@@ -4,8 +4,7 @@
 #include "win_commands.h"
 #include "win_text.h"
 
-#include <windows.h>
-
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <shellapi.h>
@@ -22,13 +21,6 @@ fs::path modulePath()
     return std::wstring(buffer, GetModuleFileNameW(nullptr, buffer, MAX_PATH + 1));
 }
 
-std::wstring environment(const wchar_t *name)
-{
-    std::wstring value(32767, L'\0');
-    value.resize(GetEnvironmentVariableW(name, value.data(), 32767));
-    return value;
-}
-
 // Copies of this program stand in for system tools and helpers: a copy prints the path it was
 // started from, adds it to the file VARNEL_STANDIN_LOG names, and ends before any case runs.
 const bool kStandIn = [] {
@@ -38,21 +30,14 @@ const bool kStandIn = [] {
     const std::string line = self.u8string() + "\n";
     std::fputs(line.c_str(), stdout);
     std::fflush(stdout);
-    if (const std::wstring log = environment(L"VARNEL_STANDIN_LOG"); !log.empty())
+    if (const wchar_t *log = _wgetenv(L"VARNEL_STANDIN_LOG"))
         std::ofstream(fs::path(log), std::ios::app | std::ios::binary) << line;
     ExitProcess(0);
 }();
 
-// Test programs share one prefix and may run at the same time.
-std::wstring uniqueName(const wchar_t *stem)
-{
-    return std::wstring(stem) + L"-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(GetTickCount64());
-}
-
 std::wstring makeTempFolder(const wchar_t *stem)
 {
-    const fs::path path = fs::temp_directory_path() / uniqueName(stem);
+    const fs::path path = fs::temp_directory_path() / wintest::unique(stem);
     fs::create_directories(path);
     return path.wstring();
 }
@@ -102,10 +87,7 @@ WINTEST_CASE(runAndReadWaitsReadsAndTimesOut)
     // for ever.
     const std::string output =
         runAndRead(L"cmd /c for /l %i in (1,1,1500) do @echo line %i of a long listing", 90000);
-    size_t lines = 0;
-    for (size_t at = output.find("\r\n"); at != std::string::npos; at = output.find("\r\n", at + 2))
-        ++lines;
-    CHECK_EQ(lines, 1500u);
+    CHECK_EQ(std::count(output.begin(), output.end(), '\n'), 1500);
     CHECK(output.rfind("line 1500 of a long listing\r\n") == output.size() - 29);
 
     ULONGLONG start = GetTickCount64();
@@ -125,8 +107,6 @@ WINTEST_CASE(runAndReadWaitsReadsAndTimesOut)
 
 WINTEST_CASE(detachedStartPassesArgumentsAndWorkingDirectory)
 {
-    CHECK_EQ(quoteArgument(L""), L"\"\"");
-    CHECK_EQ(quoteArgument(L"/s"), L"/s");
     const std::wstring program = L"C:\\Program Files\\Suite\\update.exe";
     CHECK_EQ(joinCommandLine(program, {L"", L"-q"}),
              L"\"C:\\Program Files\\Suite\\update.exe\" \"\" -q");
@@ -233,19 +213,10 @@ WINTEST_CASE(onlyTrustedCopiesRun)
     CHECK_EQ(real.system, std::wstring(buffer, GetSystemDirectoryW(buffer, MAX_PATH + 1)));
     CHECK_EQ(real.install, modulePath().parent_path().wstring());
 
-    // A tool put into the system folder (as a machine's maker installs devcon) is found there.
-    const std::wstring devcon = real.system + L"\\devcon.exe";
-    CHECK_EQ(resolveProgram(L"devcon", real), devcon);
-    if (GetFileAttributesW(devcon.c_str()) == INVALID_FILE_ATTRIBUTES) { // else someone else's
-        CHECK(plant(devcon));
-        CHECK_EQ(runAndRead(L"devcon.exe status *", 30000), toUtf8(devcon) + "\r\n");
-        DeleteFileW(devcon.c_str());
-    }
-
     const std::wstring planted = makeTempFolder(L"planted");
     const std::wstring install = real.install;
-    const std::wstring helper = L"Libs\\" + uniqueName(L"helper") + L".exe";
-    const std::wstring absent = L"Libs\\" + uniqueName(L"absent") + L".exe";
+    const std::wstring helper = L"Libs\\" + wintest::unique(L"helper") + L".exe";
+    const std::wstring absent = L"Libs\\" + wintest::unique(L"absent") + L".exe";
     CreateDirectoryW((install + L"\\Libs").c_str(), nullptr);
     CreateDirectoryW((planted + L"\\Libs").c_str(), nullptr);
     for (const std::wstring name : {L"cmd.exe", L"tasklist.exe", L"powercfg.exe", L"wmic.exe",
@@ -253,7 +224,7 @@ WINTEST_CASE(onlyTrustedCopiesRun)
         CHECK(plant(planted + L"\\" + name));
     CHECK(plant(install + L"\\" + helper));
     const fs::path savedDir = fs::current_path();
-    const std::wstring savedPath = environment(L"PATH");
+    const std::wstring savedPath = _wgetenv(L"PATH");
     fs::current_path(planted);
     SetEnvironmentVariableW(L"PATH", (planted + L";" + savedPath).c_str());
 

@@ -2,33 +2,230 @@
 
 #include "audio_endpoint.h"
 #include "ddc_monitor.h"
-#include "fakewbem.h"
 #include "laptopswitch.h"
 #include "win_brightness.h"
 
 #include <map>
+#include <tuple>
 #include <utility>
+#include <wbemidl.h>
 
 using namespace varnel::win;
 using Calls = std::vector<std::wstring>;
 
 namespace {
 
+// Hand-made WMI objects: Wine's root\wmi has neither monitor instances nor the laptop's class,
+// so the per-instance part of the conversation is driven against these, every call recorded.
+Calls calls;
+
+std::wstring text(const wchar_t *s)
+{
+    return s ? std::wstring(s) : std::wstring(L"(null)");
+}
+
+#define STUB(signature)                                                                            \
+    HRESULT STDMETHODCALLTYPE signature override                                                   \
+    {                                                                                              \
+        return E_NOTIMPL;                                                                          \
+    }
+
+template <typename Interface> class Unknown : public Interface {
+public:
+    virtual ~Unknown() = default;
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void **out) override
+    {
+        *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_refs; }
+    ULONG STDMETHODCALLTYPE Release() override
+    {
+        const ULONG left = --m_refs;
+        if (left == 0)
+            delete this;
+        return left;
+    }
+
+private:
+    ULONG m_refs = 1;
+};
+
+// An instance, a class or a parameter object: Get answers from the given fields, Put records.
+class Object : public Unknown<IWbemClassObject> {
+public:
+    Object(std::wstring name, int brightness, bool failGet = false)
+        : m_name(std::move(name)), m_brightness(brightness), m_failGet(failGet)
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE Get(LPCWSTR property, LONG, VARIANT *value, CIMTYPE *,
+                                  LONG *) override
+    {
+        calls.push_back(m_name + L".Get " + text(property));
+        if (m_failGet)
+            return WBEM_E_NOT_FOUND;
+        VariantInit(value);
+        if (std::wstring(property) == L"__PATH") {
+            value->vt = VT_BSTR;
+            value->bstrVal = SysAllocString((L"path:" + m_name).c_str());
+        } else {
+            value->vt = VT_UI1;
+            value->bVal = static_cast<BYTE>(m_brightness);
+        }
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Put(LPCWSTR property, LONG, VARIANT *value, CIMTYPE type) override
+    {
+        calls.push_back(m_name + L".Put " + text(property) + L"=" +
+                        (value->vt == VT_BSTR ? text(value->bstrVal) : std::wstring(L"?")) +
+                        L" type " + std::to_wstring(type));
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG, IWbemClassObject **in,
+                                        IWbemClassObject **) override
+    {
+        calls.push_back(m_name + L".GetMethod " + text(name));
+        *in = new Object(L"signature", 0);
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE SpawnInstance(LONG flags, IWbemClassObject **out) override
+    {
+        calls.push_back(m_name + L".SpawnInstance " + std::to_wstring(flags));
+        *out = new Object(L"in", 0);
+        return S_OK;
+    }
+
+    STUB(GetQualifierSet(IWbemQualifierSet **))
+    STUB(Delete(LPCWSTR))
+    STUB(GetNames(LPCWSTR, LONG, VARIANT *, SAFEARRAY **))
+    STUB(BeginEnumeration(LONG))
+    STUB(Next(LONG, BSTR *, VARIANT *, CIMTYPE *, LONG *))
+    STUB(EndEnumeration())
+    STUB(GetPropertyQualifierSet(LPCWSTR, IWbemQualifierSet **))
+    STUB(Clone(IWbemClassObject **))
+    STUB(GetObjectText(LONG, BSTR *))
+    STUB(SpawnDerivedClass(LONG, IWbemClassObject **))
+    STUB(CompareTo(LONG, IWbemClassObject *))
+    STUB(GetPropertyOrigin(LPCWSTR, BSTR *))
+    STUB(InheritsFrom(LPCWSTR))
+    STUB(PutMethod(LPCWSTR, LONG, IWbemClassObject *, IWbemClassObject *))
+    STUB(DeleteMethod(LPCWSTR))
+    STUB(BeginMethodEnumeration(LONG))
+    STUB(NextMethod(LONG, BSTR *, IWbemClassObject **, IWbemClassObject **))
+    STUB(EndMethodEnumeration())
+    STUB(GetMethodQualifierSet(LPCWSTR, IWbemQualifierSet **))
+    STUB(GetMethodOrigin(LPCWSTR, BSTR *))
+
+private:
+    std::wstring m_name;
+    int m_brightness;
+    bool m_failGet;
+};
+
+// Hands out the given instances one at a time, then reports the end.
+class Enumerator : public Unknown<IEnumWbemClassObject> {
+public:
+    explicit Enumerator(std::vector<IWbemClassObject *> instances)
+        : m_instances(std::move(instances))
+    {
+    }
+    ~Enumerator() override
+    {
+        for (size_t i = m_next; i < m_instances.size(); ++i)
+            m_instances[i]->Release();
+    }
+    HRESULT STDMETHODCALLTYPE Next(LONG timeout, ULONG count, IWbemClassObject **objects,
+                                   ULONG *returned) override
+    {
+        calls.push_back(L"Next " + std::to_wstring(timeout) + L" " + std::to_wstring(count));
+        if (m_next >= m_instances.size()) {
+            *returned = 0;
+            return WBEM_S_FALSE;
+        }
+        objects[0] = m_instances[m_next++];
+        *returned = 1;
+        return S_OK;
+    }
+    STUB(Reset())
+    STUB(NextAsync(ULONG, IWbemObjectSink *))
+    STUB(Clone(IEnumWbemClassObject **))
+    STUB(Skip(LONG, ULONG))
+
+private:
+    std::vector<IWbemClassObject *> m_instances;
+    size_t m_next = 0;
+};
+
+// root\wmi with a number of panels, each reporting its own brightness.
+class Services : public Unknown<IWbemServices> {
+public:
+    explicit Services(std::vector<int> panels, bool failGet = false)
+        : panels(std::move(panels)), failGet(failGet)
+    {
+        calls.clear();
+    }
+    std::vector<int> panels;
+    bool failGet;
+
+    HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags,
+                                        IWbemContext *, IEnumWbemClassObject **out) override
+    {
+        calls.push_back(L"ExecQuery " + text(language) + L" " + text(query) + L" " +
+                        std::to_wstring(flags));
+        std::vector<IWbemClassObject *> instances;
+        for (size_t i = 0; i < panels.size(); ++i)
+            instances.push_back(new Object(L"panel" + std::to_wstring(i), panels[i], failGet));
+        *out = new Enumerator(instances);
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG, IWbemContext *,
+                                        IWbemClassObject **out, IWbemCallResult **) override
+    {
+        calls.push_back(L"GetObject " + text(path));
+        *out = new Object(L"class", 0);
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE ExecMethod(const BSTR path, const BSTR method, LONG flags,
+                                         IWbemContext *context, IWbemClassObject *in,
+                                         IWbemClassObject **out, IWbemCallResult **result) override
+    {
+        calls.push_back(L"ExecMethod " + text(path) + L" " + text(method) + L" " +
+                        std::to_wstring(flags) +
+                        (context || !in || out || result ? L" unexpected arguments" : L""));
+        return S_OK;
+    }
+
+    STUB(OpenNamespace(const BSTR, LONG, IWbemContext *, IWbemServices **, IWbemCallResult **))
+    STUB(CancelAsyncCall(IWbemObjectSink *))
+    STUB(QueryObjectSink(LONG, IWbemObjectSink **))
+    STUB(GetObjectAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(PutClass(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(PutClassAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(DeleteClass(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(DeleteClassAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(CreateClassEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
+    STUB(CreateClassEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(PutInstance(IWbemClassObject *, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(PutInstanceAsync(IWbemClassObject *, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(DeleteInstance(const BSTR, LONG, IWbemContext *, IWbemCallResult **))
+    STUB(DeleteInstanceAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(CreateInstanceEnum(const BSTR, LONG, IWbemContext *, IEnumWbemClassObject **))
+    STUB(CreateInstanceEnumAsync(const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(ExecQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *, IWbemObjectSink *))
+    STUB(ExecNotificationQuery(const BSTR, const BSTR, LONG, IWbemContext *,
+                               IEnumWbemClassObject **))
+    STUB(ExecNotificationQueryAsync(const BSTR, const BSTR, LONG, IWbemContext *,
+                                    IWbemObjectSink *))
+    STUB(ExecMethodAsync(const BSTR, const BSTR, LONG, IWbemContext *, IWbemClassObject *,
+                         IWbemObjectSink *))
+};
+
 const std::wstring kNext = L"Next -1 1";
 
 Calls takeCalls()
 {
-    return std::exchange(fakewbem::calls, {});
-}
-
-// root\wmi with one instance per given brightness (named panel0, panel1, ...).
-fakewbem::Services *services(std::vector<int> panels, bool failGet = false)
-{
-    auto *s = new fakewbem::Services;
-    s->panels = std::move(panels);
-    s->failGet = failGet;
-    takeCalls();
-    return s;
+    return std::exchange(calls, {});
 }
 
 // The calls that run one method on one instance, its inputs given as "Name=text type CIMTYPE".
@@ -43,22 +240,19 @@ void addMethodCall(Calls &out, const std::wstring &cls, const std::wstring &meth
                {instance + L".Get __PATH", L"ExecMethod path:" + instance + L" " + method + L" 0"});
 }
 
+// Monitor n (its handle's value) answers {readable, current, maximum}.
 class ScriptedChannel : public VcpChannel {
 public:
-    struct Monitor {
-        bool readable;
-        DWORD current, maximum;
-    };
-    std::map<uintptr_t, Monitor> monitors;
+    std::map<uintptr_t, std::tuple<bool, DWORD, DWORD>> monitors;
     std::vector<std::string> log;
 
     bool read(HANDLE monitor, BYTE code, DWORD *current, DWORD *maximum) override
     {
         const auto n = reinterpret_cast<uintptr_t>(monitor);
         log.push_back("read " + std::to_string(n) + " " + std::to_string(code));
-        *current = monitors.at(n).current;
-        *maximum = monitors.at(n).maximum;
-        return monitors.at(n).readable;
+        bool readable = false;
+        std::tie(readable, *current, *maximum) = monitors.at(n);
+        return readable;
     }
     void write(HANDLE monitor, BYTE code, DWORD value) override
     {
@@ -82,7 +276,7 @@ WINTEST_CASE(wineHasNoPanelNorLaptopClass)
 // and the level as CIM_UINT8 (17), unclamped.
 WINTEST_CASE(brightnessOverEveryPanel)
 {
-    fakewbem::Services *s = services({30, 85});
+    auto *s = new Services({30, 85});
     CHECK_EQ(queryCurrentBrightness(s), 85);
     CHECK_EQ(takeCalls(), (Calls{L"ExecQuery WQL Select * from WmiMonitorBrightness 16", kNext,
                                  L"panel0.Get CurrentBrightness", kNext,
@@ -98,7 +292,7 @@ WINTEST_CASE(brightnessOverEveryPanel)
     CHECK_EQ(queryCurrentBrightness(s), -1);
     s->Release();
 
-    s = services({30, 85}, true);
+    s = new Services({30, 85}, true);
     CHECK_EQ(queryCurrentBrightness(s), -1);
     CHECK_EQ(takeCalls().size(), size_t(3)); // query, one instance, its Get: then it stops
     s->Release();
@@ -111,7 +305,7 @@ WINTEST_CASE(laptopSwitchCallsItsMethod)
         {1, L"SetCamera"}, {2, L"SetWLan"}, {3, L"SetTP"}, {0, L"SetTP"}};
     for (const auto &[id, method] : rows) {
         CHECK_EQ(std::wstring(laptopSwitchMethod(id)), std::wstring(method));
-        fakewbem::Services *s = services({0, 0});
+        auto *s = new Services({0, 0});
         CHECK_EQ(callLaptopSwitch(s, id, id % 2), S_OK);
         Calls expected = {L"ExecQuery WQL Select * from CLEVO_GET 16"};
         addMethodCall(expected, L"CLEVO_GET", method,
@@ -119,7 +313,7 @@ WINTEST_CASE(laptopSwitchCallsItsMethod)
         CHECK_EQ(takeCalls(), expected);
         s->Release();
     }
-    fakewbem::Services *none = services({});
+    auto *none = new Services({});
     CHECK(callLaptopSwitch(none, 3, 1) != S_OK);
     CHECK_EQ(takeCalls().size(), size_t(2)); // the query and the empty Next
     none->Release();

@@ -36,24 +36,8 @@ void press(WORD key)
     SendInput(2, input, sizeof(INPUT));
 }
 
-// Pumps this thread's messages (the hooks run through them) until the marker key arrives.
-bool pumpUntilSeen(char marker, ULONGLONG patienceMs = 5000)
-{
-    const ULONGLONG deadline = GetTickCount64() + patienceMs;
-    while (GetTickCount64() < deadline) {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&msg);
-            DispatchMessageW(&msg);
-        }
-        if (!seen().empty() && seen().back() == marker)
-            return true;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
-    }
-    return false;
-}
-
-// Types the keys from another thread while this one pumps; what came through the hooks.
+// Types the keys from another thread while this one pumps its messages (the hooks run through
+// them) until the last key arrives; what came through the hooks.
 std::string typeThroughHooks(std::vector<WORD> keys, ULONGLONG patienceMs = 5000)
 {
     seen().clear();
@@ -61,7 +45,15 @@ std::string typeThroughHooks(std::vector<WORD> keys, ULONGLONG patienceMs = 5000
         for (WORD key : keys)
             press(key);
     });
-    pumpUntilSeen(static_cast<char>(keys.back()), patienceMs);
+    for (const ULONGLONG deadline = GetTickCount64() + patienceMs;
+         GetTickCount64() < deadline && (seen().empty() || seen().back() != char(keys.back()));) {
+        MSG msg;
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+    }
     typist.join();
     return seen();
 }

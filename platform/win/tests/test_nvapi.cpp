@@ -28,79 +28,66 @@ int status(unsigned id)
     return driver.failing == id ? -5 : 0;
 }
 
-int fakeInitialize()
+template <typename Function> std::pair<unsigned, void *> entry(unsigned id, Function function)
 {
-    driver.calls.push_back("initialize");
-    return status(NvApi::kInitializeId);
-}
-int fakeUnload()
-{
-    driver.calls.push_back("unload");
-    return 0;
-}
-int fakeEnum(void **handles, uint32_t *count)
-{
-    handles[0] = kGpu0;
-    handles[1] = reinterpret_cast<void *>(0x2000);
-    *count = 2;
-    return status(NvApi::kEnumPhysicalGpusId);
-}
-int fakeClocks(void *gpu, uint32_t *clocks)
-{
-    driver.versions[0] = clocks[0];
-    // domain n sits at byte 8 + 8n: flags word, then the frequency in kHz
-    clocks[2] = clocks[2 + 2 * 4] = 1;
-    clocks[3] = gpu == kGpu0 ? 1530999 : 300000;
-    clocks[3 + 2 * 4] = gpu == kGpu0 ? 7001000 : 405000;
-    return status(NvApi::kAllClockFrequenciesId);
-}
-int fakeDynamic(void *, uint32_t *info)
-{
-    driver.versions[1] = info[0];
-    info[2] = driver.loadPresent ? 1 : 0;
-    info[3] = 42;
-    return status(NvApi::kDynamicPstatesInfoExId);
-}
-int fakePstates20(void *, uint32_t *info)
-{
-    driver.versions[2] = info[0];
-    // The buffer is as long as its version word says; the driver may write all of it.
-    std::memset(info + 1, 0xAB, 0x1CF8 - 4);
-    return 0;
-}
-int fakeCurrentPstate(void *gpu, int32_t *state)
-{
-    *state = gpu == kGpu0 ? 0 : 8;
-    return 0;
-}
-int fakeThermal(void *, uint32_t sensorIndex, int32_t *settings)
-{
-    driver.versions[3] = static_cast<uint32_t>(settings[0]);
-    driver.thermalRequest = {static_cast<int32_t>(sensorIndex), settings[2], settings[6]};
-    settings[2 + 3] = 64; // sensor 0's current temperature
-    return status(NvApi::kThermalSettingsId);
-}
-int fakeErrorMessage(int code, char *text)
-{
-    std::snprintf(text, 64, "fake status %d", code);
-    return 0;
+    return {id, reinterpret_cast<void *>(+function)};
 }
 
 void *fakeQuery(unsigned id)
 {
     const std::pair<unsigned, void *> entries[] = {
-        {NvApi::kInitializeId, reinterpret_cast<void *>(fakeInitialize)},
-        {NvApi::kUnloadId, reinterpret_cast<void *>(fakeUnload)},
-        {NvApi::kEnumPhysicalGpusId, reinterpret_cast<void *>(fakeEnum)},
-        {NvApi::kAllClockFrequenciesId, reinterpret_cast<void *>(fakeClocks)},
-        {NvApi::kDynamicPstatesInfoExId, reinterpret_cast<void *>(fakeDynamic)},
-        {NvApi::kPstates20Id, reinterpret_cast<void *>(fakePstates20)},
-        {NvApi::kCurrentPstateId, reinterpret_cast<void *>(fakeCurrentPstate)},
-        {NvApi::kThermalSettingsId, reinterpret_cast<void *>(fakeThermal)},
-        {NvApi::kErrorMessageId, reinterpret_cast<void *>(fakeErrorMessage)}};
-    for (const auto &entry : entries) {
-        if (entry.first == id)
-            return entry.second;
+        entry(NvApi::kInitializeId,
+              [] {
+                  driver.calls.push_back("initialize");
+                  return status(NvApi::kInitializeId);
+              }),
+        entry(NvApi::kUnloadId, [] { return driver.calls.push_back("unload"), 0; }),
+        entry(NvApi::kEnumPhysicalGpusId,
+              [](void **handles, uint32_t *count) {
+                  handles[0] = kGpu0;
+                  handles[1] = reinterpret_cast<void *>(0x2000);
+                  *count = 2;
+                  return status(NvApi::kEnumPhysicalGpusId);
+              }),
+        entry(NvApi::kAllClockFrequenciesId,
+              [](void *gpu, uint32_t *clocks) {
+                  driver.versions[0] = clocks[0];
+                  // domain n sits at byte 8 + 8n: flags word, then the frequency in kHz
+                  clocks[2] = clocks[2 + 2 * 4] = 1;
+                  clocks[3] = gpu == kGpu0 ? 1530999 : 300000;
+                  clocks[3 + 2 * 4] = gpu == kGpu0 ? 7001000 : 405000;
+                  return status(NvApi::kAllClockFrequenciesId);
+              }),
+        entry(NvApi::kDynamicPstatesInfoExId,
+              [](void *, uint32_t *info) {
+                  driver.versions[1] = info[0];
+                  info[2] = driver.loadPresent ? 1 : 0;
+                  info[3] = 42;
+                  return status(NvApi::kDynamicPstatesInfoExId);
+              }),
+        entry(NvApi::kPstates20Id,
+              [](void *, uint32_t *info) {
+                  driver.versions[2] = info[0];
+                  // The buffer is as long as its version word says; the driver may write all of it.
+                  std::memset(info + 1, 0xAB, 0x1CF8 - 4);
+                  return 0;
+              }),
+        entry(NvApi::kCurrentPstateId,
+              [](void *gpu, int32_t *state) { return *state = gpu == kGpu0 ? 0 : 8, 0; }),
+        entry(NvApi::kThermalSettingsId,
+              [](void *, uint32_t sensorIndex, int32_t *settings) {
+                  driver.versions[3] = static_cast<uint32_t>(settings[0]);
+                  driver.thermalRequest = {static_cast<int32_t>(sensorIndex), settings[2],
+                                           settings[6]};
+                  settings[2 + 3] = 64; // sensor 0's current temperature
+                  return status(NvApi::kThermalSettingsId);
+              }),
+        entry(NvApi::kErrorMessageId, [](int code, char *text) {
+            return std::snprintf(text, 64, "fake status %d", code), 0;
+        })};
+    for (const auto &[entryId, function] : entries) {
+        if (entryId == id)
+            return function;
     }
     return nullptr;
 }

@@ -4,19 +4,15 @@
 #include "win_registry.h"
 #include "win_text.h"
 
-#include <windows.h>
-
 using namespace varnel::win;
 using Type = RegistryValue::Type;
 using List = std::vector<std::wstring>;
 
 namespace {
 
-// Test programs share one prefix and may run at the same time.
 std::wstring uniqueKey(const wchar_t *caseName, const wchar_t *root = L"HKEY_CURRENT_USER")
 {
-    return std::wstring(root) + L"\\Software\\VarnelTests\\" + caseName + L"-" +
-           std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount64());
+    return wintest::unique(std::wstring(root) + L"\\Software\\VarnelTests\\" + caseName);
 }
 
 std::wstring subKey(const std::wstring &key)

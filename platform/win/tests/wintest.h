@@ -1,13 +1,8 @@
 #pragma once
 
-// A small runner for the Windows backend's test programs, which run under Wine where a larger
-// framework buys nothing. Each test program includes this header once:
-//
-//   WINTEST_CASE(name) { CHECK(...); CHECK_EQ(actual, expected); }
-//
-// Cases that repeat with other values loop over a table of rows. A case fails when a check fails,
-// when it throws, or when it checked nothing at all. The program exits non-zero when any case
-// failed or none ran; a case name as argument runs only that case.
+// A small runner for the backend's test programs under Wine: WINTEST_CASE(name) { CHECK(...);
+// CHECK_EQ(actual, expected); }. A case fails on a failed check, an exception or no check at all;
+// the program fails when a case failed or none ran. A case name as argument runs only that case.
 
 #include <chrono>
 #include <cstdio>
@@ -15,6 +10,8 @@
 #include <string>
 #include <type_traits>
 #include <vector>
+
+#include <windows.h>
 
 namespace wintest {
 
@@ -25,6 +22,13 @@ struct Case {
 
 inline std::vector<Case> cases;
 inline int checks = 0, failures = 0;
+
+// Test programs share one prefix and may run at the same time.
+inline std::wstring unique(const std::wstring &stem)
+{
+    return stem + L"-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+           std::to_wstring(GetTickCount64());
+}
 
 // Text with anything but printable ASCII escaped, so a stray \r or UTF-16 byte shows.
 template <typename Char> std::string show(const std::basic_string<Char> &s)
