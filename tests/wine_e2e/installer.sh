@@ -16,14 +16,12 @@ for f in varnel.exe Qt5Core.dll Qt5Widgets.dll libstdc++-6.dll platforms/qwindow
   [ -f "$folder/$f" ] || fail "not installed: Program Files/Varnel/$f"
 done
 [ -n "$(shortcut)" ] || fail "no Start-menu entry"
-echo "installed into Program Files/Varnel, Start-menu entry at $(shortcut)"
 
 # The installed program starts from its folder.
 (cd "$folder" && exec wine varnel.exe >/dev/null 2>&1) &
 program=$!
 wait_for 60 is_state visible || fail "the installed program did not show: $(window_state)"
 close_program "$program" || fail "the installed program did not end"
-echo "the installed varnel.exe started and showed its window"
 
 # The uninstaller hands over to a copy of itself and returns at once: wait for the files to go.
 timeout 60 wine "$folder/Uninstall.exe" /S || fail "the uninstaller failed with $?"
@@ -32,4 +30,3 @@ for f in varnel.exe Qt5Core.dll platforms/qwindows.dll settings/default_power_mo
 done
 no_shortcut() { [ -z "$(shortcut)" ]; }
 wait_for 20 no_shortcut || fail "the uninstaller left the Start-menu entry"
-echo "the uninstaller removed the program's files and its Start-menu entry"

@@ -53,7 +53,6 @@ written() { calls | grep -qx 'write 29 52'; }
 wait_for 30 written || fail "the changed ratio was not written: $(calls)"
 writes=$(calls | grep '^write ' | tr '\n' ';')
 [ "$writes" = "write 29 52;" ] || fail "only the changed ratio may be written, got: $writes"
-echo "tuning tab filled from the client: undervolt 85, 37 W, 56 s saved; only 'write 29 52' sent"
 
 # A switch to the silent mode: powercfg's pairs in order, the scheme re-activated after each;
 # three seconds later the scheme takes the mode's brightness once more, after the panel.
@@ -81,7 +80,6 @@ wait_for 30 bash -c "[ \$(grep -c . '$system/powercfg.log' 2>/dev/null || echo 0
 $(pairs)"
 activations=$(grep -c -x 'powercfg -SetActive SCHEME_CURRENT' "$system/powercfg.log")
 [ "$activations" -eq 7 ] || fail "expected 7 activations, got $activations"
-echo "silent mode: 14 powercfg settings in order, 7 activations"
 
 # The long TDR delay tweak: checked writes both values, unchecked removes them.
 regvalue() { timeout 20 wine reg query "$graphics" /v "$1" 2>/dev/null | tr -d '\r' | grep -q "$1 *REG_DWORD *0x3c"; }
@@ -93,4 +91,3 @@ wait_for 20 regvalue TdrDdiDelay || fail "TdrDdiDelay was not written"
 click 22 467
 gone() { ! regvalue TdrDelay && ! regvalue TdrDdiDelay; }
 wait_for 20 gone || fail "unchecking left the TDR values"
-echo "TDR tweak: both values written, then removed"

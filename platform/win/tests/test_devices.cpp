@@ -5,7 +5,6 @@
 #include "laptopswitch.h"
 #include "win_brightness.h"
 
-#include <map>
 #include <tuple>
 #include <utility>
 #include <wbemidl.h>
@@ -18,11 +17,6 @@ namespace {
 // Hand-made WMI objects: Wine's root\wmi has neither monitor instances nor the laptop's class,
 // so the per-instance part of the conversation is driven against these, every call recorded.
 Calls calls;
-
-std::wstring text(const wchar_t *s)
-{
-    return s ? std::wstring(s) : std::wstring(L"(null)");
-}
 
 #define STUB(signature)                                                                            \
     HRESULT STDMETHODCALLTYPE signature override                                                   \
@@ -62,7 +56,7 @@ public:
     HRESULT STDMETHODCALLTYPE Get(LPCWSTR property, LONG, VARIANT *value, CIMTYPE *,
                                   LONG *) override
     {
-        calls.push_back(m_name + L".Get " + text(property));
+        calls.push_back(m_name + L".Get " + property);
         if (m_failGet)
             return WBEM_E_NOT_FOUND;
         VariantInit(value);
@@ -77,15 +71,15 @@ public:
     }
     HRESULT STDMETHODCALLTYPE Put(LPCWSTR property, LONG, VARIANT *value, CIMTYPE type) override
     {
-        calls.push_back(m_name + L".Put " + text(property) + L"=" +
-                        (value->vt == VT_BSTR ? text(value->bstrVal) : std::wstring(L"?")) +
-                        L" type " + std::to_wstring(type));
+        calls.push_back(m_name + L".Put " + property + L"=" +
+                        (value->vt == VT_BSTR ? value->bstrVal : L"?") + L" type " +
+                        std::to_wstring(type));
         return S_OK;
     }
     HRESULT STDMETHODCALLTYPE GetMethod(LPCWSTR name, LONG, IWbemClassObject **in,
                                         IWbemClassObject **) override
     {
-        calls.push_back(m_name + L".GetMethod " + text(name));
+        calls.push_back(m_name + L".GetMethod " + name);
         *in = new Object(L"signature", 0);
         return S_OK;
     }
@@ -171,7 +165,7 @@ public:
     HRESULT STDMETHODCALLTYPE ExecQuery(const BSTR language, const BSTR query, LONG flags,
                                         IWbemContext *, IEnumWbemClassObject **out) override
     {
-        calls.push_back(L"ExecQuery " + text(language) + L" " + text(query) + L" " +
+        calls.push_back(std::wstring(L"ExecQuery ") + language + L" " + query + L" " +
                         std::to_wstring(flags));
         std::vector<IWbemClassObject *> instances;
         for (size_t i = 0; i < panels.size(); ++i)
@@ -182,7 +176,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetObject(const BSTR path, LONG, IWbemContext *,
                                         IWbemClassObject **out, IWbemCallResult **) override
     {
-        calls.push_back(L"GetObject " + text(path));
+        calls.push_back(L"GetObject " + std::wstring(path));
         *out = new Object(L"class", 0);
         return S_OK;
     }
@@ -190,7 +184,7 @@ public:
                                          IWbemContext *context, IWbemClassObject *in,
                                          IWbemClassObject **out, IWbemCallResult **result) override
     {
-        calls.push_back(L"ExecMethod " + text(path) + L" " + text(method) + L" " +
+        calls.push_back(std::wstring(L"ExecMethod ") + path + L" " + method + L" " +
                         std::to_wstring(flags) +
                         (context || !in || out || result ? L" unexpected arguments" : L""));
         return S_OK;
@@ -240,10 +234,10 @@ void addMethodCall(Calls &out, const std::wstring &cls, const std::wstring &meth
                {instance + L".Get __PATH", L"ExecMethod path:" + instance + L" " + method + L" 0"});
 }
 
-// Monitor n (its handle's value) answers {readable, current, maximum}.
+// The monitor with handle n answers monitors[n - 1]: {readable, current, maximum}.
 class ScriptedChannel : public VcpChannel {
 public:
-    std::map<uintptr_t, std::tuple<bool, DWORD, DWORD>> monitors;
+    std::vector<std::tuple<bool, DWORD, DWORD>> monitors;
     std::vector<std::string> log;
 
     bool read(HANDLE monitor, BYTE code, DWORD *current, DWORD *maximum) override
@@ -251,7 +245,7 @@ public:
         const auto n = reinterpret_cast<uintptr_t>(monitor);
         log.push_back("read " + std::to_string(n) + " " + std::to_string(code));
         bool readable = false;
-        std::tie(readable, *current, *maximum) = monitors.at(n);
+        std::tie(readable, *current, *maximum) = monitors.at(n - 1);
         return readable;
     }
     void write(HANDLE monitor, BYTE code, DWORD value) override
@@ -325,14 +319,9 @@ WINTEST_CASE(everyPhysicalMonitorIsReadComparedAndWritten)
 {
     setVcpFeature(0x10, 55);
     ScriptedChannel channel;
-    channel.monitors = {{1, {true, 50, 100}},
-                        {2, {true, 70, 100}},
-                        {3, {false, 10, 100}},
-                        {4, {true, 10, 70}},
-                        {5, {true, 10, 69}}};
-    std::vector<HANDLE> handles;
-    for (const auto &monitor : channel.monitors)
-        handles.push_back(reinterpret_cast<HANDLE>(monitor.first));
+    channel.monitors = {
+        {true, 50, 100}, {true, 70, 100}, {false, 10, 100}, {true, 10, 70}, {true, 10, 69}};
+    const std::vector<HANDLE> handles = {HANDLE(1), HANDLE(2), HANDLE(3), HANDLE(4), HANDLE(5)};
     setVcpOnMonitors(handles, channel, 0x10, 70);
     CHECK_EQ(channel.log,
              std::vector<std::string>({"read 1 16", "write 1 16 70", "read 2 16", "read 3 16",
@@ -361,16 +350,11 @@ WINTEST_CASE(audioEndpointReadsTheNullSink)
 
 WINTEST_CASE(jackRule)
 {
-    struct Row {
-        unsigned long mapping;
-        int connection;
-        bool connected, headphones;
-    };
     // Mapping 3 is front left and right; connection type 1 the 3.5 mm jack.
-    const Row rows[] = {
+    const std::tuple<unsigned long, int, bool, bool> rows[] = {
         {3, 1, true, true},   {3, 1, false, false}, {4, 1, true, false},
         {63, 1, true, false}, {3, 2, true, false},  {3, 0, true, false},
     };
-    for (const Row &r : rows)
-        CHECK_EQ(jackIsHeadphones(r.mapping, r.connection, r.connected), r.headphones);
+    for (const auto &[mapping, connection, connected, headphones] : rows)
+        CHECK_EQ(jackIsHeadphones(mapping, connection, connected), headphones);
 }

@@ -11,18 +11,14 @@ using namespace varnel::win;
 namespace {
 
 // The keys that came through: letters as themselves, the Windows keys as 'l' and 'r'.
-std::string &seen()
-{
-    static std::string keys;
-    return keys;
-}
+std::string seen;
 
 // Installed before the blocker, so it is called after it: it sees only what was passed on.
 LRESULT CALLBACK observer(int code, WPARAM message, LPARAM event)
 {
     const DWORD key = reinterpret_cast<const KBDLLHOOKSTRUCT *>(event)->vkCode;
     if (code == HC_ACTION && message == WM_KEYDOWN)
-        seen() += key == VK_LWIN ? 'l' : key == VK_RWIN ? 'r' : static_cast<char>(key);
+        seen += key == VK_LWIN ? 'l' : key == VK_RWIN ? 'r' : static_cast<char>(key);
     return CallNextHookEx(nullptr, code, message, event);
 }
 
@@ -40,13 +36,13 @@ void press(WORD key)
 // them) until the last key arrives; what came through the hooks.
 std::string typeThroughHooks(std::vector<WORD> keys, ULONGLONG patienceMs = 5000)
 {
-    seen().clear();
+    seen.clear();
     std::thread typist([keys] {
         for (WORD key : keys)
             press(key);
     });
     for (const ULONGLONG deadline = GetTickCount64() + patienceMs;
-         GetTickCount64() < deadline && (seen().empty() || seen().back() != char(keys.back()));) {
+         GetTickCount64() < deadline && (seen.empty() || seen.back() != char(keys.back()));) {
         MSG msg;
         while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
             TranslateMessage(&msg);
@@ -55,7 +51,7 @@ std::string typeThroughHooks(std::vector<WORD> keys, ULONGLONG patienceMs = 5000
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
     }
     typist.join();
-    return seen();
+    return seen;
 }
 
 } // namespace

@@ -20,10 +20,13 @@ std::wstring subKey(const std::wstring &key)
     return key.substr(key.find(L'\\') + 1);
 }
 
-RegistryValue query(const std::wstring &key, const std::wstring &name)
+// The value as read back, which must exist (and have the given type).
+RegistryValue query(const std::wstring &key, const std::wstring &name, Type type = Type::None)
 {
     RegistryValue value;
     CHECK_EQ(queryValue(key, name, value), ERROR_SUCCESS);
+    if (type != Type::None)
+        CHECK_EQ(value.type, type);
     return value;
 }
 
@@ -56,27 +59,21 @@ WINTEST_CASE(valuesRoundTripWithTheirTypes)
     const std::wstring key = uniqueKey(L"values");
     for (std::uint32_t number : {0u, 60u, 0xFFFFFFFFu}) {
         CHECK_EQ(setDwordValue(key, L"TdrDelay", number), ERROR_SUCCESS);
-        const RegistryValue value = query(key, L"TdrDelay");
-        CHECK_EQ(value.type, Type::Dword);
-        CHECK_EQ(value.dword, number);
+        CHECK_EQ(query(key, L"TdrDelay", Type::Dword).dword, number);
     }
     for (const std::wstring text :
          {L"0", L"", L"C:\\WINDOWS\\media\\Windows Background.wav", L"caf\u00e9 \u4e2d"}) {
         CHECK_EQ(setStringValue(key, L"HiberbootEnabled", text), ERROR_SUCCESS);
-        const RegistryValue value = query(key, L"HiberbootEnabled");
-        CHECK_EQ(value.type, Type::String);
-        CHECK_EQ(value.text, text);
+        CHECK_EQ(query(key, L"HiberbootEnabled", Type::String).text, text);
     }
     // A value changes its type when written with another one.
     CHECK_EQ(setDwordValue(key, L"HiberbootEnabled", 1), ERROR_SUCCESS);
-    CHECK_EQ(query(key, L"HiberbootEnabled").type, Type::Dword);
+    query(key, L"HiberbootEnabled", Type::Dword);
 
     const std::vector<List> lists = {{L"HKKbdFltr", L"kbdclass"}, {}, {L" ", L"z", L"a", L"  "}};
     for (const List &list : lists) {
         CHECK_EQ(setMultiStringValue(key, L"UpperFilters", list), ERROR_SUCCESS);
-        const RegistryValue value = query(key, L"UpperFilters");
-        CHECK_EQ(value.type, Type::MultiString);
-        CHECK_EQ(value.list, list);
+        CHECK_EQ(query(key, L"UpperFilters", Type::MultiString).list, list);
     }
     // An empty entry would end the list early on the next read.
     CHECK_EQ(setMultiStringValue(key, L"UpperFilters", {L"a", L"", L"b"}), ERROR_INVALID_PARAMETER);
