@@ -1,5 +1,5 @@
 # Sourced first by the end-to-end scripts under Wine, in the prefix the test fixture made
-# (VARNEL_WINEPREFIX). Each script sets probe to windowstate.exe before asking for the window.
+# (VARNEL_WINEPREFIX). Each script's second argument is windowstate.exe, the window's probe.
 
 # Wine's helper processes outlive a script and inherit its output; CTest would wait for them.
 # The script's own output therefore goes through a file, copied out when the script ends.
@@ -18,14 +18,12 @@ export HOME=$VARNEL_WINEPREFIX/unix-home
 provider=$WINEPREFIX/drive_c/windows/syswow64/CLEVOMOF.dll
 : >"$provider"
 work=$(mktemp -d)
+probe=$2
 # A script's own clean-up goes into on_exit, after the program is ended.
 on_exit() { :; }
 trap 'timeout 20 wine taskkill /f /im varnel.exe >/dev/null 2>&1; rm -rf "$provider" "$work"; on_exit' EXIT
 
-fail() {
-  echo "FAIL: $*"
-  exit 1
-}
+fail() { echo "FAIL: $*"; exit 1; }
 # wait_for <seconds> <command...>: until the command succeeds.
 wait_for() {
   local deadline=$((SECONDS + $1))

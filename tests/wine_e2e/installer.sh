@@ -4,15 +4,15 @@
 #   installer.sh <setup.exe> <windowstate.exe>
 source "$(dirname "$0")/common.sh"
 setup=$1
-probe=$2
 [ -f "$setup" ] || fail "no setup program at $setup (is makensis installed?)"
 folder=$WINEPREFIX/drive_c/Program\ Files/Varnel
 shortcut() { find "$WINEPREFIX/drive_c" -path '*Start Menu/Programs/Varnel/Varnel.lnk' | head -n1; }
 
 timeout 120 wine "$setup" /S || fail "the silent install failed with $?"
-for f in varnel.exe Qt5Core.dll Qt5Widgets.dll libstdc++-6.dll platforms/qwindows.dll \
-         styles/qwindowsvistastyle.dll settings/default_power_mode.ini branding/varnel_branding.ini \
-         cpuprofiles/10875H.ini Uninstall.exe; do
+files=(varnel.exe Qt5Core.dll Qt5Widgets.dll libstdc++-6.dll platforms/qwindows.dll
+  styles/qwindowsvistastyle.dll settings/default_power_mode.ini branding/varnel_branding.ini
+  cpuprofiles/10875H.ini)
+for f in "${files[@]}" Uninstall.exe; do
   [ -f "$folder/$f" ] || fail "not installed: Program Files/Varnel/$f"
 done
 [ -n "$(shortcut)" ] || fail "no Start-menu entry"
@@ -25,7 +25,7 @@ close_program "$program" || fail "the installed program did not end"
 
 # The uninstaller hands over to a copy of itself and returns at once: wait for the files to go.
 timeout 60 wine "$folder/Uninstall.exe" /S || fail "the uninstaller failed with $?"
-for f in varnel.exe Qt5Core.dll platforms/qwindows.dll settings/default_power_mode.ini cpuprofiles/10875H.ini; do
+for f in "${files[@]}"; do
   wait_for 60 test ! -e "$folder/$f" || fail "the uninstaller left $f"
 done
 no_shortcut() { [ -z "$(shortcut)" ]; }

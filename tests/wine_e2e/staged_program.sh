@@ -4,7 +4,6 @@
 # folder's settings/ after a clean exit. How long the hand-over takes is the benchmark's to say.
 #   staged_program.sh <stage folder> <windowstate.exe>
 source "$(dirname "$0")/common.sh"
-probe=$2
 stage_copy "$1" 'start_hidden=true
 dontshowexitdiag=true'
 

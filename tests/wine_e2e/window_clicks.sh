@@ -1,13 +1,8 @@
 #!/usr/bin/env bash
-# End to end under Wine with the staged varnel.exe, driven by clicks posted to its window:
-# - the tuning client's read chain fills the CPU tuning tab (proved by Apply, which saves what
-#   was read and writes only the ratio changed by the click);
-# - a power-mode switch runs powercfg's command lines in order (a stand-in in the system folder);
-# - a Windows Tuning tweak writes its registry values, and unchecking removes them.
+# End to end under Wine with the staged varnel.exe, driven by clicks posted to its window (the
+# prefix has Wine's null graphics driver): CPU tuning, a power-mode switch and a registry tweak.
 #   window_clicks.sh <stage folder> <windowstate.exe> <powercfg stand-in> <fake tuning client>
-# The prefix has Wine's null graphics driver: the clicks are posted messages.
 source "$(dirname "$0")/common.sh"
-probe=$2
 system=$WINEPREFIX/drive_c/windows/system32
 client_folder="$WINEPREFIX/drive_c/Program Files/Varnel/XTU/Client"
 graphics='HKLM\SYSTEM\CurrentControlSet\Control\GraphicsDrivers'
@@ -35,7 +30,8 @@ export FAKE_XTU_STATE="Z:$work/xtu.state" FAKE_XTU_LOG="Z:$work/xtu.log"
 wine varnel.exe -platform windows:fontengine=freetype >program.log 2>&1 &
 wait_for 60 is_state visible || fail "the window never appeared"
 
-# The read chain asks the client for all eleven settings.
+# The read chain asks the client for all eleven settings; Apply saves what was read and writes
+# only the ratio the click changed.
 calls() { tr -d '\r' <xtu.log 2>/dev/null; }
 last_read() { calls | grep -qx 'read 97'; }
 wait_for 60 last_read || fail "the read chain did not finish: $(calls)"

@@ -25,10 +25,7 @@ WmicRunner printing(const std::string &bytes, std::vector<std::wstring> *asked =
     };
 }
 
-WmicRun notInstalled(const std::wstring &, int)
-{
-    return WmicRun();
-}
+const WmicRunner notInstalled = [](const std::wstring &, int) { return WmicRun(); };
 
 // A number from one of the host's own files, through Wine's Z: drive, to check against; a
 // format of "Key: %llu" finds its key first.
