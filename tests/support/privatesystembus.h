@@ -49,9 +49,6 @@ public:
         writeFile(
             m_dir.filePath(QStringLiteral("bus.conf")),
             QStringLiteral(
-                "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus "
-                "Configuration 1.0//EN\" "
-                "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
                 "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
                 "<servicedir>%2</servicedir><policy context=\"default\">"
                 "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
