@@ -25,8 +25,6 @@ public:
     {
         m_log->add(QStringLiteral("process: ") + commandLine);
         if (m_runner->asyncOutputs.contains(commandLine)) {
-            if (m_answering)
-                return;
             m_answer = m_runner->asyncOutputs.value(commandLine).toUtf8();
             m_answering = true;
             QTimer::singleShot(0, this, [this] {

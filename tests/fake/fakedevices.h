@@ -6,7 +6,6 @@
 #include "desktop.h"
 #include "devices.h"
 #include "dialogs.h"
-#include "identity.h"
 #include "operationlog.h"
 #include "registry.h"
 #include "sleepnotifier.h"
@@ -49,12 +48,6 @@ public:
 
     QMap<QString, QVariant> values; // key + "|" + name -> value
     bool machineSettings = true;    // false: behave as a system that is not Windows
-};
-
-class FakeIdentity : public UserIdentity {
-public:
-    QString userName() override { return name; }
-    QString name = QStringLiteral("tester");
 };
 
 class FakePanel : public PanelBrightness, Logged {
@@ -104,14 +97,9 @@ public:
     bool install() override
     {
         log(QStringLiteral("key blocker install"));
-        return installed = true;
+        return true;
     }
-    void uninstall() override
-    {
-        log(QStringLiteral("key blocker uninstall"));
-        installed = false;
-    }
-    bool installed = false;
+    void uninstall() override { log(QStringLiteral("key blocker uninstall")); }
 };
 
 class FakeKeyboardLight : public KeyboardLight, Logged {

@@ -5,7 +5,6 @@ Platform FakePlatform::bundle() const
     Platform p;
     p.commands = commands;
     p.registry = registry;
-    p.identity = identity;
     p.brightness = panel;
     p.switches = switches;
     p.monitors = monitors;

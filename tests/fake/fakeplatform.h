@@ -16,7 +16,6 @@ struct FakePlatform {
     SharedLog log = std::make_shared<OperationLog>();
     std::shared_ptr<FakeCommandRunner> commands = std::make_shared<FakeCommandRunner>(log);
     std::shared_ptr<FakeRegistry> registry = std::make_shared<FakeRegistry>(log);
-    std::shared_ptr<FakeIdentity> identity = std::make_shared<FakeIdentity>();
     std::shared_ptr<FakePanel> panel = std::make_shared<FakePanel>(log);
     std::shared_ptr<FakeSwitches> switches = std::make_shared<FakeSwitches>(log);
     std::shared_ptr<FakeMonitors> monitors = std::make_shared<FakeMonitors>(log);

@@ -2,12 +2,10 @@
 
 #include <QMetaObject>
 
-#include <limits>
-
 void ManualScheduler::singleShot(int ms, QObject *receiver, const char *slot)
 {
     history << QStringLiteral("%1 %2").arg(ms).arg(QString::fromLatin1(slot));
-    pending.append({m_now + ms, ms, QString::fromLatin1(slot), receiver});
+    pending.append({m_now + ms, QString::fromLatin1(slot), receiver});
 }
 
 bool ManualScheduler::fireNext(qint64 until)
@@ -33,12 +31,4 @@ void ManualScheduler::advance(qint64 ms)
     while (fireNext(end)) {
     }
     m_now = end;
-}
-
-int ManualScheduler::runAll(int limit)
-{
-    int fired = 0;
-    while (fired < limit && fireNext(std::numeric_limits<qint64>::max()))
-        ++fired;
-    return fired;
 }

@@ -14,7 +14,6 @@ public:
 
     struct Pending {
         qint64 due; // ms since the scheduler's clock start
-        int delay;
         QString slot;
         QPointer<QObject> receiver;
     };
@@ -26,9 +25,6 @@ public:
     // Advances the clock by ms, firing everything due on the way, earliest first (ties in
     // scheduling order). Calls scheduled while firing are honoured if they fall in the window.
     void advance(qint64 ms);
-    // Fires everything, including what the fired calls schedule, up to a limit of calls.
-    int runAll(int limit = 1000);
-    qint64 now() const { return m_now; }
 
 private:
     bool fireNext(qint64 until); // the earliest call due by then, if any

@@ -49,9 +49,6 @@ public:
         writeFile(
             m_dir.filePath(QStringLiteral("bus.conf")),
             QStringLiteral(
-                "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus "
-                "Configuration 1.0//EN\" "
-                "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
                 "<busconfig><listen>unix:path=%1</listen><auth>EXTERNAL</auth>"
                 "<servicedir>%2</servicedir><policy context=\"default\">"
                 "<allow send_destination=\"*\" eavesdrop=\"true\"/><allow eavesdrop=\"true\"/>"
@@ -73,13 +70,12 @@ public:
         m_daemon.start(QStringLiteral("dbus-daemon"),
                        {QStringLiteral("--nofork"),
                         QStringLiteral("--config-file=") + m_dir.filePath("bus.conf")});
-        if (!m_daemon.waitForStarted() || !QTest::qWaitFor([&] { return QFile::exists(socket); }))
-            return false;
         m_polkit.setProcessChannelMode(QProcess::MergedChannels);
-        m_polkit.start(QStringLiteral("/usr/bin/python3"),
-                       {QStringLiteral("-m"), QStringLiteral("dbusmock"),
-                        QStringLiteral("--system"), QStringLiteral("--template"),
-                        QStringLiteral("polkitd")});
+        if (m_daemon.waitForStarted() && QTest::qWaitFor([&] { return QFile::exists(socket); }))
+            m_polkit.start(QStringLiteral("/usr/bin/python3"),
+                           {QStringLiteral("-m"), QStringLiteral("dbusmock"),
+                            QStringLiteral("--system"), QStringLiteral("--template"),
+                            QStringLiteral("polkitd")});
         return m_polkit.waitForStarted() &&
                QTest::qWaitFor(
                    [] {
@@ -130,9 +126,8 @@ public:
         m_daemon.start(QStringLiteral("dbus-daemon"),
                        {QStringLiteral("--session"), QStringLiteral("--nofork"),
                         QStringLiteral("--print-address")});
-        if (!m_daemon.waitForReadyRead(10000))
-            return false;
-        m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
+        if (m_daemon.waitForReadyRead(10000))
+            m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
         qputenv(addressVariable, m_address.toUtf8());
         return !m_address.isEmpty();
     }

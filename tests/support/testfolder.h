@@ -16,7 +16,6 @@ public:
     TestFolder(const TestFolder &) = delete;
     TestFolder &operator=(const TestFolder &) = delete;
 
-    QString path() const { return m_dir.path(); }
     QString file(const QString &relative) const { return m_dir.filePath(relative); }
 
     // Writes key=value into the [settings] group of an INI file under this folder.

@@ -22,7 +22,7 @@ struct TestWindow {
     static constexpr const char *user = "settings/user_power_mode.ini";
     static constexpr const char *defaults = "settings/default_power_mode.ini";
 
-    TestWindow() { folder.copyShipped(QStringLiteral("settings/default_power_mode.ini")); }
+    TestWindow() { folder.copyShipped(QLatin1String(defaults)); }
 
     // Power modes on, in the given mode, as a user who turned them on earlier would start.
     void startWithPowerModes(const QString &mode = QStringLiteral("normal"))
@@ -63,10 +63,6 @@ struct TestWindow {
         folder.setIni(QLatin1String(user), key, value);
     }
     QVariant userValue(const QString &key) const { return folder.ini(QLatin1String(user), key); }
-    QVariant defaultValue(const QString &key) const
-    {
-        return folder.ini(QLatin1String(defaults), key);
-    }
 
     // Keys held by the user file, without the group.
     QStringList userKeys() const
