@@ -4,6 +4,7 @@
 #include "desktoppower.h"
 #include "desktopsettings.h"
 #include "devicecommands.h"
+#include "environmentoverride.h"
 #include "gsettingskey.h"
 #include "kconfigfile.h"
 #include "kdedesktop.h"
@@ -179,21 +180,16 @@ private slots:
         QTemporaryDir data;
         writeFile(data.filePath("glib-2.0/schemas/gschemas.compiled"),
                   "GVariant org.gnome.desktop.session\n");
-        const QByteArrayList names{"XDG_DATA_DIRS", "XDG_DATA_HOME", "GSETTINGS_SCHEMA_DIR"};
-        QByteArrayList saved;
-        for (const QByteArray &name : names)
-            saved << qgetenv(name);
-        qputenv("XDG_DATA_DIRS", QFile::encodeName(data.path()));
-        qputenv("XDG_DATA_HOME", QFile::encodeName(data.path()));
-        qunsetenv("GSETTINGS_SCHEMA_DIR");
+        EnvironmentOverride environment;
+        environment.set("XDG_DATA_DIRS", QFile::encodeName(data.path()));
+        environment.set("XDG_DATA_HOME", QFile::encodeName(data.path()));
+        environment.set("GSETTINGS_SCHEMA_DIR", QByteArray());
         // Installed on GNOME, yet named by no file on that path; the program never asks for it.
         GSettingsKey missing("org.gnome.desktop.interface", "gtk-theme");
         QVERIFY(!missing.available());
         QCOMPARE(missing.text(), std::optional<QString>());
         QVERIFY(!missing.setBoolean(true));
         QVERIFY(!readFile(QStringLiteral("/proc/self/maps")).contains("libgio"));
-        for (int i = 0; i < names.size(); ++i)
-            saved[i].isNull() ? qunsetenv(names[i]) : qputenv(names[i], saved[i]);
     }
 
     void acLineStatus_data()
@@ -441,14 +437,13 @@ private slots:
     // Plasma's backends are picked when the desktop list names KDE, in any case.
     void plasmaSessionWhenTheDesktopListNamesKde()
     {
-        const QByteArray saved = qgetenv("XDG_CURRENT_DESKTOP");
         QStringList plasma;
         for (const char *desktops : {"KDE", "X-Test:kde", "ubuntu:GNOME", "KDE-like", ""}) {
-            qputenv("XDG_CURRENT_DESKTOP", desktops);
+            EnvironmentOverride environment;
+            environment.set("XDG_CURRENT_DESKTOP", desktops);
             if (plasmaSession())
                 plasma << desktops;
         }
-        qputenv("XDG_CURRENT_DESKTOP", saved);
         QCOMPARE(plasma, (QStringList{"KDE", "X-Test:kde"}));
     }
 
@@ -587,8 +582,8 @@ private slots:
                       "#!/bin/sh\necho \"${0##*/} $*\" > \"$0.log\"\n/bin/mv \"$0.log\" \"" +
                           QFile::encodeName(log) + "\"\n",
                       /*executable=*/true);
-        const QByteArray path = qgetenv("PATH");
-        qputenv("PATH", QFile::encodeName(bin.path()));
+        auto environment = std::make_unique<EnvironmentOverride>();
+        environment->set("PATH", QFile::encodeName(bin.path()));
         bool ran = false;
         if (page == QLatin1String("display") || page == QLatin1String("power")) {
             SessionDesktopSettings desktop;
@@ -600,7 +595,7 @@ private slots:
             ran = table.canRun(page);
             QCOMPARE(table.run(page), std::optional<QString>(QString()));
         }
-        qputenv("PATH", path);
+        environment.reset();
         QCOMPARE(ran, !started.isEmpty());
         if (ran) {
             QTRY_COMPARE(QString::fromUtf8(readFile(log)), started + '\n');
@@ -712,28 +707,17 @@ private slots:
         if (QFile::exists(QStringLiteral("/run/pulse/native")))
             QSKIP("a system-wide server runs here");
         QTemporaryDir home;
-        const QStringList names{"PULSE_SERVER", "PULSE_RUNTIME_PATH", "XDG_RUNTIME_DIR",
-                                "XDG_CONFIG_HOME"};
-        QMap<QString, QByteArray> saved;
-        for (const QString &name : names)
-            saved[name] = qgetenv(qPrintable(name));
-        qunsetenv("PULSE_SERVER");
-        qputenv("PULSE_RUNTIME_PATH", QFile::encodeName(home.filePath("runtime")));
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
-        if (where == QLatin1String("PULSE_SERVER")) {
-            qputenv("PULSE_SERVER", "tcp:localhost");
-        } else if (!where.isEmpty()) {
+        auto environment = std::make_unique<EnvironmentOverride>();
+        environment->set("PULSE_SERVER",
+                         where == QLatin1String("PULSE_SERVER") ? "tcp:localhost" : QByteArray());
+        environment->set("PULSE_RUNTIME_PATH", QFile::encodeName(home.filePath("runtime")));
+        environment->set("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
+        environment->set("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
+        if (!where.isEmpty() && where != QLatin1String("PULSE_SERVER"))
             writeFile(home.filePath(where),
                       "; a comment\ndefault-server = unix:/somewhere/native\n");
-        }
         const bool found = PulseLibrary::serverMayExist();
-        for (const QString &name : names) {
-            if (saved[name].isNull())
-                qunsetenv(qPrintable(name));
-            else
-                qputenv(qPrintable(name), saved[name]);
-        }
+        environment.reset();
         if (!mayExist && found)
             QSKIP("this machine's own client configuration names a server");
         QCOMPARE(found, mayExist);
@@ -744,8 +728,9 @@ private slots:
     // from what is measured, so that a loaded machine cannot tip the comparisons.
     void noAnsweringServerMeansNoDevice()
     {
-        const QByteArray saved = qgetenv("PULSE_SERVER");
-        qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(m_runtime.path()) + "/nothing-here");
+        auto environment = std::make_unique<EnvironmentOverride>();
+        environment->set("PULSE_SERVER",
+                         "unix:" + QFile::encodeName(m_runtime.path()) + "/nothing-here");
         QElapsedTimer timer;
         timer.start();
         {
@@ -760,13 +745,13 @@ private slots:
         const qint64 none = timer.restart();
         QLocalServer silent;
         QVERIFY(silent.listen(m_runtime.path() + QStringLiteral("/silent")));
-        qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(silent.fullServerName()));
+        environment->set("PULSE_SERVER", "unix:" + QFile::encodeName(silent.fullServerName()));
         PulseAudioEndpoint endpoint(2s, 60s);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
         const qint64 first = timer.restart();
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 0u);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
-        qputenv("PULSE_SERVER", saved);
+        environment.reset();
         QVERIFY2(none < 10000, qPrintable(QString::number(none)));
         QVERIFY2(first >= 1900, qPrintable(QString::number(first))); // the default is 500 ms
         int attempts = 0;

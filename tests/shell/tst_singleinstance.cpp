@@ -4,6 +4,7 @@
 #include "backlight.h"
 #include "commandtable.h"
 #include "desktoppower.h"
+#include "environmentoverride.h"
 #include "fakedevices.h"
 #include "instancefile.h"
 #include "instancekey.h"
@@ -671,9 +672,11 @@ private slots:
     {
         QTemporaryDir install, home, moved;
         const QString user = home.filePath("varnel");
-        qputenv("XDG_DATA_HOME", QFile::encodeName(home.path()));
-        QCOMPARE(userWorkingFolder(), user);
-        qunsetenv("XDG_DATA_HOME");
+        {
+            EnvironmentOverride environment;
+            environment.set("XDG_DATA_HOME", QFile::encodeName(home.path()));
+            QCOMPARE(userWorkingFolder(), user);
+        }
         QDir(install.path()).mkpath("branding");
         QDir(install.path()).mkpath("cpuprofiles");
         writeFile(install.filePath("settings/default_power_mode.ini"), {});
