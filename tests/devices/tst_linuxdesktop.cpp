@@ -74,15 +74,6 @@ const QString kKey = QStringLiteral(
     "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\PrecisionTouchPad\\Status");
 const QString kSchemes = QStringLiteral("HKEY_CURRENT_USER\\AppEvents\\Schemes");
 
-// A key as the desktop's own command-line tool reads it from the settings store.
-QString stored(const char *schema, const char *key)
-{
-    QProcess gsettings;
-    gsettings.start(QStringLiteral("gsettings"), {"get", schema, key});
-    gsettings.waitForFinished(10000);
-    return QString::fromUtf8(gsettings.readAllStandardOutput()).trimmed();
-}
-
 class ScriptedPreference : public TouchpadPreference {
 public:
     std::optional<bool> enabled() override { return state; }
@@ -114,12 +105,24 @@ public slots:
 const char kSink[] = "varnel_test";
 const char kDescription[] = "Varnel Test Output";
 
-QString pactl(const QStringList &arguments)
+// What a desktop tool prints: the settings store's and the sound server's own clients.
+QString outputOf(const QString &program, const QStringList &arguments)
 {
     QProcess p;
-    p.start(QStringLiteral("pactl"), arguments);
+    p.start(program, arguments);
     p.waitForFinished(10000);
     return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+QString pactl(const QStringList &arguments)
+{
+    return outputOf(QStringLiteral("pactl"), arguments);
+}
+
+// A key as the desktop's own command-line tool reads it from the settings store.
+QString stored(const char *schema, const char *key)
+{
+    return outputOf(QStringLiteral("gsettings"), {"get", schema, key}).trimmed();
 }
 
 } // namespace
@@ -433,7 +436,6 @@ private slots:
         }
     }
 
-    // Plasma's daemon wins over GNOME's settings when it runs, the newer daemon first.
     // Plasma's backends are picked when the desktop list names KDE, in any case.
     void plasmaSessionWhenTheDesktopListNamesKde()
     {
@@ -447,6 +449,7 @@ private slots:
         QCOMPARE(plasma, (QStringList{"KDE", "X-Test:kde"}));
     }
 
+    // Plasma's daemon wins over GNOME's settings when it runs, the newer daemon first.
     void touchpadPreferenceOfTheRunningDesktop()
     {
         QVERIFY(dynamic_cast<GnomeTouchpad *>(TouchpadRegistry::sessionPreference().get()));
@@ -582,8 +585,8 @@ private slots:
                       "#!/bin/sh\necho \"${0##*/} $*\" > \"$0.log\"\n/bin/mv \"$0.log\" \"" +
                           QFile::encodeName(log) + "\"\n",
                       /*executable=*/true);
-        auto environment = std::make_unique<EnvironmentOverride>();
-        environment->set("PATH", QFile::encodeName(bin.path()));
+        EnvironmentOverride environment;
+        environment.set("PATH", QFile::encodeName(bin.path()));
         bool ran = false;
         if (page == QLatin1String("display") || page == QLatin1String("power")) {
             SessionDesktopSettings desktop;
@@ -595,7 +598,7 @@ private slots:
             ran = table.canRun(page);
             QCOMPARE(table.run(page), std::optional<QString>(QString()));
         }
-        environment.reset();
+        environment.restore();
         QCOMPARE(ran, !started.isEmpty());
         if (ran) {
             QTRY_COMPARE(QString::fromUtf8(readFile(log)), started + '\n');
@@ -707,17 +710,17 @@ private slots:
         if (QFile::exists(QStringLiteral("/run/pulse/native")))
             QSKIP("a system-wide server runs here");
         QTemporaryDir home;
-        auto environment = std::make_unique<EnvironmentOverride>();
-        environment->set("PULSE_SERVER",
-                         where == QLatin1String("PULSE_SERVER") ? "tcp:localhost" : QByteArray());
-        environment->set("PULSE_RUNTIME_PATH", QFile::encodeName(home.filePath("runtime")));
-        environment->set("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
-        environment->set("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
+        EnvironmentOverride environment;
+        environment.set("PULSE_SERVER",
+                        where == QLatin1String("PULSE_SERVER") ? "tcp:localhost" : QByteArray());
+        environment.set("PULSE_RUNTIME_PATH", QFile::encodeName(home.filePath("runtime")));
+        environment.set("XDG_RUNTIME_DIR", QFile::encodeName(home.path()));
+        environment.set("XDG_CONFIG_HOME", QFile::encodeName(home.filePath("config")));
         if (!where.isEmpty() && where != QLatin1String("PULSE_SERVER"))
             writeFile(home.filePath(where),
                       "; a comment\ndefault-server = unix:/somewhere/native\n");
         const bool found = PulseLibrary::serverMayExist();
-        environment.reset();
+        environment.restore();
         if (!mayExist && found)
             QSKIP("this machine's own client configuration names a server");
         QCOMPARE(found, mayExist);
@@ -728,9 +731,9 @@ private slots:
     // from what is measured, so that a loaded machine cannot tip the comparisons.
     void noAnsweringServerMeansNoDevice()
     {
-        auto environment = std::make_unique<EnvironmentOverride>();
-        environment->set("PULSE_SERVER",
-                         "unix:" + QFile::encodeName(m_runtime.path()) + "/nothing-here");
+        EnvironmentOverride environment;
+        environment.set("PULSE_SERVER",
+                        "unix:" + QFile::encodeName(m_runtime.path()) + "/nothing-here");
         QElapsedTimer timer;
         timer.start();
         {
@@ -745,13 +748,13 @@ private slots:
         const qint64 none = timer.restart();
         QLocalServer silent;
         QVERIFY(silent.listen(m_runtime.path() + QStringLiteral("/silent")));
-        environment->set("PULSE_SERVER", "unix:" + QFile::encodeName(silent.fullServerName()));
+        environment.set("PULSE_SERVER", "unix:" + QFile::encodeName(silent.fullServerName()));
         PulseAudioEndpoint endpoint(2s, 60s);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
         const qint64 first = timer.restart();
         QCOMPARE(endpoint.volumeOperation(AudioEndpoint::ReadVolume, 0, false), 0u);
         QCOMPARE(endpoint.outputDeviceName(), QStringLiteral("No Audio Device"));
-        environment.reset();
+        environment.restore();
         QVERIFY2(none < 10000, qPrintable(QString::number(none)));
         QVERIFY2(first >= 1900, qPrintable(QString::number(first))); // the default is 500 ms
         int attempts = 0;

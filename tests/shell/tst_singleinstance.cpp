@@ -136,12 +136,11 @@ private:
     // Runs f with the probes' temporary folder, where a System V segment's name lives.
     template <class F> void inProbeTemp(F f)
     {
-        const QByteArray saved = qgetenv("TMPDIR");
-        qputenv("TMPDIR", m_temp->path().toUtf8());
+        EnvironmentOverride environment;
+        environment.set("TMPDIR", m_temp->path().toUtf8());
         if (!m_heldSegment)
             m_heldSegment = std::make_unique<QSharedMemory>(probeKey());
         f(*m_heldSegment);
-        qputenv("TMPDIR", saved);
     }
 
     QString blockFile() const { return m_runtime->path() + '/' + probeKey() + ".block"; }

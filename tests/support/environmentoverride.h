@@ -11,17 +11,21 @@ public:
     EnvironmentOverride() = default;
     EnvironmentOverride(const EnvironmentOverride &) = delete;
     EnvironmentOverride &operator=(const EnvironmentOverride &) = delete;
-    ~EnvironmentOverride()
-    {
-        for (auto it = m_saved.crbegin(); it != m_saved.crend(); ++it)
-            put(it->first, it->second);
-    }
+    ~EnvironmentOverride() { restore(); }
 
     // A null value unsets the variable.
     void set(const QByteArray &name, const QByteArray &value)
     {
         m_saved.append({name, qgetenv(name.constData())});
         put(name, value);
+    }
+
+    // Puts back what was there before, earlier than the end of the scope.
+    void restore()
+    {
+        for (auto it = m_saved.crbegin(); it != m_saved.crend(); ++it)
+            put(it->first, it->second);
+        m_saved.clear();
     }
 
 private:
