@@ -823,4 +823,4 @@ int main(int argc, char *argv[])
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "tst_singleinstance.moc"
+#include "tst_linuxshell.moc"

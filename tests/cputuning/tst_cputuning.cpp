@@ -826,4 +826,4 @@ private slots:
 };
 
 QTEST_MAIN(CpuTuningTest)
-#include "tst_tuningchains.moc"
+#include "tst_cputuning.moc"
