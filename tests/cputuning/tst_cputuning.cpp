@@ -73,10 +73,11 @@ struct ClientRig : TestWindow {
     }
     CpuTuning *cpu() const { return window->cpuTuning(); }
 
-    // Waits until `count` read chains have ended since start-up.
+    // Waits until `count` read chains have ended since start-up. A chain starts a dozen client
+    // processes, which under Wine on a loaded machine took over 20 s: allow a minute.
     bool waitForReadChains(int count)
     {
-        for (int i = 0; i < 100 && chainEnds->count() < count; ++i)
+        for (int i = 0; i < 300 && chainEnds->count() < count; ++i)
             chainEnds->wait(200);
         return chainEnds->count() >= count;
     }
